@@ -1,0 +1,25 @@
+# What every target of ours is compiled with. Dependencies are not: their warnings are not ours to mend.
+add_library(mira_options INTERFACE)
+target_include_directories(mira_options INTERFACE ${CMAKE_SOURCE_DIR}/src ${CMAKE_SOURCE_DIR})
+
+if(MSVC)
+  target_compile_options(mira_options INTERFACE /W4 /WX /permissive- /utf-8 /Zc:__cplusplus)
+else()
+  target_compile_options(mira_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
+    -Woverloaded-virtual -Werror)
+endif()
+
+if(WIN32)
+  target_compile_definitions(mira_options INTERFACE _WIN32_WINNT=0x0601 WIN32_LEAN_AND_MEAN NOMINMAX)
+  if(NOT MSVC)
+    # The C++ runtime goes into every module, so that only the system's own DLLs are needed.
+    target_link_options(mira_options INTERFACE -static)
+  endif()
+endif()
+
+if(MIRA_SANITIZE)
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_compile_definitions(_GLIBCXX_ASSERTIONS)
+  add_link_options(-fsanitize=address,undefined)
+endif()

@@ -1,0 +1,83 @@
+#include "buffers/buffer_factory.h"
+
+#include <iostream>
+#include <new>
+
+namespace {
+
+using Maker = CBuffer* (*)(std::uint16_t cls, std::uint16_t select, std::uint32_t size);
+
+template <typename T>
+CBuffer* Make(std::uint16_t cls, std::uint16_t select, std::uint32_t size) {
+  return new (std::nothrow) T(cls, select, size);
+}
+
+CBuffer* MakeNone(std::uint16_t, std::uint16_t, std::uint32_t) { return nullptr; }
+
+CBuffer* MakeNoPbaDatabase(std::uint16_t, std::uint16_t, std::uint32_t) {
+  std::cout << "PBA DB Handler is not implemented... Contact the developer!!" << std::endl;
+  return nullptr;
+}
+
+constexpr std::uint16_t kAny = 0xFFFF;
+constexpr Maker kPlain = Make<CBuffer>;
+
+// The command, and what encodes it. The first row that holds the pair counts; a pair in no row has
+// no buffer.
+struct Row {
+  std::uint16_t first_class;
+  std::uint16_t last_class;
+  std::uint16_t first_select;
+  std::uint16_t last_select;
+  Maker make;
+};
+
+constexpr Row kRows[] = {
+    {0, 1, 0, kAny, kPlain},
+    {2, 2, 0, 0, kPlain},
+    {3, 3, 0, 2, kPlain},
+    {3, 3, 7, 8, kPlain},
+    {3, 3, 10, 10, kPlain},
+    {3, 3, 13, 13, kPlain},
+    {4, 4, 0, kAny, kPlain},
+    {6, 6, 0, 0, kPlain},
+    {6, 6, 4, 4, kPlain},
+    {6, 6, 6, kAny, kPlain},
+    {7, 7, 4, 4, kPlain},
+    {8, 8, 0, 17, kPlain},
+    {9, 9, 4, 5, MakeNone},
+    {9, 9, 0, kAny, kPlain},
+    {10, 10, 4, 5, MakeNone},
+    {10, 10, 7, 9, MakeNone},
+    {10, 10, 11, 11, MakeNone},
+    {10, 10, 13, 18, MakeNone},
+    {10, 10, 21, 24, MakeNoPbaDatabase},
+    {10, 10, 28, 28, MakeNone},
+    {10, 10, 30, 31, MakeNone},
+    {10, 10, 0, kAny, kPlain},
+    {12, 12, 4, 5, MakeNone},
+    {12, 12, 0, kAny, kPlain},
+    {16, 16, 0, kAny, kPlain},
+    {17, 17, 4, 5, MakeNone},
+    {17, 17, 14, 16, MakeNone},
+    {17, 17, 18, 18, MakeNone},
+    {17, 17, 22, 22, MakeNone},
+    {17, 17, 24, 24, MakeNone},
+    {17, 17, 0, kAny, kPlain},
+    {18, 19, 0, kAny, kPlain},
+    {22, 22, 0, kAny, kPlain},
+    {28, 28, 2, 2, kPlain},
+    {30, 30, 0, kAny, kPlain},
+};
+
+}  // namespace
+
+CBuffer* CreateBuffer(std::uint16_t cls, std::uint16_t select, std::uint32_t bufSize) {
+  for (const Row& row : kRows) {
+    if (cls >= row.first_class && cls <= row.last_class && select >= row.first_select &&
+        select <= row.last_select) {
+      return row.make(cls, select, bufSize);
+    }
+  }
+  return nullptr;
+}

@@ -1,0 +1,65 @@
+#include "buffers/console_io.h"
+
+#include <charconv>
+#include <iostream>
+#include <string_view>
+
+#include "bytes/secure.h"
+
+namespace mira::console_io {
+namespace {
+
+constexpr std::string_view kBlanks = " \t";
+
+// Asks until a line comes that `accept` takes.
+template <typename Accept>
+bool Ask(const char* prompt, const Accept& accept) {
+  bytes::SecureString line;
+  line.str().reserve(256);
+  for (;;) {
+    std::cout << prompt << std::flush;
+    line.Clear();
+    if (!std::getline(std::cin, line.str())) return false;
+    std::string_view answer = line;
+    if (answer.ends_with('\r')) answer.remove_suffix(1);
+    if (accept(answer)) return true;
+  }
+}
+
+bool ParseNumber(std::string_view text, int base, std::uint32_t& value) {
+  text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
+  text = text.substr(0, text.find_last_not_of(kBlanks) + 1);
+  if (base == 16 && (text.starts_with("0x") || text.starts_with("0X"))) text.remove_prefix(2);
+  std::uint32_t parsed = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), parsed, base);
+  if (error != std::errc() || end != text.data() + text.size()) return false;
+  value = parsed;
+  return true;
+}
+
+}  // namespace
+
+bool AskHex(const char* prompt, std::uint32_t& value) {
+  return Ask(prompt, [&](std::string_view answer) { return ParseNumber(answer, 16, value); });
+}
+
+bool AskNumber(const char* prompt, std::uint32_t& value, std::uint32_t lowest,
+               std::uint32_t highest) {
+  return Ask(prompt, [&](std::string_view answer) {
+    std::uint32_t parsed = 0;
+    if (!ParseNumber(answer, 10, parsed) || parsed < lowest || parsed > highest) return false;
+    value = parsed;
+    return true;
+  });
+}
+
+bool AskText(const char* prompt, std::string& text, std::size_t longest) {
+  return Ask(prompt, [&](std::string_view answer) {
+    if (answer.size() > longest) return false;
+    bytes::Wipe(text);
+    text.assign(answer);
+    return true;
+  });
+}
+
+}  // namespace mira::console_io

@@ -1,0 +1,215 @@
+#include "facade/mira_intf.h"
+
+#include <exception>
+#include <string_view>
+#include <utility>
+
+#include "callif/dispatch.h"
+#include "facade/process_state.h"
+#include "smbios/structure_factory.h"
+#include "smbios/table.h"
+#include "transport/com_error.h"
+#include "transport/connection.h"
+
+using mira::platform::Services;
+
+bool bFlagCheck = false;
+
+std::map<unsigned char, CBIOSObject*> CMiraIntf::m_mapBIOSTable;
+unsigned short CMiraIntf::m_SMBIOSMajorVersion = 0;
+bool CMiraIntf::m_bIsWMIACPIBufferFixPresent = false;
+CComBSTR CMiraIntf::m_bstrACPIInstanceName;
+unsigned int CMiraIntf::m_dwACPIBufSize = 0;
+
+namespace {
+
+constexpr unsigned char kCallingInterfaceType = 0xDA;
+constexpr unsigned short kFirstMajorVersionWithPLDM = 2;
+
+}  // namespace
+
+CMiraIntf::CMiraIntf(std::ostream& diag) : m_Diag(diag) { m_bIsWMIACPIBufferFixPresent = false; }
+
+CMiraIntf::CMiraIntf(const CMiraIntf& other) = default;
+
+CMiraIntf::~CMiraIntf() {
+  m_pPLDM.reset();
+  m_pServices.Release();
+  if (m_bCOMInitialized) Services().CoUninitialize();
+}
+
+template <typename Result, typename Operation>
+Result CMiraIntf::Guard(const char* what, Result failed, Operation operation) {
+  try {
+    return operation();
+  } catch (const mira::transport::ComError&) {
+    throw;
+  } catch (const std::exception& error) {
+    m_Diag << what << " failed: " << error.what() << std::endl;
+  }
+  return failed;
+}
+
+Status CMiraIntf::Init(bool loadPLDM, bool loadDisplayStrings, bool loadHelpStrings) {
+  if (!IsUserAdmin()) return STATUS_NOT_ADMIN;
+  m_bCOMInitialized = InitializeCOM();
+  if (!m_bCOMInitialized) return STATUS_COM_INIT_FAILED;
+  if (!Guard("Reading the SMBIOS table", false, [this] { return GetSMBIOSTables(); })) {
+    return STATUS_SMBIOS_READ_FAILED;
+  }
+  if (!Guard("Finding the WMI instance", false, [this] { return FindInstanceAndGetData(); })) {
+    return STATUS_WMI_INSTANCE_NOT_FOUND;
+  }
+  if (!IsACPISupported()) return STATUS_ACPI_NOT_SUPPORTED;
+  if (m_SMBIOSMajorVersion < kFirstMajorVersionWithPLDM || !loadPLDM) return STATUS_SUCCESS;
+  return InitPLDM(loadDisplayStrings, loadHelpStrings) ? STATUS_SUCCESS : STATUS_PLDM_INIT_FAILED;
+}
+
+bool CMiraIntf::IsUserAdmin() {
+  const auto& system = Services();
+  SID_IDENTIFIER_AUTHORITY nt_authority = {{0, 0, 0, 0, 0, 5}};
+  PSID administrators = nullptr;
+  BOOL is_member = FALSE;
+  if (system.AllocateAndInitializeSid(&nt_authority, 2, SECURITY_BUILTIN_DOMAIN_RID,
+                                      DOMAIN_ALIAS_RID_ADMINS, 0, 0, 0, 0, 0, 0, &administrators) &&
+      system.CheckTokenMembership(nullptr, administrators, &is_member)) {
+    return is_member == 1;
+  }
+  const DWORD error = system.GetLastError();
+  LPSTR text = nullptr;
+  // With the allocate flag the buffer argument is the place of the pointer to the text.
+  const DWORD length =
+      system.FormatMessageA(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM, nullptr,
+                            error, 0, reinterpret_cast<LPSTR>(&text), 0, nullptr);
+  std::string_view line(text != nullptr ? text : "", text != nullptr ? length : 0);
+  line = line.substr(0, line.find_last_not_of("\r\n") + 1);
+  if (line.empty()) {
+    m_Diag << "The administrator check failed with error " << error << std::endl;
+  } else {
+    m_Diag << line << std::endl;
+  }
+  system.LocalFree(text);
+  return false;
+}
+
+bool CMiraIntf::InitializeCOM() {
+  if (m_pServices) {
+    m_pServices.Release();
+    Services().CoUninitialize();
+    m_bCOMInitialized = false;
+  }
+  return mira::transport::Connect(m_Diag, m_pServices);
+}
+
+bool CMiraIntf::GetSMBIOSTables() {
+  if (!m_mapBIOSTable.empty()) return true;
+  const std::vector<std::uint8_t> table = mira::smbios::ReadFirmwareTable();
+  if (table.empty()) return false;
+  m_SMBIOSMajorVersion = table[1];
+  return mira::smbios::FillRegistry(
+      mira::bytes::Slice(table, mira::smbios::kFirmwareHeaderSize),
+      [this](std::unique_ptr<unsigned char[]> raw) {
+        CBIOSObject* object = nullptr;
+        unsigned char type = 0xFF;
+        ConstructBIOSObject(raw.release(), object, type);
+        return object;
+      },
+      m_mapBIOSTable);
+}
+
+bool CMiraIntf::ConstructBIOSObject(unsigned char* raw, CBIOSObject*& obj, unsigned char& type) {
+  if (raw == nullptr || obj != nullptr) return false;
+  type = raw[0];
+  obj = mira::smbios::MakeObject(std::unique_ptr<unsigned char[]>(raw), m_pServices);
+  return true;
+}
+
+void CMiraIntf::BIOSObjDeletor(std::pair<unsigned char, CBIOSObject*> entry) {
+  if (entry.second != nullptr) CBIOSObject::Deleter{}(entry.second);
+}
+
+bool CMiraIntf::FindInstanceAndGetData() {
+  if (!m_pServices) return false;
+  if (m_dwACPIBufSize != 0) return true;
+  mira::transport::Discovery found = mira::transport::FindInstance(m_pServices);
+  if (found.found) {
+    m_dwACPIBufSize = found.buffer_size;
+    m_bIsWMIACPIBufferFixPresent = found.buffer_fix;
+    m_bstrACPIInstanceName = std::move(found.relative_path);
+    ConvertPathToInstanceName();
+  }
+  return m_dwACPIBufSize != 0 && m_bstrACPIInstanceName.Length() != 0;
+}
+
+void CMiraIntf::ConvertPathToInstanceName() {
+  constexpr std::wstring_view kClassName = L"WMI_Query";
+  if (m_bstrACPIInstanceName.m_str == nullptr) return;
+  const std::wstring path(m_bstrACPIInstanceName.m_str, m_bstrACPIInstanceName.Length());
+  const std::size_t found = path.find(kClassName);
+  if (found == std::wstring::npos) return;
+  m_bstrACPIInstanceName = mira::transport::MakeBstr(path.c_str() + found + kClassName.size());
+}
+
+CCallingInterface* CMiraIntf::CallingInterface() {
+  return dynamic_cast<CCallingInterface*>(GetBIOSObject(kCallingInterfaceType));
+}
+
+void CMiraIntf::Display(std::ostream& out) {
+  for (const auto& [type, object] : m_mapBIOSTable) object->Display(out);
+}
+
+CBIOSObject* CMiraIntf::GetBIOSObject(unsigned char type) {
+  const auto found = m_mapBIOSTable.find(type);
+  return found != m_mapBIOSTable.end() ? found->second : nullptr;
+}
+
+unsigned int CMiraIntf::GetACPIBufSize() { return m_dwACPIBufSize; }
+
+const CComBSTR& CMiraIntf::GetACPIInstanceName() { return m_bstrACPIInstanceName; }
+
+void CMiraIntf::GetAllDATokens(std::map<std::uint16_t, CDAToken>& out) {
+  out.clear();
+  if (CCallingInterface* const calling = CallingInterface()) calling->GetAllDATokens(out);
+}
+
+Status CMiraIntf::ExecuteDACI(std::uint16_t cls, std::uint16_t sel, IBIOSData& data,
+                              const std::string& password, PwdInfo::PWDTYPE pwdType) {
+  return Guard("ExecuteDACI", STATUS_FAILURE, [&] {
+    const mira::transport::ComScope com;
+    if (GetBIOSObject(kCallingInterfaceType) == nullptr) {
+      m_Diag << "Unable to get DA Type Object!" << std::endl;
+      return STATUS_FAILURE;
+    }
+    CCallingInterface* const calling = CallingInterface();
+    if (calling == nullptr) {
+      m_Diag << "Down cast failed!" << std::endl;
+      return STATUS_FAILURE;
+    }
+    using mira::callif::Outcome;
+    switch (mira::callif::Dispatch({*calling, m_dwACPIBufSize, m_bstrACPIInstanceName}, cls, sel,
+                                   data, password, pwdType == PwdInfo::PWD_CLASS10)) {
+      case Outcome::kDone:
+        return STATUS_SUCCESS;
+      case Outcome::kNotSupported:
+        return STATUS_NOT_SUPPORTED;
+      case Outcome::kNoKey:
+        return STATUS_SECURITY_KEY_FAILED;
+      case Outcome::kFailed:
+        break;
+    }
+    return STATUS_FAILURE;
+  });
+}
+
+namespace mira {
+
+void ResetProcessState() noexcept {
+  for (const auto& [type, object] : CMiraIntf::m_mapBIOSTable) CBIOSObject::Deleter{}(object);
+  CMiraIntf::m_mapBIOSTable.clear();
+  CMiraIntf::m_SMBIOSMajorVersion = 0;
+  CMiraIntf::m_bIsWMIACPIBufferFixPresent = false;
+  CMiraIntf::m_bstrACPIInstanceName.Empty();
+  CMiraIntf::m_dwACPIBufSize = 0;
+}
+
+}  // namespace mira

@@ -1,0 +1,119 @@
+#include "transport/connection.h"
+
+#include "bytes/reader.h"
+#include "platform/variant.h"
+#include "transport/com_error.h"
+#include "transport/wmi_object.h"
+
+namespace mira::transport {
+namespace {
+
+using platform::Services;
+using platform::Variant;
+
+// Writes the line of a failed step. The stream is decimal again afterwards.
+void WriteFailure(std::ostream& diag, const char* text, std::uint32_t code) {
+  diag << text << std::hex << code << std::dec << std::endl;
+}
+
+// The failures behind CoInitializeEx all end alike.
+bool FailConnect(std::ostream& diag, const char* text, HRESULT code) {
+  WriteFailure(diag, text, static_cast<std::uint32_t>(code));
+  Services().CoUninitialize();
+  return false;
+}
+
+bool ReadDataBlock(IWbemClassObject* instance, Discovery& found) {
+  constexpr std::size_t kSignatureSize = 8;
+  constexpr std::size_t kSizeOffset = 12;
+  const CComPtr<IWbemClassObject> block = EmbeddedObject(instance, L"QDATA");
+  Variant value;
+  if (!block || !GetProperty(block, L"Bytes", value)) return false;
+  const platform::ByteArrayAccess access(value);
+  bytes::Reader in(access.Bytes());
+  if (bytes::AsText(in.Take(kSignatureSize)) != "TARN WMI") return false;
+  in.Seek(kSizeOffset);
+  const std::uint32_t buffer_size = in.U32();
+  const std::uint32_t fix = in.U32();
+  if (!in.Ok()) return false;
+  found.found = true;
+  found.buffer_size = buffer_size;
+  found.buffer_fix = fix == 1;
+  return true;
+}
+
+}  // namespace
+
+bool Connect(std::ostream& diag, CComPtr<IWbemServices>& services) {
+  const auto& system = Services();
+  const HRESULT initialized = system.CoInitializeEx(nullptr, kApartment);
+  if (FAILED(initialized) && initialized != RPC_E_CHANGED_MODE) {
+    WriteFailure(diag, "Error initializing COM!! ", system.GetLastError());
+    return false;
+  }
+  if (initialized == S_FALSE) system.CoUninitialize();
+  if (initialized == S_OK) {
+    const HRESULT secured =
+        system.CoInitializeSecurity(nullptr, -1, nullptr, nullptr, RPC_C_AUTHN_LEVEL_DEFAULT,
+                                    RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE, nullptr);
+    if (FAILED(secured) && secured != RPC_E_TOO_LATE) {
+      return FailConnect(diag, "Failed to initialize COM security. Error code = 0x", secured);
+    }
+  }
+
+  CComPtr<IWbemLocator> locator;
+  void* created = nullptr;
+  const HRESULT located = system.CoCreateInstance(CLSID_WbemLocator, nullptr, CLSCTX_INPROC_SERVER,
+                                                  IID_IWbemLocator, &created);
+  if (FAILED(located) || created == nullptr) {
+    return FailConnect(diag, "Failed to create IWbemLocator object. Err code = 0x", located);
+  }
+  locator.Attach(static_cast<IWbemLocator*>(created));
+
+  CComPtr<IWbemServices> connected;
+  const CComBSTR wmi = MakeBstr(L"ROOT\\WMI");
+  const HRESULT result =
+      locator->ConnectServer(wmi, nullptr, nullptr, nullptr, 0, nullptr, nullptr, &connected);
+  if (FAILED(result) || !connected) {
+    // COM ends in FailConnect: its objects go first.
+    connected.Release();
+    locator.Release();
+    return FailConnect(diag, "Could not connect. Error code = 0x", result);
+  }
+
+  const HRESULT blanket = system.CoSetProxyBlanket(connected, RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE,
+                                                   nullptr, RPC_C_AUTHN_LEVEL_CALL,
+                                                   RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE);
+  if (FAILED(blanket)) {
+    locator.Release();
+    connected.Release();
+    return FailConnect(diag, "Could not set proxy blanket. Error code = 0x", blanket);
+  }
+  services = connected;
+  return true;
+}
+
+Discovery FindInstance(IWbemServices* services) {
+  constexpr LONG kTimeoutMilliseconds = 1000;
+  Discovery found;
+  CComPtr<IEnumWbemClassObject> instances;
+  const CComBSTR class_name = MakeBstr(L"WMI_Query");
+  if (FAILED(services->CreateInstanceEnum(class_name, WBEM_FLAG_SHALLOW, nullptr, &instances)) ||
+      !instances) {
+    return found;
+  }
+  for (;;) {
+    CComPtr<IWbemClassObject> instance;
+    ULONG returned = 0;
+    if (instances->Next(kTimeoutMilliseconds, 1, &instance, &returned) != S_OK || !instance) break;
+    if (!ReadDataBlock(instance, found)) continue;
+    Variant path;
+    if (GetProperty(instance, L"__RELPATH", path) && path.Text() != nullptr) {
+      found.relative_path = MakeBstr(path.Text());
+    }
+    break;
+  }
+  return found;
+}
+
+}  // namespace mira::transport

@@ -1,0 +1,83 @@
+// The bounded reader and writer: everything that touches firmware bytes relies on them.
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "bytes/reader.h"
+#include "bytes/secure.h"
+#include "bytes/writer.h"
+
+namespace mira::bytes {
+namespace {
+
+constexpr std::array<std::uint8_t, 15> kBytes = {0x01, 0x34, 0x12, 0x78, 0x56, 0x34, 0x12, 'A',
+                                                 'B',  0,    'C',  0,    0xFF, 0xFE, 0xFD};
+
+TEST(Reader, ReadsLittleEndianInOrder) {
+  Reader in(kBytes);
+  EXPECT_EQ(in.U8(), 0x01);
+  EXPECT_EQ(in.U16(), 0x1234);
+  EXPECT_EQ(in.U32(), 0x12345678u);
+  EXPECT_EQ(in.CString(), "AB");
+  EXPECT_EQ(in.FixedText(2), "C");
+  EXPECT_EQ(in.Number(3), 0xFDFEFFu);
+  EXPECT_TRUE(in.Ok());
+  EXPECT_EQ(in.Left(), 0u);
+  Reader wide(kBytes, 1);
+  EXPECT_EQ(wide.U64(), 0x4241123456781234u);
+}
+
+TEST(Reader, FailureSticksAndMovesNothing) {
+  Reader in(kBytes, 13);
+  EXPECT_EQ(in.U32(), 0u);
+  EXPECT_FALSE(in.Ok());
+  EXPECT_EQ(in.Offset(), 13u);
+  EXPECT_EQ(in.U8(), 0u) << "one byte is there, but a failed reader yields nothing";
+  EXPECT_TRUE(in.Rest().empty());
+
+  Reader no_nul(Slice(kBytes, 12));
+  EXPECT_EQ(no_nul.CString(), "");
+  EXPECT_FALSE(no_nul.Ok());
+
+  Reader outside(kBytes, 16);
+  EXPECT_FALSE(outside.Ok());
+  Reader huge(kBytes, 1);
+  EXPECT_TRUE(huge.Take(static_cast<std::size_t>(-1)).empty());
+  EXPECT_FALSE(huge.Ok());
+}
+
+TEST(Slice, StaysInsideItsBytes) {
+  EXPECT_EQ(Slice(kBytes, 14, 9).size(), 1u);
+  EXPECT_EQ(Slice(kBytes, 15).size(), 0u);
+  EXPECT_EQ(Slice(kBytes, 16).size(), 0u);
+  EXPECT_EQ(Slice(kBytes, 2, 3).front(), 0x12);
+}
+
+TEST(Writer, WritesWhatFitsOrNothing) {
+  std::vector<std::uint8_t> target(8, 0xEE);
+  Writer out(target, 1);
+  out.U16(0x1234);
+  out.Text("ok");
+  EXPECT_TRUE(out.Ok());
+  EXPECT_EQ(out.Offset(), 6u);
+  out.U32(0xFFFFFFFF);
+  EXPECT_FALSE(out.Ok());
+  out.U8(0x77);
+  EXPECT_EQ(target, (std::vector<std::uint8_t>{0xEE, 0x34, 0x12, 'o', 'k', 0, 0xEE, 0xEE}));
+}
+
+TEST(SecureString, WipesWhatItHeld) {
+  SecureString secret(std::string_view("a password longer than any small-string buffer"));
+  const char* const memory = secret.str().data();
+  const std::size_t size = secret.size();
+  secret.Clear();  // keeps its memory, so that it can be looked at
+  EXPECT_TRUE(secret.empty());
+  EXPECT_EQ(std::string(memory, size), std::string(size, '\0'));
+}
+
+}  // namespace
+}  // namespace mira::bytes

@@ -1,0 +1,53 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that a task needs, and nothing that is there already.
+# Usage: tools/setup.sh native|windows|bench|fuzz|format ...
+set -euo pipefail
+
+declare -A packages=(
+  [native]="g++ cmake ninja-build git googletest libcli11-dev nlohmann-json3-dev"
+  [windows]="g++-mingw-w64-i686-posix cmake ninja-build git googletest libcli11-dev nlohmann-json3-dev wine wine32:i386"
+  [bench]="g++ cmake ninja-build git libcli11-dev nlohmann-json3-dev libbenchmark-dev"
+  [fuzz]="clang libclang-rt-14-dev cmake ninja-build git"
+  [format]="clang-format git"
+)
+
+wanted=""
+for task in "$@"; do
+  [ -n "${packages[$task]:-}" ] || { echo "setup: unknown task '$task'" >&2; exit 2; }
+  wanted="$wanted ${packages[$task]}"
+done
+
+is_installed() { [ "$(dpkg-query -W -f='${Status}' "$1" 2>/dev/null)" = "install ok installed" ]; }
+
+missing=""
+for package in $(printf '%s\n' $wanted | sort -u); do
+  is_installed "$package" || missing="$missing $package"
+done
+[ -n "$missing" ] || exit 0
+
+if ! command -v apt-get >/dev/null; then
+  echo "setup: this script installs Debian packages; please install by hand:$missing" >&2
+  exit 1
+fi
+as_root=""
+if [ "$(id -u)" != 0 ]; then
+  command -v sudo >/dev/null || { echo "setup: run as root, or install sudo; missing:$missing" >&2; exit 1; }
+  as_root="sudo"
+fi
+echo "setup: installing$missing"
+export DEBIAN_FRONTEND=noninteractive
+run() { $as_root env DEBIAN_FRONTEND=noninteractive "$@" </dev/null; }
+case "$missing" in
+  *:i386*) dpkg --print-foreign-architectures | grep -qx i386 || run dpkg --add-architecture i386 ;;
+esac
+# One suite's index may fail to download; what is needed comes from the others.
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
+run apt-get update >"$log" 2>&1 || true
+# Wine's two halves must come from one suite, or they do not fit together.
+release=$(. /etc/os-release && echo "${VERSION_CODENAME:-}")
+if ! run apt-get install -y --no-install-recommends ${release:+-t "$release"} $missing >>"$log" 2>&1; then
+  tail -n 20 "$log" >&2
+  echo "setup: apt-get could not install:$missing" >&2
+  exit 1
+fi
