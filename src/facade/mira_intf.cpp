@@ -6,6 +6,7 @@
 
 #include "callif/dispatch.h"
 #include "facade/process_state.h"
+#include "pldm/manager.h"
 #include "smbios/structure_factory.h"
 #include "smbios/table.h"
 #include "transport/com_error.h"
@@ -200,6 +201,31 @@ Status CMiraIntf::ExecuteDACI(std::uint16_t cls, std::uint16_t sel, IBIOSData& d
     return STATUS_FAILURE;
   });
 }
+
+bool CMiraIntf::GetPwdInfo(PwdInfo& info) {
+  info = PwdInfo{};
+  return Guard("GetPwdInfo", false, [&] {
+    CCallingInterface* const calling = CallingInterface();
+    if (calling == nullptr) return false;
+    CPwdContext(*calling, m_dwACPIBufSize, m_bstrACPIInstanceName).Fill(info);
+    return true;
+  });
+}
+
+unsigned int CMiraIntf::ValidatePwd(const std::string& password, PwdInfo::PWDTYPE type) {
+  return Guard("ValidatePwd", 0u, [&] {
+    CCallingInterface* const calling = CallingInterface();
+    if (calling == nullptr || (type != PwdInfo::PWD_CLASS9 && type != PwdInfo::PWD_CLASS10)) {
+      return 0u;
+    }
+    CPwdContext context(*calling, m_dwACPIBufSize, m_bstrACPIInstanceName);
+    return context.GetSecurityKey(password, type == PwdInfo::PWD_CLASS10);
+  });
+}
+
+bool CMiraIntf::IsACPISupported() { return m_bIsWMIACPIBufferFixPresent || !bFlagCheck; }
+
+bool CMiraIntf::InitPLDM(bool, bool) { return CallingInterface() != nullptr; }
 
 namespace mira {
 

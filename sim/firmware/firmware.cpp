@@ -1,0 +1,107 @@
+#include "sim/firmware/firmware.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+#include "sim/firmware/tokens.h"
+
+namespace mira::sim {
+namespace {
+
+// Class 64 is served whether or not a bitmap of 32 classes can announce it.
+constexpr std::uint16_t kUnannouncedClass = 64;
+
+}  // namespace
+
+Firmware::Firmware(const Profile& profile) : supported_classes_(profile.supported_classes) {
+  auto tokens = std::make_shared<TokenStore>(profile.tokens);
+  SetHandler(0, std::make_unique<TokenReadHandler>(tokens));
+  SetHandler(1, std::make_unique<TokenWriteHandler>(tokens));
+}
+
+Firmware::~Firmware() = default;
+
+void Firmware::SetHandler(std::uint16_t cls, std::unique_ptr<CommandHandler> handler) {
+  handlers_.at(cls) = std::move(handler);
+}
+
+void Firmware::Reboot() {
+  ++boot_count_;
+  for (const auto& handler : handlers_) {
+    if (handler) handler->Reboot();
+  }
+}
+
+std::int32_t Firmware::Dispatch(Call& call) {
+  const std::uint16_t cls = call.Class();
+  const bool announced =
+      cls == kUnannouncedClass || (cls < 32 && (supported_classes_ >> cls & 1) != 0);
+  if (!announced || cls >= kClasses || !handlers_[cls]) return kNotSupported;
+  call.Complete(kSuccess);
+  handlers_[cls]->Handle(call);
+  return call.Completion();
+}
+
+void Firmware::Execute(std::vector<std::uint8_t>& array, Faults& faults) {
+  Call call(array);
+  JournalEntry entry;
+  entry.cls = call.Class();
+  entry.select = call.Select();
+  entry.record_length = static_cast<std::uint32_t>(call.Record().size());
+  for (unsigned i = 0; i < 4; ++i) {
+    const std::uint32_t arg = call.Arg(i + 1);
+    entry.masked[i] =
+        std::find(issued_keys_.begin(), issued_keys_.end(), arg) != issued_keys_.end();
+    if (!entry.masked[i]) entry.args[i] = arg;
+  }
+
+  std::vector<const Fault*> hit = faults.Hit("firmware");
+  const std::string command =
+      "firmware " + std::to_string(call.Class()) + "/" + std::to_string(call.Select());
+  for (const Fault* fault : faults.Hit(command)) hit.push_back(fault);
+  const auto forced = std::find_if(hit.begin(), hit.end(),
+                                   [](const Fault* f) { return f->completion.has_value(); });
+
+  // A record that states more bytes than came is answered in the fixed part alone.
+  if (!call.WellFormed()) {
+    bytes::Writer out(array, 20);
+    out.U32(static_cast<std::uint32_t>(kBadFormat));
+    entry.completion = kBadFormat;
+  } else {
+    if (forced != hit.end()) {
+      call.Complete(*(*forced)->completion);
+    } else {
+      call.Complete(Dispatch(call));
+    }
+    entry.completion = call.Completion();
+    bytes::Reader results(call.Record(), 24);
+    for (std::uint32_t& result : entry.results) result = results.U32();
+    if (call.HandedOutKey() != 0) {
+      issued_keys_.push_back(call.HandedOutKey());
+      entry.results[0] = 0;
+    }
+  }
+  journal_.push_back(entry);
+  for (const Fault* fault : hit) {
+    if (fault->corrupt) fault->corrupt(array);
+  }
+}
+
+void Write(std::ostream& out, const std::vector<JournalEntry>& journal) {
+  for (const JournalEntry& entry : journal) {
+    out << "class " << entry.cls << " select " << entry.select << std::hex << " args";
+    for (unsigned i = 0; i < 4; ++i) {
+      if (entry.masked[i]) {
+        out << " [key]";
+      } else {
+        out << " 0x" << entry.args[i];
+      }
+    }
+    out << std::dec << " length " << entry.record_length << " -> " << entry.completion << std::hex;
+    for (const std::uint32_t result : entry.results) out << " 0x" << result;
+    out << std::dec << '\n';
+  }
+}
+
+}  // namespace mira::sim

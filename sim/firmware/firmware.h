@@ -1,0 +1,50 @@
+#ifndef MIRA_SIM_FIRMWARE_FIRMWARE_H_
+#define MIRA_SIM_FIRMWARE_FIRMWARE_H_
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "sim/faults.h"
+#include "sim/firmware/handler.h"
+#include "sim/journal.h"
+#include "sim/profile.h"
+
+namespace mira::sim {
+
+// The firmware behind the WMI method: takes the transfer array, lets the handler of the command's
+// class answer, and keeps the journal.
+class Firmware {
+ public:
+  explicit Firmware(const Profile& profile);
+  ~Firmware();
+  Firmware(const Firmware&) = delete;
+  Firmware& operator=(const Firmware&) = delete;
+
+  // Executes the call in `array` and leaves the answer there.
+  void Execute(std::vector<std::uint8_t>& array, Faults& faults);
+  // Puts a handler in charge of a class (0 to 64).
+  void SetHandler(std::uint16_t cls, std::unique_ptr<CommandHandler> handler);
+  void Reboot();
+
+  const std::vector<JournalEntry>& Journal() const { return journal_; }
+  void ClearJournal() { journal_.clear(); }
+  // How often the machine has started.
+  int BootCount() const { return boot_count_; }
+
+ private:
+  static constexpr std::size_t kClasses = 65;
+
+  std::int32_t Dispatch(Call& call);
+
+  std::uint32_t supported_classes_;
+  std::array<std::unique_ptr<CommandHandler>, kClasses> handlers_;
+  std::vector<std::uint32_t> issued_keys_;
+  std::vector<JournalEntry> journal_;
+  int boot_count_ = 1;
+};
+
+}  // namespace mira::sim
+
+#endif  // MIRA_SIM_FIRMWARE_FIRMWARE_H_

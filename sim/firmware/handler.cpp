@@ -1,0 +1,76 @@
+#include "sim/firmware/handler.h"
+
+namespace mira::sim {
+namespace {
+
+// Offsets in the record.
+constexpr std::size_t kCompletion = 20;
+constexpr std::size_t kKinds = 36;
+constexpr std::size_t kLength = 40;
+constexpr std::size_t kFixedSize = 44;
+
+}  // namespace
+
+Call::Call(std::span<std::uint8_t> record) {
+  bytes::Reader in(record);
+  class_ = in.U16();
+  select_ = in.U16();
+  for (std::uint32_t& arg : args_) arg = in.U32();
+  in.Seek(kKinds);
+  kinds_ = in.U32();
+  in.Seek(kLength);
+  const std::uint32_t length = in.U32();
+  well_formed_ = in.Ok() && length >= kFixedSize && length <= record.size();
+  record_ = record.first(well_formed_ ? length : 0);
+}
+
+std::optional<std::string> Call::Text(unsigned index) const {
+  if (!IsOffset(index)) return std::nullopt;
+  bytes::Reader in(record_, Arg(index));
+  const std::string_view text = in.CString();
+  if (!in.Ok()) return std::nullopt;
+  return std::string(text);
+}
+
+std::optional<std::span<std::uint8_t>> Call::DataArea() const {
+  if (!IsOffset(1)) return std::nullopt;
+  bytes::Reader in(record_, Arg(1));
+  const std::uint32_t length = in.U32();
+  if (!in.Ok() || length > in.Left()) return std::nullopt;
+  return record_.subspan(in.Offset(), length);
+}
+
+bool Call::AnswerData(bytes::ByteSpan data) {
+  const auto area = DataArea();
+  if (!area) {
+    Complete(kBadFormat);
+    return false;
+  }
+  bytes::Writer out(record_, Arg(1));
+  out.U32(static_cast<std::uint32_t>(data.size()));
+  if (data.size() > area->size()) {
+    Complete(kTooSmall);
+    return false;
+  }
+  out.Bytes(data);
+  return true;
+}
+
+void Call::Complete(std::int32_t completion) {
+  bytes::Writer(record_, kCompletion).U32(static_cast<std::uint32_t>(completion));
+}
+
+void Call::SetResult(unsigned index, std::uint32_t value) {
+  bytes::Writer(record_, kCompletion + 4 * (index - 1)).U32(value);
+}
+
+void Call::HandOutKey(std::uint32_t key) {
+  handed_out_key_ = key;
+  SetResult(2, key);
+}
+
+std::int32_t Call::Completion() const {
+  return static_cast<std::int32_t>(bytes::Reader(record_, kCompletion).U32());
+}
+
+}  // namespace mira::sim

@@ -1,0 +1,27 @@
+#ifndef MIRA_SIM_JOURNAL_H_
+#define MIRA_SIM_JOURNAL_H_
+
+#include <cstdint>
+#include <ostream>
+#include <vector>
+
+namespace mira::sim {
+
+// One firmware call as it went by. Argument words that may be security keys are kept out of it: of
+// an argument only tests on the model itself see the value (see sensitive).
+struct JournalEntry {
+  std::uint16_t cls = 0;
+  std::uint16_t select = 0;
+  std::uint32_t args[4] = {};       // 0 where `masked` says so
+  bool masked[4] = {};              // the word held a security key that the firmware had handed out
+  std::uint32_t record_length = 0;  // bytes of the record
+  std::int32_t completion = 0;      // cbRES1 of the answer
+  std::uint32_t results[3] = {};    // cbRES2 to cbRES4; 0 where the call handed out a security key
+};
+
+// The journal in lines of text, fit for a bug report.
+void Write(std::ostream& out, const std::vector<JournalEntry>& journal);
+
+}  // namespace mira::sim
+
+#endif  // MIRA_SIM_JOURNAL_H_

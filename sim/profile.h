@@ -1,0 +1,72 @@
+#ifndef MIRA_SIM_PROFILE_H_
+#define MIRA_SIM_PROFILE_H_
+
+// What a simulated machine is made of. The defaults describe a business laptop; change what a test
+// or a demonstration needs:
+//
+//   mira::sim::Profile profile = *mira::sim::FindProfile("laptop");
+//   profile.is_administrator = false;
+//   mira::sim::Machine machine(profile);
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace mira::sim {
+
+struct Token {
+  std::uint16_t id;
+  std::uint16_t location;
+  std::uint16_t value;
+};
+
+struct Profile {
+  std::string name = "laptop";
+  std::string description = "a business laptop with a calling interface";
+
+  // The user
+  bool is_administrator = true;
+
+  // The firmware table as the system serves it, with its 8-byte header; empty: the laptop's own.
+  std::vector<std::uint8_t> firmware_table;
+  std::uint8_t smbios_major = 3;
+  std::uint8_t smbios_minor = 2;
+
+  // The WMI side
+  bool has_wmi_instance = true;
+  std::uint32_t buffer_size = 4096;  // bytes of the transfer buffer
+  std::uint32_t buffer_fix = 1;      // 1: announced
+  std::wstring instance_path = L"WMI_Query.InstanceName=\"ACPI\\\\PNP0C14\\\\MIRA_0\"";
+
+  // The calling interface
+  bool has_calling_interface = true;
+  // Bit n: class n is announced and served. Bit 31 stays clear: a host reads the bitmap as a signed
+  // number.
+  std::uint32_t supported_classes = 0x05F71FFF;
+  std::uint16_t bios_flags0 =
+      0x0003;  // of structure type 177; bit 1: calls through WMI are supported
+  std::vector<Token> tokens = {
+      {0x0058, 0x0070, 0x0001}, {0x0059, 0x0071, 0x0000}, {0x007D, 0x0072, 0x0000},
+      {0x00D1, 0x0074, 0x0001}, {0x0135, 0x0078, 0x0002}, {0x014B, 0x0079, 0x0001},
+      {0x01BD, 0x0080, 0x0000}, {0x02E3, 0x0091, 0x0001},
+  };
+
+  // The machine's identity
+  std::string manufacturer = "Northfield Systems";
+  std::string product = "Meridian 14 G3";
+  std::string service_tag = "7KX2M91";
+  std::string asset_tag = "NF-004711";
+  std::string bios_version = "1.8.2";
+  std::string bios_date = "03/14/2026";
+};
+
+// The profiles by name, for listing and for FindProfile().
+const std::vector<Profile>& Profiles();
+// Null for an unknown name.
+const Profile* FindProfile(std::string_view name);
+
+}  // namespace mira::sim
+
+#endif  // MIRA_SIM_PROFILE_H_

@@ -1,0 +1,325 @@
+#include "sim/wmi.h"
+
+#include <algorithm>
+#include <cwctype>
+#include <map>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "bytes/secure.h"
+#include "bytes/writer.h"
+#include "sim/com_object.h"
+#include "sim/ole.h"
+
+namespace mira::sim {
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+using ObjectPtr = CComPtr<IWbemClassObject>;
+
+constexpr wchar_t kQueryClass[] = L"WMI_Query";
+constexpr wchar_t kDataClass[] = L"BDat";
+constexpr wchar_t kMethodClass[] = L"BFn";
+constexpr wchar_t kMethod[] = L"DoBFn";
+constexpr wchar_t kBytes[] = L"Bytes";
+constexpr wchar_t kData[] = L"Data";
+
+// WMI compares names without regard to case.
+struct NameLess {
+  bool operator()(const std::wstring& a, const std::wstring& b) const {
+    const auto lower = [](wchar_t c) { return std::towlower(static_cast<std::wint_t>(c)); };
+    return std::lexicographical_compare(
+        a.begin(), a.end(), b.begin(), b.end(),
+        [lower](wchar_t x, wchar_t y) { return lower(x) < lower(y); });
+  }
+};
+
+bool SameName(const std::wstring& a, const std::wstring& b) {
+  return !NameLess()(a, b) && !NameLess()(b, a);
+}
+
+std::wstring Text(const OLECHAR* text) { return text != nullptr ? text : L""; }
+
+// A class object, an instance, or a method's parameters: named properties, and for the class of the
+// method its signatures.
+class WmiObject : public ClassObjectBase {
+ public:
+  using Value = std::variant<std::monostate, std::wstring, Bytes, ObjectPtr>;
+
+  static CComPtr<WmiObject> Make(const StatePtr& state, const std::wstring& class_name) {
+    CComPtr<WmiObject> object;
+    object.Attach(new WmiObject(state, class_name));
+    return object;
+  }
+
+  // A property that nobody has set reads as empty.
+  void Declare(const std::wstring& name, Value value = {}) {
+    Set(properties_[name], std::move(value));
+  }
+  const Value* Find(const std::wstring& name) const {
+    const auto found = properties_.find(name);
+    return found != properties_.end() ? &found->second : nullptr;
+  }
+  void SetSignatures(ObjectPtr in, ObjectPtr out) {
+    in_ = std::move(in);
+    out_ = std::move(out);
+  }
+  const std::wstring& ClassName() const { return class_name_; }
+
+  HRESULT STDMETHODCALLTYPE Get(LPCWSTR name, LONG, VARIANT* value, CIMTYPE* type,
+                                LONG* flavor) override {
+    if (const auto failure = state().faults.Fails("IWbemClassObject::Get")) return *failure;
+    const Value* const found = Find(Text(name));
+    if (found == nullptr) return WBEM_E_NOT_FOUND;
+    if (type != nullptr) *type = 0;
+    if (flavor != nullptr) *flavor = 0;
+    return value != nullptr ? CopyOut(*found, *value) : S_OK;
+  }
+
+  HRESULT STDMETHODCALLTYPE Put(LPCWSTR name, LONG, VARIANT* value, CIMTYPE) override {
+    if (const auto failure = state().faults.Fails("IWbemClassObject::Put")) return *failure;
+    const auto found = properties_.find(Text(name));
+    if (found == properties_.end()) return WBEM_E_NOT_FOUND;
+    if (value == nullptr) return E_INVALIDARG;
+    Value taken;
+    if (value->vt == VT_BSTR) {
+      taken = Text(value->bstrVal);
+    } else if (value->vt == VT_UNKNOWN && value->punkVal != nullptr) {
+      void* object = nullptr;
+      const HRESULT result = value->punkVal->QueryInterface(IID_IWbemClassObject, &object);
+      if (FAILED(result)) return result;
+      ObjectPtr held;
+      held.Attach(static_cast<IWbemClassObject*>(object));
+      taken = std::move(held);
+    } else if (value->vt == static_cast<VARTYPE>(VT_ARRAY | VT_UI1)) {
+      const auto bytes = ArrayBytes(value->parray);
+      taken = Bytes(bytes.begin(), bytes.end());
+    } else {
+      return static_cast<HRESULT>(0x80041005U);  // WBEM_E_TYPE_MISMATCH
+    }
+    Set(found->second, std::move(taken));
+    return S_OK;
+  }
+
+  HRESULT STDMETHODCALLTYPE Delete(LPCWSTR) override { return E_NOTIMPL; }
+
+  HRESULT STDMETHODCALLTYPE SpawnInstance(LONG, IWbemClassObject** object) override {
+    if (object == nullptr) return E_POINTER;
+    *object = nullptr;
+    if (const auto failure = state().faults.Fails("IWbemClassObject::SpawnInstance")) {
+      return *failure;
+    }
+    CComPtr<WmiObject> instance = Make(shared_state(), class_name_);
+    for (const auto& [name, value] : properties_) instance->Declare(name);
+    *object = instance.Detach();
+    return S_OK;
+  }
+
+  HRESULT STDMETHODCALLTYPE GetMethod(LPCWSTR name, LONG, IWbemClassObject** in,
+                                      IWbemClassObject** out) override {
+    if (const auto failure = state().faults.Fails("IWbemClassObject::GetMethod")) return *failure;
+    if (!SameName(Text(name), kMethod) || !in_) return WBEM_E_NOT_FOUND;
+    if (in != nullptr) *in = ObjectPtr(in_).Detach();
+    if (out != nullptr) *out = ObjectPtr(out_).Detach();
+    return S_OK;
+  }
+
+ private:
+  WmiObject(const StatePtr& state, std::wstring class_name)
+      : ClassObjectBase(state), class_name_(std::move(class_name)) {}
+  ~WmiObject() override {
+    for (auto& [name, value] : properties_) Wipe(value);
+  }
+
+  // A property may hold a whole call record. The machine keeps no secret longer than its property.
+  void Wipe(Value& value) const {
+    if (Bytes* const bytes = std::get_if<Bytes>(&value)) {
+      state().Release(*bytes);
+      mira::bytes::Wipe(bytes->data(), bytes->size());
+    }
+  }
+  void Set(Value& target, Value value) const {
+    Wipe(target);
+    target = std::move(value);
+  }
+
+  HRESULT CopyOut(const Value& from, VARIANT& to) const {
+    const auto& services = platform::Services();
+    if (const auto* text = std::get_if<std::wstring>(&from)) {
+      BSTR const copy = services.SysAllocStringLen(text->c_str(), static_cast<UINT>(text->size()));
+      if (copy == nullptr) return E_OUTOFMEMORY;
+      to.vt = VT_BSTR;
+      to.bstrVal = copy;
+    } else if (const auto* bytes = std::get_if<Bytes>(&from)) {
+      SAFEARRAYBOUND bound{};
+      bound.cElements = static_cast<ULONG>(bytes->size());
+      SAFEARRAY* const array = Ole().SafeArrayCreate(VT_UI1, 1, &bound);
+      if (array == nullptr) return E_OUTOFMEMORY;
+      ++state().live.arrays;
+      std::copy(bytes->begin(), bytes->end(), static_cast<std::uint8_t*>(array->pvData));
+      to.vt = static_cast<VARTYPE>(VT_ARRAY | VT_UI1);
+      to.parray = array;
+    } else if (const auto* object = std::get_if<ObjectPtr>(&from); object != nullptr && *object) {
+      to.vt = VT_UNKNOWN;
+      to.punkVal = ObjectPtr(*object).Detach();
+    } else {
+      to.vt = VT_NULL;
+    }
+    return S_OK;
+  }
+
+  std::wstring class_name_;
+  std::map<std::wstring, Value, NameLess> properties_;
+  ObjectPtr in_;
+  ObjectPtr out_;
+};
+
+CComPtr<WmiObject> MakeData(const StatePtr& state, Bytes bytes) {
+  CComPtr<WmiObject> data = WmiObject::Make(state, kDataClass);
+  data->Declare(kBytes, std::move(bytes));
+  return data;
+}
+
+// The instances of WMI_Query: another driver's block first, as on real machines, then the machine's
+// own.
+std::vector<ObjectPtr> QueryInstances(const StatePtr& state) {
+  const auto make = [&state](Bytes block, const std::wstring& path) {
+    CComPtr<WmiObject> instance = WmiObject::Make(state, kQueryClass);
+    instance->Declare(L"QDATA", ObjectPtr(MakeData(state, std::move(block))));
+    instance->Declare(L"__RELPATH", path);
+    return ObjectPtr(instance);
+  };
+  std::vector<ObjectPtr> instances;
+  instances.push_back(make({'O', 'T', 'H', 'E', 'R', 'W', 'M', 'I', 0, 0, 0, 0},
+                           L"WMI_Query.InstanceName=\"ACPI\\\\PNP0C14\\\\OTHER_0\""));
+  if (state->profile.has_wmi_instance) {
+    Bytes block(20);
+    bytes::Writer out(block);
+    out.Bytes(bytes::AsBytes("TARN WMI"));
+    out.U32(0x00010001);
+    out.U32(state->profile.buffer_size);
+    out.U32(state->profile.buffer_fix);
+    instances.push_back(make(std::move(block), state->profile.instance_path));
+  }
+  return instances;
+}
+
+class Enumerator : public EnumeratorBase {
+ public:
+  Enumerator(const StatePtr& state, std::vector<ObjectPtr> objects)
+      : EnumeratorBase(state), objects_(std::move(objects)) {}
+
+  HRESULT STDMETHODCALLTYPE Next(LONG, ULONG count, IWbemClassObject** objects,
+                                 ULONG* returned) override {
+    if (objects == nullptr || returned == nullptr) return E_POINTER;
+    *returned = 0;
+    if (const auto failure = state().faults.Fails("IEnumWbemClassObject::Next")) return *failure;
+    for (; *returned < count && next_ < objects_.size(); ++*returned) {
+      objects[*returned] = ObjectPtr(objects_[next_++]).Detach();
+    }
+    return *returned == count ? S_OK : S_FALSE;
+  }
+
+ private:
+  std::vector<ObjectPtr> objects_;
+  std::size_t next_ = 0;
+};
+
+class WmiServices : public ServicesBase {
+ public:
+  explicit WmiServices(const StatePtr& state) : ServicesBase(state) {}
+
+  HRESULT STDMETHODCALLTYPE GetObject(const BSTR path, LONG, IWbemContext*,
+                                      IWbemClassObject** object, IWbemCallResult**) override {
+    if (object == nullptr) return E_POINTER;
+    *object = nullptr;
+    if (const auto failure = state().faults.Fails("IWbemServices::GetObject")) return *failure;
+    const StatePtr& shared = shared_state();
+    if (!state().profile.has_wmi_instance) return WBEM_E_NOT_FOUND;
+    if (SameName(Text(path), kDataClass)) {
+      *object = MakeData(shared, {}).Detach();
+      return S_OK;
+    }
+    if (SameName(Text(path), kMethodClass)) {
+      CComPtr<WmiObject> in = WmiObject::Make(shared, L"__PARAMETERS");
+      CComPtr<WmiObject> out = WmiObject::Make(shared, L"__PARAMETERS");
+      in->Declare(kData);
+      out->Declare(kData);
+      CComPtr<WmiObject> method = WmiObject::Make(shared, kMethodClass);
+      method->SetSignatures(ObjectPtr(in), ObjectPtr(out));
+      *object = method.Detach();
+      return S_OK;
+    }
+    return WBEM_E_NOT_FOUND;
+  }
+
+  HRESULT STDMETHODCALLTYPE CreateInstanceEnum(const BSTR filter, LONG, IWbemContext*,
+                                               IEnumWbemClassObject** objects) override {
+    if (objects == nullptr) return E_POINTER;
+    *objects = nullptr;
+    if (const auto failure = state().faults.Fails("IWbemServices::CreateInstanceEnum")) {
+      return *failure;
+    }
+    if (!SameName(Text(filter), kQueryClass)) return WBEM_E_INVALID_CLASS;
+    *objects = new Enumerator(shared_state(), QueryInstances(shared_state()));
+    return S_OK;
+  }
+
+  HRESULT STDMETHODCALLTYPE ExecMethod(const BSTR path, const BSTR method, LONG, IWbemContext*,
+                                       IWbemClassObject* in, IWbemClassObject** out,
+                                       IWbemCallResult**) override {
+    if (const auto failure = state().faults.Fails("IWbemServices::ExecMethod")) return *failure;
+    if (!IsInstance(Text(path))) return WBEM_E_NOT_FOUND;
+    if (!SameName(Text(method), kMethod)) return static_cast<HRESULT>(0x80041055U);
+    if (out == nullptr) return E_POINTER;
+    // The machine made every object that it takes parameters from.
+    const auto* const parameters = dynamic_cast<WmiObject*>(in);
+    const auto* const data = parameters != nullptr ? parameters->Find(kData) : nullptr;
+    const auto* const object = data != nullptr ? std::get_if<ObjectPtr>(data) : nullptr;
+    const auto* const block =
+        object != nullptr && *object ? dynamic_cast<WmiObject*>(object->p) : nullptr;
+    const auto* const value = block != nullptr ? block->Find(kBytes) : nullptr;
+    const auto* const bytes = value != nullptr ? std::get_if<Bytes>(value) : nullptr;
+    if (bytes == nullptr) return static_cast<HRESULT>(0x80041008U);  // WBEM_E_INVALID_PARAMETER
+
+    Bytes reply = *bytes;
+    state().firmware.Execute(reply, state().faults);
+    CComPtr<WmiObject> result = WmiObject::Make(shared_state(), L"__PARAMETERS");
+    result->Declare(kData, ObjectPtr(MakeData(shared_state(), std::move(reply))));
+    *out = result.Detach();
+    return S_OK;
+  }
+
+ private:
+  // The method's instance has the key of the query instance.
+  bool IsInstance(const std::wstring& path) const {
+    std::wstring key = state().profile.instance_path;
+    const std::size_t found = key.find(kQueryClass);
+    if (found != std::wstring::npos) key.erase(0, found + std::size(kQueryClass) - 1);
+    return SameName(path, kMethodClass + key);
+  }
+};
+
+class Locator : public ComObject<IWbemLocator> {
+ public:
+  explicit Locator(const StatePtr& state) : ComObject(state, IID_IWbemLocator) {}
+
+  HRESULT STDMETHODCALLTYPE ConnectServer(const BSTR resource, const BSTR, const BSTR, const BSTR,
+                                          LONG, const BSTR, IWbemContext*,
+                                          IWbemServices** services) override {
+    if (services == nullptr) return E_POINTER;
+    *services = nullptr;
+    if (const auto failure = state().faults.Fails("IWbemLocator::ConnectServer")) return *failure;
+    if (!SameName(Text(resource), L"ROOT\\WMI")) return WBEM_E_INVALID_NAMESPACE;
+    *services = new WmiServices(shared_state());
+    return S_OK;
+  }
+};
+
+}  // namespace
+
+IWbemLocator* MakeLocator(const StatePtr& state) { return new Locator(state); }
+
+}  // namespace mira::sim
