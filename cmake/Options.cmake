@@ -6,8 +6,11 @@ if(MSVC)
   target_compile_options(mira_options INTERFACE /W4 /WX /permissive- /utf-8 /Zc:__cplusplus)
 else()
   target_compile_options(mira_options INTERFACE
-    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
-    -Woverloaded-virtual -Werror)
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Woverloaded-virtual -Werror)
+  if(NOT WIN32)
+    # The system's COM interfaces have no virtual destructors.
+    target_compile_options(mira_options INTERFACE -Wnon-virtual-dtor)
+  endif()
 endif()
 
 if(WIN32)

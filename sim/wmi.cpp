@@ -19,6 +19,14 @@ namespace {
 using Bytes = std::vector<std::uint8_t>;
 using ObjectPtr = CComPtr<IWbemClassObject>;
 
+// The enumeration of the Windows headers is wider than an HRESULT.
+constexpr HRESULT kNotFound = static_cast<HRESULT>(WBEM_E_NOT_FOUND);
+constexpr HRESULT kInvalidClass = static_cast<HRESULT>(WBEM_E_INVALID_CLASS);
+constexpr HRESULT kInvalidNamespace = static_cast<HRESULT>(WBEM_E_INVALID_NAMESPACE);
+constexpr HRESULT kTypeMismatch = static_cast<HRESULT>(0x80041005U);
+constexpr HRESULT kInvalidParameter = static_cast<HRESULT>(0x80041008U);
+constexpr HRESULT kInvalidMethod = static_cast<HRESULT>(0x8004102EU);
+
 constexpr wchar_t kQueryClass[] = L"WMI_Query";
 constexpr wchar_t kDataClass[] = L"BDat";
 constexpr wchar_t kMethodClass[] = L"BFn";
@@ -72,7 +80,7 @@ class WmiObject : public ClassObjectBase {
                                 LONG* flavor) override {
     if (const auto failure = state().faults.Fails("IWbemClassObject::Get")) return *failure;
     const Value* const found = Find(Text(name));
-    if (found == nullptr) return WBEM_E_NOT_FOUND;
+    if (found == nullptr) return kNotFound;
     if (type != nullptr) *type = 0;
     if (flavor != nullptr) *flavor = 0;
     return value != nullptr ? CopyOut(*found, *value) : S_OK;
@@ -81,7 +89,7 @@ class WmiObject : public ClassObjectBase {
   HRESULT STDMETHODCALLTYPE Put(LPCWSTR name, LONG, VARIANT* value, CIMTYPE) override {
     if (const auto failure = state().faults.Fails("IWbemClassObject::Put")) return *failure;
     const auto found = properties_.find(Text(name));
-    if (found == properties_.end()) return WBEM_E_NOT_FOUND;
+    if (found == properties_.end()) return kNotFound;
     if (value == nullptr) return E_INVALIDARG;
     Value taken;
     if (value->vt == VT_BSTR) {
@@ -97,7 +105,7 @@ class WmiObject : public ClassObjectBase {
       const auto bytes = ArrayBytes(value->parray);
       taken = Bytes(bytes.begin(), bytes.end());
     } else {
-      return static_cast<HRESULT>(0x80041005U);  // WBEM_E_TYPE_MISMATCH
+      return kTypeMismatch;
     }
     Set(found->second, std::move(taken));
     return S_OK;
@@ -120,7 +128,7 @@ class WmiObject : public ClassObjectBase {
   HRESULT STDMETHODCALLTYPE GetMethod(LPCWSTR name, LONG, IWbemClassObject** in,
                                       IWbemClassObject** out) override {
     if (const auto failure = state().faults.Fails("IWbemClassObject::GetMethod")) return *failure;
-    if (!SameName(Text(name), kMethod) || !in_) return WBEM_E_NOT_FOUND;
+    if (!SameName(Text(name), kMethod) || !in_) return kNotFound;
     if (in != nullptr) *in = ObjectPtr(in_).Detach();
     if (out != nullptr) *out = ObjectPtr(out_).Detach();
     return S_OK;
@@ -237,7 +245,7 @@ class WmiServices : public ServicesBase {
     *object = nullptr;
     if (const auto failure = state().faults.Fails("IWbemServices::GetObject")) return *failure;
     const StatePtr& shared = shared_state();
-    if (!state().profile.has_wmi_instance) return WBEM_E_NOT_FOUND;
+    if (!state().profile.has_wmi_instance) return kNotFound;
     if (SameName(Text(path), kDataClass)) {
       *object = MakeData(shared, {}).Detach();
       return S_OK;
@@ -252,7 +260,7 @@ class WmiServices : public ServicesBase {
       *object = method.Detach();
       return S_OK;
     }
-    return WBEM_E_NOT_FOUND;
+    return kNotFound;
   }
 
   HRESULT STDMETHODCALLTYPE CreateInstanceEnum(const BSTR filter, LONG, IWbemContext*,
@@ -262,7 +270,7 @@ class WmiServices : public ServicesBase {
     if (const auto failure = state().faults.Fails("IWbemServices::CreateInstanceEnum")) {
       return *failure;
     }
-    if (!SameName(Text(filter), kQueryClass)) return WBEM_E_INVALID_CLASS;
+    if (!SameName(Text(filter), kQueryClass)) return kInvalidClass;
     *objects = new Enumerator(shared_state(), QueryInstances(shared_state()));
     return S_OK;
   }
@@ -271,8 +279,8 @@ class WmiServices : public ServicesBase {
                                        IWbemClassObject* in, IWbemClassObject** out,
                                        IWbemCallResult**) override {
     if (const auto failure = state().faults.Fails("IWbemServices::ExecMethod")) return *failure;
-    if (!IsInstance(Text(path))) return WBEM_E_NOT_FOUND;
-    if (!SameName(Text(method), kMethod)) return static_cast<HRESULT>(0x80041055U);
+    if (!IsInstance(Text(path))) return kNotFound;
+    if (!SameName(Text(method), kMethod)) return kInvalidMethod;
     if (out == nullptr) return E_POINTER;
     // The machine made every object that it takes parameters from.
     const auto* const parameters = dynamic_cast<WmiObject*>(in);
@@ -282,7 +290,7 @@ class WmiServices : public ServicesBase {
         object != nullptr && *object ? dynamic_cast<WmiObject*>(object->p) : nullptr;
     const auto* const value = block != nullptr ? block->Find(kBytes) : nullptr;
     const auto* const bytes = value != nullptr ? std::get_if<Bytes>(value) : nullptr;
-    if (bytes == nullptr) return static_cast<HRESULT>(0x80041008U);  // WBEM_E_INVALID_PARAMETER
+    if (bytes == nullptr) return kInvalidParameter;
 
     Bytes reply = *bytes;
     state().firmware.Execute(reply, state().faults);
@@ -312,7 +320,7 @@ class Locator : public ComObject<IWbemLocator> {
     if (services == nullptr) return E_POINTER;
     *services = nullptr;
     if (const auto failure = state().faults.Fails("IWbemLocator::ConnectServer")) return *failure;
-    if (!SameName(Text(resource), L"ROOT\\WMI")) return WBEM_E_INVALID_NAMESPACE;
+    if (!SameName(Text(resource), L"ROOT\\WMI")) return kInvalidNamespace;
     *services = new WmiServices(shared_state());
     return S_OK;
   }

@@ -44,7 +44,7 @@ class OneCall {
     SMBiosCI* const record = buffer_ ? buffer_->FillInputBuffer(key, size, data) : nullptr;
     if (record == nullptr) return;
     sent_ = true;
-    succeeded_ = target.interface.Execute(*record, target.buffer_size, target.instance_key) ==
+    succeeded_ = target.calling.Execute(*record, target.buffer_size, target.instance_key) ==
                      CCallingInterface::STATUS_SUCCESS &&
                  record->cbRES1 == 0;
   }
@@ -63,12 +63,12 @@ class OneCall {
 
 Outcome Dispatch(const Target& target, std::uint16_t cls, std::uint16_t select, IBIOSData& data,
                  const std::string& password, bool class10) {
-  if (cls != kUncheckedClass && !target.interface.IsCommandSupported(cls)) {
+  if (cls != kUncheckedClass && !target.calling.IsCommandSupported(cls)) {
     return Outcome::kNotSupported;
   }
   std::uint32_t key = 0;
   if (!password.empty()) {
-    CPwdContext context(target.interface, target.buffer_size, target.instance_key);
+    CPwdContext context(target.calling, target.buffer_size, target.instance_key);
     key = context.GetSecurityKey(password, class10);
     if (key == kNoKeyObtained) return Outcome::kNoKey;
   }

@@ -14,7 +14,7 @@ namespace mira::callif {
 
 // Where calls go.
 struct Target {
-  CCallingInterface& interface;
+  CCallingInterface& calling;
   std::uint32_t buffer_size;     // of the firmware's transfer buffer, in bytes
   const CComBSTR& instance_key;  // of the WMI instance
 };

@@ -79,13 +79,13 @@ constexpr std::uint16_t kStatusSelect = 3;
 constexpr std::uint16_t kVerifySelect = 4;
 
 // Builds, executes and reads one call; result word 2, or nothing when it failed.
-bool CallForWord(CCallingInterface& interface, std::uint32_t buffer_size, const CComBSTR& key,
+bool CallForWord(CCallingInterface& calling, std::uint32_t buffer_size, const CComBSTR& key,
                  std::uint16_t cls, std::uint16_t select, IBIOSData& data, std::uint32_t& word) {
   const std::unique_ptr<CBuffer> buffer(CreateBuffer(cls, select, buffer_size));
   std::uint32_t size = 0;
   SMBiosCI* const record = buffer ? buffer->FillInputBuffer(0, size, data) : nullptr;
   if (record == nullptr ||
-      interface.Execute(*record, buffer_size, key) != CCallingInterface::STATUS_SUCCESS ||
+      calling.Execute(*record, buffer_size, key) != CCallingInterface::STATUS_SUCCESS ||
       record->cbRES1 != 0) {
     return false;
   }
@@ -95,9 +95,9 @@ bool CallForWord(CCallingInterface& interface, std::uint32_t buffer_size, const 
 
 }  // namespace
 
-CPwdContext::CPwdContext(CCallingInterface& interface, std::uint32_t bufSize,
+CPwdContext::CPwdContext(CCallingInterface& calling, std::uint32_t bufSize,
                          const CComBSTR& instanceKey)
-    : interface_(interface),
+    : calling_(calling),
       buffer_size_(bufSize),
       instance_key_(instanceKey),
       class10_(ReadStatus(10)),
@@ -107,7 +107,7 @@ CPwdContext::CPwdContext(CCallingInterface& interface, std::uint32_t bufSize,
 CPwdContext::Entry CPwdContext::ReadStatus(std::uint16_t cls) {
   CSimpleTokenData data;
   std::uint32_t status = 0;
-  if (!CallForWord(interface_, buffer_size_, instance_key_, cls, kStatusSelect, data, status)) {
+  if (!CallForWord(calling_, buffer_size_, instance_key_, cls, kStatusSelect, data, status)) {
     return {};
   }
   // One flag serves all passwords: the last status read decides.
@@ -140,7 +140,7 @@ std::uint32_t CPwdContext::VerifyPassword(const std::string& password, std::uint
   data.Password = password;
   data.MaxPwdLen = For(cls).max_length + 1;
   std::uint32_t key = 0;
-  return CallForWord(interface_, buffer_size_, instance_key_, cls, kVerifySelect, data, key)
+  return CallForWord(calling_, buffer_size_, instance_key_, cls, kVerifySelect, data, key)
              ? key
              : kNoKey;
 }

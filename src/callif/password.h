@@ -38,7 +38,7 @@ class CPwdContext {
  public:
   // Makes the three status calls: classes 10, 9 and 12, select 3. A status call that fails makes
   // its password look not installed.
-  CPwdContext(CCallingInterface& interface, std::uint32_t bufSize, const CComBSTR& instanceKey);
+  CPwdContext(CCallingInterface& calling, std::uint32_t bufSize, const CComBSTR& instanceKey);
 
   static constexpr std::uint32_t kNoKey = 0xFFFFFFFF;
 
@@ -60,7 +60,7 @@ class CPwdContext {
   Entry ReadStatus(std::uint16_t cls);
   const Entry& For(std::uint16_t cls) const;
 
-  CCallingInterface& interface_;
+  CCallingInterface& calling_;
   std::uint32_t buffer_size_;
   const CComBSTR& instance_key_;
   bool uses_scan_codes_ = false;

@@ -1,0 +1,17 @@
+#include "console/commands.h"
+
+namespace mira::console {
+
+const std::vector<Noun>& Nouns() {
+  static const std::vector<Noun> nouns = {
+      {"tour", "Show the main job once: start-up, structures, calling interface, one call",
+       AddTour},
+      {"info", "Show what is available on this machine", AddInfo},
+      {"smbios", "Show, save or decode the SMBIOS table", AddSmbios},
+      {"tokens", "List the calling interface's tokens", AddTokens},
+      {"call", "Make one calling-interface call", AddCall},
+  };
+  return nouns;
+}
+
+}  // namespace mira::console

@@ -1,0 +1,17 @@
+#ifndef MIRA_CONSOLE_COMMANDS_H_
+#define MIRA_CONSOLE_COMMANDS_H_
+
+#include "console/command.h"
+
+namespace mira::console {
+
+// One source in console/commands/ each.
+void AddCall(CLI::App& app, Command& command);
+void AddInfo(CLI::App& app, Command& command);
+void AddSmbios(CLI::App& app, Command& command);
+void AddTokens(CLI::App& app, Command& command);
+void AddTour(CLI::App& app, Command& command);
+
+}  // namespace mira::console
+
+#endif  // MIRA_CONSOLE_COMMANDS_H_

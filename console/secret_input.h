@@ -1,0 +1,38 @@
+#ifndef MIRA_CONSOLE_SECRET_INPUT_H_
+#define MIRA_CONSOLE_SECRET_INPUT_H_
+
+// Where a command gets a password from. Never from the command line, where other processes read it.
+//
+//   auto source = AddSecretOptions(app);           // --password-stdin, --password-file,
+//   --password-env bytes::SecureString password = ReadSecret(context, *source, "Password : ");
+
+#include <memory>
+#include <string>
+
+#include "bytes/secure.h"
+#include "console/command.h"
+
+namespace mira::console {
+
+struct SecretSource {
+  bool from_stdin = false;
+  std::string file;
+  std::string variable;
+  bool Given() const { return from_stdin || !file.empty() || !variable.empty(); }
+};
+
+// The options are called "--NAME-stdin", "--NAME-file" and "--NAME-env".
+std::shared_ptr<SecretSource> AddSecretOptions(CLI::App& app, const std::string& name = "password");
+
+// The first line of the source; without one, a line typed at a prompt without echo. Throws
+// CommandError when there is neither a source nor a terminal.
+bytes::SecureString ReadSecret(Context& context, const SecretSource& source,
+                               const std::string& prompt);
+
+// A line typed at the terminal without echo. False when standard input is no terminal, or its input
+// ended.
+bool ReadWithoutEcho(const std::string& prompt, bytes::SecureString& line);
+
+}  // namespace mira::console
+
+#endif  // MIRA_CONSOLE_SECRET_INPUT_H_

@@ -1,0 +1,40 @@
+// A host in its smallest form: start the library, dump the BIOS structure, make a call. It links
+// the import library only. With the argument --real it works on this PC, else on the simulated
+// machine.
+
+#include <iostream>
+#include <memory>
+#include <string_view>
+
+#include "facade/mira_intf.h"
+#include "sim/machine.h"
+
+int main(int argc, char** argv) {
+  mira::sim::Machine machine;
+  std::unique_ptr<mira::sim::Session> session;
+  if (argc < 2 || std::string_view(argv[1]) != "--real") {
+    session = std::make_unique<mira::sim::Session>(machine);
+  }
+
+  CMiraIntf mira(std::cerr);
+  if (const Status status = mira.Init(false, false, false); status != STATUS_SUCCESS) {
+    std::cerr << "Init failed with status " << status << '\n';
+    return 1;
+  }
+  if (const CBIOSObject* const bios = mira.GetBIOSObject(0)) bios->Display(std::cout);
+
+  std::map<std::uint16_t, CDAToken> tokens;
+  mira.GetAllDATokens(tokens);
+  if (tokens.empty()) return 0;
+  std::uint16_t id = 0;
+  std::uint16_t location = 0;
+  std::uint16_t value = 0;
+  tokens.begin()->second.TokenInfo(id, location, value);
+
+  CSimpleTokenData request;
+  request.Arg1 = location;
+  const Status status = mira.ExecuteDACI(0, 0, request, "", PwdInfo::PWD_NONE);
+  std::cout << "Token 0x" << std::hex << id << " has the value 0x" << request.Res2 << std::dec
+            << " (status " << status << ", completion code " << request.Res1 << ")\n";
+  return status == STATUS_SUCCESS ? 0 : 1;
+}
