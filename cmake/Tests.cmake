@@ -18,6 +18,7 @@ target_compile_definitions(mira_api_tests PRIVATE
   MIRA_EXPORTS_FILE="${CMAKE_SOURCE_DIR}/tests/api/exports.txt")
 
 foreach(test mira_unit_tests mira_api_tests)
+  target_precompile_headers(${test} PRIVATE <gtest/gtest.h>)
   add_test(NAME ${test}
     COMMAND ${test} --gtest_output=json:${CMAKE_BINARY_DIR}/results/${test}.json
     WORKING_DIRECTORY ${CMAKE_BINARY_DIR})

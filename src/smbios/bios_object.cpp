@@ -1,7 +1,7 @@
 #include "smbios/bios_object.h"
 
+#include <charconv>
 #include <cstring>
-#include <limits>
 #include <sstream>
 
 #include "bytes/reader.h"
@@ -66,10 +66,20 @@ void CBIOSObject::DisplayChain(std::ostream& os) const {
   }
 }
 
+void CBIOSObject::AppendHeader(std::string& text) const {
+  const std::pair<const char*, unsigned> lines[] = {
+      {"Type : ", m_byType}, {"Length : ", m_byLength}, {"Handle : ", m_wHandle}};
+  for (const auto& [label, value] : lines) {
+    char digits[8];
+    const auto end = std::to_chars(digits, digits + sizeof(digits), value, 16).ptr;
+    text.append(label).append(digits, end).append("\n");
+  }
+}
+
 void CBIOSObject::DisplayHeader(std::ostream& os) const {
-  os << "Type : " << std::hex << static_cast<unsigned>(m_byType) << std::dec << '\n'
-     << "Length : " << std::hex << static_cast<unsigned>(m_byLength) << std::dec << '\n'
-     << "Handle : " << std::hex << m_wHandle << std::dec << '\n';
+  std::string text;
+  AppendHeader(text);
+  os << text << std::dec;
 }
 
 unsigned short CBIOSObject::BuildWord(unsigned char* data, unsigned int& offset) {

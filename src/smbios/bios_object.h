@@ -73,8 +73,10 @@ class MIRA_API CBIOSObject {
   // The value with six significant digits, in the shorter of fixed and scientific notation.
   static std::string GetStrFromDouble(double value);
 
-  // The three lines "Type", "Length" and "Handle" that every dump holds.
+  // The three lines "Type", "Length" and "Handle" that every dump holds. The stream is decimal
+  // afterwards.
   void DisplayHeader(std::ostream& os) const;
+  void AppendHeader(std::string& text) const;
   // What this structure alone adds to an attribute list, and what it alone shows. The frames above
   // walk the chain.
   virtual void AddAttributes(AttributeMap::mapped_type& list) const;

@@ -115,11 +115,12 @@ TEST(Call, ReportsTransportFailuresAsSuch) {
     SCOPED_TRACE(operation);
     Host host;
     host.machine().GetFaults().Add(
-        {.operation = operation, .nth = 1, .result = static_cast<std::int32_t>(0x80041001)});
+        {.operation = operation, .nth = 0, .result = static_cast<std::int32_t>(0x80041001)});
     CSimpleTokenData data;
     data.Arg1 = 0x70;
     EXPECT_EQ(host->ExecuteDACI(0, 0, data, "", PwdInfo::PWD_NONE), STATUS_FAILURE);
     EXPECT_EQ(data.Res1, -3) << "did not execute";
+    host.machine().GetFaults().Clear();
     EXPECT_EQ(host->ExecuteDACI(0, 0, data, "", PwdInfo::PWD_NONE), STATUS_SUCCESS);
   }
 }

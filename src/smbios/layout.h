@@ -1,0 +1,203 @@
+#ifndef MIRA_SMBIOS_LAYOUT_H_
+#define MIRA_SMBIOS_LAYOUT_H_
+
+// A structure class states its layout as a list of fields; the frame reads, publishes and shows
+// them. Adding a field is adding a line:
+//
+//   constexpr Field kFields[] = {
+//       {"Socket Designation", "SocketDesignation", Kind::kString},
+//       {"Cache Configuration", nullptr, Kind::kWord, {.hex = true}},
+//   };
+//   constinit const Layout CCacheInfo::kLayout("Cache Information", "7", kFields);
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "bytes/reader.h"
+#include "smbios/bios_object.h"
+
+namespace mira::smbios {
+
+// A structure's bytes as the texts of fields need them. Offsets count from the structure's start;
+// reads beyond the structure find the zero bytes that follow every copy.
+class StructureView {
+ public:
+  StructureView(const unsigned char* raw, unsigned char length) : raw_(raw), length_(length) {}
+
+  // Of the formatted area.
+  std::size_t Length() const { return length_; }
+  std::uint64_t Number(std::size_t offset, std::size_t width) const {
+    return bytes::Reader(Bytes(offset, width)).Number(width);
+  }
+  std::uint8_t Byte(std::size_t offset) const { return raw_[offset]; }
+  std::uint16_t Word(std::size_t offset) const {
+    return static_cast<std::uint16_t>(Number(offset, 2));
+  }
+  std::uint32_t DWord(std::size_t offset) const {
+    return static_cast<std::uint32_t>(Number(offset, 4));
+  }
+  bytes::ByteSpan Bytes(std::size_t offset, std::size_t width) const {
+    return {raw_ + offset, width};
+  }
+  // String `number` (from 1) of the string set; empty for 0 and for numbers beyond the set.
+  std::string_view String(std::size_t number) const;
+
+ private:
+  const unsigned char* raw_;
+  unsigned char length_;
+};
+
+// Appends to a dump or a value.
+void AppendDecimal(std::string& out, std::uint64_t value);
+void AppendHex(std::string& out, std::uint64_t value);
+// With six significant digits, as a stream writes a double.
+void AppendDouble(std::string& out, double value);
+// Each byte in hexadecimal, followed by a blank.
+void AppendHexBytes(std::string& out, bytes::ByteSpan bytes);
+
+using Attributes = AttributeMap::mapped_type;
+
+// Appends the text of a field with the given number (for strings: the string number). False: the
+// field is left out.
+using Text = bool (*)(const StructureView& structure, std::uint64_t value, std::string& out);
+// Whether a field is shown in the dump.
+using Condition = bool (*)(const StructureView& structure);
+
+enum class Kind : std::uint8_t {
+  kNone,  // no bytes of its own: a value computed from others
+  kByte,
+  kWord,
+  kDWord,
+  kQWord,
+  kString,      // a string number
+  kCharacters,  // four characters
+  kBytes,       // `size` bytes
+};
+
+constexpr std::size_t Width(Kind kind, std::uint8_t size) {
+  switch (kind) {
+    case Kind::kNone:
+      return 0;
+    case Kind::kByte:
+    case Kind::kString:
+      return 1;
+    case Kind::kWord:
+      return 2;
+    case Kind::kDWord:
+    case Kind::kCharacters:
+      return 4;
+    case Kind::kQWord:
+      return 8;
+    case Kind::kBytes:
+      return size;
+  }
+  return 0;
+}
+
+// What few fields need.
+struct Extras {
+  std::uint8_t size = 0;        // of kBytes
+  bool hex = false;             // the dump shows the number in hexadecimal
+  const char* unit = "";        // behind the number, in the dump and in the published value
+  Text text = nullptr;          // the value's text, in the dump and published
+  Text published = nullptr;     // the published text, where it differs
+  Text line = nullptr;          // the whole line of the dump, its end excepted
+  Condition shown = nullptr;    // without: always
+  std::uint8_t min_length = 0;  // the field is zero in structures shorter than this
+  std::uint8_t rank =
+      0;  // place among the published pairs, from 1, where that is not the field's own order
+};
+
+struct Field {
+  const char* label;  // null: not in the dump
+  const char* key;    // null: not published
+  Kind kind;
+  Extras extras = {};
+};
+
+// What a class shows and publishes besides its fields: lists, mostly.
+struct Items {
+  void (*show)(const StructureView& structure, std::string& out) = nullptr;
+  void (*publish)(const StructureView& structure, Attributes& list) = nullptr;
+};
+
+class Layout {
+ public:
+  static constexpr std::size_t kMaxFields = 40;
+  static constexpr std::size_t kHeaderSize = 4;
+
+  // `type` is written as the banner has it. `closing` is the number of dashes in the closing line
+  // where that is not the banner's length.
+  constexpr Layout(const char* title, const char* type, std::span<const Field> fields,
+                   Items items = {}, std::size_t closing = 0)
+      : title_(title), type_(type), fields_(fields), items_(items), closing_(closing) {
+    if (fields.size() > kMaxFields) throw std::length_error("too many fields");
+    std::size_t offset = kHeaderSize;
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+      offsets_[i] = static_cast<std::uint8_t>(offset);
+      offset += Width(fields[i].kind, fields[i].extras.size);
+    }
+    // The zero bytes behind every structure copy cover a layout of this size.
+    if (offset > 255) throw std::length_error("layout too long");
+    // Published in order of rank; without ranks, in the fields' order.
+    for (std::size_t rank = 0; rank <= kMaxFields; ++rank) {
+      for (std::size_t i = 0; i < fields.size(); ++i) {
+        if (fields[i].key != nullptr && fields[i].extras.rank == rank) {
+          order_[published_++] = static_cast<std::uint8_t>(i);
+        }
+      }
+    }
+  }
+
+  void Show(const StructureView& structure, std::string& out) const;
+  void Publish(const StructureView& structure, Attributes& list) const;
+  // The banner without its line end.
+  void AppendBanner(std::string& out) const;
+  // As long as the banner.
+  void AppendClosing(std::string& out) const;
+
+ private:
+  // Appends a field's value; false when its text leaves it out.
+  bool AppendValue(const StructureView& structure, std::size_t index, bool publish,
+                   std::string& out) const;
+
+  std::string_view title_;
+  std::string_view type_;
+  std::span<const Field> fields_;
+  Items items_;
+  std::size_t closing_;
+  std::array<std::uint8_t, kMaxFields> offsets_{};
+  std::array<std::uint8_t, kMaxFields> order_{};
+  std::size_t published_ = 0;
+};
+
+// An object whose class is a layout.
+class CLayoutObject : public CBIOSObject {
+ public:
+  void Display(std::ostream& os) const override { DisplayChain(os); }
+
+ protected:
+  CLayoutObject(unsigned char* raw, const Layout& layout) : CBIOSObject(raw), m_pLayout(&layout) {}
+  void AddAttributes(AttributeMap::mapped_type& list) const override;
+  void DisplayOne(std::ostream& os) const override;
+  StructureView View() const { return {raw(), m_byLength}; }
+
+ private:
+  const Layout* m_pLayout;
+};
+
+// The class itself: its name, and its layout as a static member.
+template <typename Class>
+class CStructure : public CLayoutObject {
+ public:
+  explicit CStructure(unsigned char* raw) : CLayoutObject(raw, Class::kLayout) {}
+};
+
+}  // namespace mira::smbios
+
+#endif  // MIRA_SMBIOS_LAYOUT_H_

@@ -1,0 +1,18 @@
+#include "smbios/structures/structures.h"
+
+namespace {
+
+using mira::smbios::Field;
+using mira::smbios::Kind;
+
+// Vendor structure
+constexpr Field kFields[] = {
+    {"Layout", "Layout", Kind::kByte},
+    {"Type", "Type", Kind::kByte},
+    {"Connector Type", "ConnectorType", Kind::kByte},
+    {"Security Settings", "SecuritySettings", Kind::kByte, {.hex = true}},
+};
+
+}  // namespace
+
+constinit const mira::smbios::Layout CBuiltInKeyBrd::kLayout("Built-In Key Board", "217", kFields);

@@ -1,0 +1,17 @@
+#include "smbios/structures/structures.h"
+
+namespace {
+
+using mira::smbios::Field;
+using mira::smbios::Kind;
+
+// Vendor structure
+constexpr Field kFields[] = {
+    {"OEM Info", "OEMInfo", Kind::kByte},
+    {"Zero", "Zero", Kind::kByte},
+};
+
+}  // namespace
+
+constinit const mira::smbios::Layout CEFI_MISC_OEM::kLayout("EFI Miscellaneous OEM Type", "136",
+                                                            kFields);

@@ -1,0 +1,15 @@
+#include "smbios/structures/structures.h"
+
+namespace {
+
+using mira::smbios::Field;
+using mira::smbios::Kind;
+
+// DSP0134 7.25
+constexpr Field kFields[] = {
+    {"Hardware Security Settings", "HardwareSecuritySettings", Kind::kByte, {.hex = true}},
+};
+
+}  // namespace
+
+constinit const mira::smbios::Layout CHardwareSecurity::kLayout("Hardware Security", "24", kFields);

@@ -1,0 +1,17 @@
+#include "smbios/structures/structures.h"
+
+namespace {
+
+using mira::smbios::Field;
+using mira::smbios::Kind;
+
+// DSP0134 7.33
+constexpr Field kFields[] = {
+    {nullptr, nullptr, Kind::kBytes, {.size = 6}},
+    {"Boot Status", nullptr, Kind::kByte},
+};
+
+}  // namespace
+
+constinit const mira::smbios::Layout CSystemBootInfo::kLayout("System Boot Information", "32",
+                                                              kFields);

@@ -1,0 +1,20 @@
+#include "smbios/structures/structures.h"
+
+namespace {
+
+using mira::smbios::Field;
+using mira::smbios::Kind;
+
+// DSP0134 7.26
+constexpr Field kFields[] = {
+    {"Next Scheduled Power-on Month", nullptr, Kind::kByte},
+    {"Next Scheduled Power-on Day-of-month", nullptr, Kind::kByte},
+    {"Next Scheduled Power-on Hour", nullptr, Kind::kByte},
+    {"Next Scheduled Power-on Minute", nullptr, Kind::kByte},
+    {"Next Scheduled Power-on Second", nullptr, Kind::kByte},
+};
+
+}  // namespace
+
+constinit const mira::smbios::Layout CSystemPowerControls::kLayout("System Power Controls", "25",
+                                                                   kFields);
