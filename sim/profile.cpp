@@ -25,7 +25,15 @@ const std::vector<Profile>& Profiles() {
     user.name = "standard-user";
     user.description = "the laptop, used without administrator rights";
     user.is_administrator = false;
-    return std::vector<Profile>{laptop, no_wmi, probed, refused, user};
+    Profile locked = laptop;
+    locked.name = "locked";
+    locked.description =
+        "the laptop with passwords: setup (class 9) \"setup1\", system (class 10) "
+        "\"system1\", drive 1 \"drive1\"";
+    locked.class9.text = "setup1";
+    locked.class10.text = "system1";
+    locked.drives[0].password = "drive1";
+    return std::vector<Profile>{laptop, no_wmi, probed, refused, user, locked};
   }();
   return profiles;
 }

@@ -22,6 +22,20 @@ struct Token {
   std::uint16_t value;
 };
 
+// A BIOS password as the firmware keeps it: characters, or where scan codes are in force, those.
+struct Password {
+  std::string text = "";  // empty: not installed
+  std::uint8_t max_length = 32;
+  std::uint8_t min_length = 4;
+};
+
+struct Drive {
+  std::uint8_t handle;
+  std::string description;
+  std::string password = "";  // empty: none is set
+  bool present = true;
+};
+
 struct Profile {
   std::string name = "laptop";
   std::string description = "a business laptop with a calling interface";
@@ -52,6 +66,15 @@ struct Profile {
       {0x00D1, 0x0074, 0x0001}, {0x0135, 0x0078, 0x0002}, {0x014B, 0x0079, 0x0001},
       {0x01BD, 0x0080, 0x0000}, {0x02E3, 0x0091, 0x0001},
   };
+
+  // Passwords of command classes 9, 10 and 12, and of the drives
+  Password class9;
+  Password class10;
+  Password class12;
+  bool passwords_are_scan_codes = false;
+  int wrong_passwords_until_locked = 3;  // then nothing is verified until the machine restarts
+  std::uint32_t key_seed = 0x1D872B41;   // security keys follow from it
+  std::vector<Drive> drives = {{0x01, "M.2 PCIe SSD-0"}, {0x82, "SATA-1"}};
 
   // The machine's identity
   std::string manufacturer = "Northfield Systems";

@@ -4,6 +4,8 @@
 #include <string>
 #include <utility>
 
+#include "sim/firmware/passwords.h"
+#include "sim/firmware/security.h"
 #include "sim/firmware/tokens.h"
 
 namespace mira::sim {
@@ -15,9 +17,13 @@ constexpr std::uint16_t kUnannouncedClass = 64;
 }  // namespace
 
 Firmware::Firmware(const Profile& profile) : supported_classes_(profile.supported_classes) {
+  auto security = std::make_shared<Security>(profile);
   auto tokens = std::make_shared<TokenStore>(profile.tokens);
   SetHandler(0, std::make_unique<TokenReadHandler>(tokens));
-  SetHandler(1, std::make_unique<TokenWriteHandler>(tokens));
+  SetHandler(1, std::make_unique<TokenWriteHandler>(tokens, security));
+  SetHandler(9, std::make_unique<PasswordHandler>(security));
+  SetHandler(10, std::make_unique<SystemPasswordHandler>(security, profile.drives));
+  SetHandler(12, std::make_unique<PasswordHandler>(security));
 }
 
 Firmware::~Firmware() = default;

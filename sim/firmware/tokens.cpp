@@ -30,6 +30,7 @@ void TokenReadHandler::Handle(Call& call) {
 
 void TokenWriteHandler::Handle(Call& call) {
   if (call.Select() > kLastSelect) return call.Complete(kNotSupported);
+  if (!security_->Accepts(call.Arg(3))) return call.Complete(kInvalidKey);
   TokenStore::Value* const value = store_->Find(call.Arg(1));
   if (value == nullptr || call.Arg(2) > kLargestValue) return call.Complete(kError);
   value->pending = call.Arg(2);

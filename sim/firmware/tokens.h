@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "sim/firmware/handler.h"
+#include "sim/firmware/security.h"
 #include "sim/profile.h"
 
 namespace mira::sim {
@@ -40,14 +41,17 @@ class TokenReadHandler : public CommandHandler {
   std::shared_ptr<TokenStore> store_;
 };
 
-// Class 1, selects 0 to 2: argument 1 is a location, argument 2 its new value.
+// Class 1, selects 0 to 2: argument 1 is a location, argument 2 its new value, argument 3 the
+// security key.
 class TokenWriteHandler : public CommandHandler {
  public:
-  explicit TokenWriteHandler(std::shared_ptr<TokenStore> store) : store_(std::move(store)) {}
+  TokenWriteHandler(std::shared_ptr<TokenStore> store, std::shared_ptr<Security> security)
+      : store_(std::move(store)), security_(std::move(security)) {}
   void Handle(Call& call) override;
 
  private:
   std::shared_ptr<TokenStore> store_;
+  std::shared_ptr<Security> security_;
 };
 
 }  // namespace mira::sim

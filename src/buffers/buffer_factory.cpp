@@ -3,6 +3,9 @@
 #include <iostream>
 #include <new>
 
+#include "buffers/hdd_pwd_buffer.h"
+#include "buffers/pba_buffer.h"
+
 namespace {
 
 using Maker = CBuffer* (*)(std::uint16_t cls, std::uint16_t select, std::uint32_t size);
@@ -45,17 +48,18 @@ constexpr Row kRows[] = {
     {6, 6, 6, kAny, kPlain},
     {7, 7, 4, 4, kPlain},
     {8, 8, 0, 17, kPlain},
-    {9, 9, 4, 5, MakeNone},
+    {9, 9, 4, 5, Make<CPBABuffer>},
     {9, 9, 0, kAny, kPlain},
-    {10, 10, 4, 5, MakeNone},
-    {10, 10, 7, 9, MakeNone},
-    {10, 10, 11, 11, MakeNone},
-    {10, 10, 13, 18, MakeNone},
+    {10, 10, 4, 5, Make<CPBABuffer>},
+    {10, 10, 7, 9, Make<CPBABuffer>},
+    {10, 10, 11, 11, Make<CHDDPwdBuffer>},
+    {10, 10, 13, 14, Make<CHDDPwdBuffer>},
+    {10, 10, 15, 18, Make<CPBABuffer>},
     {10, 10, 21, 24, MakeNoPbaDatabase},
-    {10, 10, 28, 28, MakeNone},
-    {10, 10, 30, 31, MakeNone},
+    {10, 10, 28, 28, Make<CHDDPwdBuffer>},
+    {10, 10, 30, 31, Make<CHDDPwdBuffer>},
     {10, 10, 0, kAny, kPlain},
-    {12, 12, 4, 5, MakeNone},
+    {12, 12, 4, 5, Make<CPBABuffer>},
     {12, 12, 0, kAny, kPlain},
     {16, 16, 0, kAny, kPlain},
     {17, 17, 4, 5, MakeNone},

@@ -1,5 +1,6 @@
 #include "buffers/console_io.h"
 
+#include <algorithm>
 #include <charconv>
 #include <iostream>
 #include <string_view>
@@ -58,6 +59,26 @@ bool AskText(const char* prompt, std::string& text, std::size_t longest) {
     if (answer.size() > longest) return false;
     bytes::Wipe(text);
     text.assign(answer);
+    return true;
+  });
+}
+
+bool AskWord(const char* prompt, std::string& text) {
+  return Ask(prompt, [&](std::string_view answer) {
+    answer.remove_prefix(std::min(answer.find_first_not_of(kBlanks), answer.size()));
+    answer = answer.substr(0, answer.find_first_of(kBlanks));
+    if (answer.empty()) return false;
+    bytes::Wipe(text);
+    text.assign(answer);
+    return true;
+  });
+}
+
+bool AskYes(const char* prompt, bool& yes) {
+  return Ask(prompt, [&](std::string_view answer) {
+    const std::size_t first = answer.find_first_not_of(kBlanks);
+    if (first == std::string_view::npos) return false;
+    yes = answer[first] == 'y' || answer[first] == 'Y';
     return true;
   });
 }

@@ -26,6 +26,12 @@ bool AskNumber(const char* prompt, std::uint32_t& value, std::uint32_t lowest = 
 // password.
 bool AskText(const char* prompt, std::string& text, std::size_t longest);
 
+// One word: an answer up to its first white space.
+bool AskWord(const char* prompt, std::string& text);
+
+// Whether the answer begins with "y" or "Y".
+bool AskYes(const char* prompt, bool& yes);
+
 }  // namespace mira::console_io
 
 #endif  // MIRA_BUFFERS_CONSOLE_IO_H_

@@ -4,10 +4,12 @@
 #include <string_view>
 #include <utility>
 
+#include "buffers/hdd_pwd_buffer.h"
 #include "callif/dispatch.h"
 #include "facade/process_state.h"
 #include "pldm/manager.h"
 #include "smbios/structure_factory.h"
+#include "smbios/structures/structures.h"
 #include "smbios/table.h"
 #include "transport/com_error.h"
 #include "transport/connection.h"
@@ -223,7 +225,21 @@ unsigned int CMiraIntf::ValidatePwd(const std::string& password, PwdInfo::PWDTYP
   });
 }
 
-bool CMiraIntf::IsACPISupported() { return m_bIsWMIACPIBufferFixPresent || !bFlagCheck; }
+bool CMiraIntf::IsACPISupported() {
+  constexpr unsigned char kFlagsType = 177;
+  constexpr std::uint16_t kCallsThroughWmi = 0x0002;
+  constexpr std::uint16_t kProbeClass = 10;
+  constexpr std::uint16_t kProbeSelect = 11;
+  const auto* const flags = dynamic_cast<CBIOSFlags*>(GetBIOSObject(kFlagsType));
+  if (flags == nullptr) return false;
+  // Firmware that does not announce the buffer fix shows by a real call whether it has it.
+  if (!bFlagCheck && !m_bIsWMIACPIBufferFixPresent) {
+    CHDDPwd probe;
+    m_bIsWMIACPIBufferFixPresent =
+        ExecuteDACI(kProbeClass, kProbeSelect, probe, "", PwdInfo::PWD_NONE) == STATUS_SUCCESS;
+  }
+  return (flags->GetFlags(0) & kCallsThroughWmi) != 0 && m_bIsWMIACPIBufferFixPresent;
+}
 
 bool CMiraIntf::InitPLDM(bool, bool) { return CallingInterface() != nullptr; }
 

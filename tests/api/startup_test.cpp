@@ -151,6 +151,9 @@ TEST(Init, AnswersForEachKindOfMachine) {
       {"laptop", STATUS_SUCCESS},
       {"standard-user", STATUS_NOT_ADMIN},
       {"no-calling-interface", STATUS_WMI_INSTANCE_NOT_FOUND},
+      {"unannounced-fix", STATUS_SUCCESS},
+      {"acpi-off", STATUS_ACPI_NOT_SUPPORTED},
+      {"locked", STATUS_SUCCESS},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.profile);
@@ -160,6 +163,55 @@ TEST(Init, AnswersForEachKindOfMachine) {
     EXPECT_EQ(started.diagnostics, "");
     ExpectNothingLeft(machine);
   }
+}
+
+TEST(Init, ProbesWhenTheBufferFixIsNotAnnounced) {
+  struct Case {
+    const char* what;
+    std::uint32_t buffer_fix;
+    std::uint16_t flags;
+    bool flag_check;
+    bool probe_fails;
+    Status status;
+    std::size_t probes;
+  };
+  const Case cases[] = {
+      {"announced", 1, 2, false, false, STATUS_SUCCESS, 0},
+      {"announced by exactly 1 only", 2, 2, false, false, STATUS_SUCCESS, 1},
+      {"probe succeeds", 0, 2, false, false, STATUS_SUCCESS, 1},
+      {"probe fails", 0, 2, false, true, STATUS_ACPI_NOT_SUPPORTED, 1},
+      {"the host forbids the probe", 0, 2, true, false, STATUS_ACPI_NOT_SUPPORTED, 0},
+      {"announced, the probe forbidden", 1, 2, true, false, STATUS_SUCCESS, 0},
+      {"flag clear although the probe succeeds", 0, 0xFFFD, false, false,
+       STATUS_ACPI_NOT_SUPPORTED, 1},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    sim::Profile profile;
+    profile.buffer_fix = c.buffer_fix;
+    profile.bios_flags0 = c.flags;
+    sim::Machine machine(profile);
+    if (c.probe_fails) machine.GetFaults().Add({.operation = "firmware 10/11", .completion = -1});
+    bFlagCheck = c.flag_check;
+    EXPECT_EQ(Start(machine).status, c.status);
+    bFlagCheck = false;
+    EXPECT_EQ(machine.Journal().size(), c.probes);
+    if (c.probes > 0) {
+      EXPECT_EQ(machine.Journal()[0].cls, 10);
+      EXPECT_EQ(machine.Journal()[0].select, 11);
+      EXPECT_EQ(machine.Journal()[0].record_length, 304u);
+    }
+    ExpectNothingLeft(machine);
+  }
+}
+
+TEST(Init, NeedsTheFlagsStructure) {
+  sim::Profile profile;
+  profile.buffer_fix = 0;
+  profile.firmware_table = sim::SmbiosTable(3, 2).Add(sim::Structure(0, 1)).Finish();
+  sim::Machine machine(profile);
+  EXPECT_EQ(Start(machine).status, STATUS_ACPI_NOT_SUPPORTED);
+  EXPECT_TRUE(machine.Journal().empty()) << "no probe without the structure";
 }
 
 TEST(Init, TakesAnInstanceOnlyWithSizeAndKey) {
