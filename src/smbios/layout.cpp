@@ -1,5 +1,6 @@
 #include "smbios/layout.h"
 
+#include <algorithm>
 #include <charconv>
 
 namespace mira::smbios {
@@ -15,6 +16,36 @@ void AppendChars(std::string& out, Arguments... arguments) {
   out.append(digits, result.ptr);
 }
 
+// What a field that is not read holds.
+constexpr std::array<std::uint8_t, 255> kZeros{};
+
+// Appends the value of the field at `offset`; false when its text leaves it out.
+bool AppendValue(const StructureView& structure, const Field& field, std::size_t offset,
+                 bool publish, std::string& out) {
+  const Extras& extras = field.extras;
+  const std::size_t width = Width(field.kind, extras.size);
+  const bool is_read = structure.Length() >= extras.min_length;
+  const bytes::ByteSpan bytes =
+      is_read ? structure.Bytes(offset, width) : bytes::ByteSpan(kZeros).first(width);
+  const Value value{bytes, bytes::Reader(bytes).Number(std::min<std::size_t>(width, 8))};
+  const Text text = publish && extras.published != nullptr ? extras.published : extras.text;
+  if (text != nullptr) {
+    if (!text(structure, value, out)) return false;
+  } else if (field.kind == Kind::kString) {
+    out.append(structure.String(static_cast<std::size_t>(value.number)));
+  } else if (field.kind == Kind::kCharacters) {
+    out.append(bytes::Reader(bytes).FixedText(width));
+  } else if (field.kind == Kind::kBytes) {
+    AppendHexBytes(out, bytes);
+  } else if (extras.hex && !publish) {
+    AppendHex(out, value.number);
+  } else {
+    AppendDecimal(out, value.number);
+  }
+  if (!publish || !extras.bare) out.append(extras.unit);
+  return true;
+}
+
 }  // namespace
 
 void AppendDecimal(std::string& out, std::uint64_t value) { AppendChars(out, value); }
@@ -24,20 +55,22 @@ void AppendDouble(std::string& out, double value) {
 }
 
 void AppendHexBytes(std::string& out, bytes::ByteSpan bytes) {
-  for (const std::uint8_t byte : bytes) {
-    AppendHex(out, byte);
-    out += ' ';
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    if (i > 0) out += ' ';
+    AppendHex(out, bytes[i]);
   }
 }
 
+// Terminated always, by the zero bytes behind the copy at the latest.
 std::string_view StructureView::String(std::size_t number) const {
-  std::string_view text;
-  const char* next = reinterpret_cast<const char*>(raw_ + length_);
-  for (; number > 0; --number) {
-    text = next;
-    next += text.size() + 1;
-  }
+  if (number == 0) return {};
+  std::string_view text = reinterpret_cast<const char*>(raw_ + length_);
+  while (--number > 0) text = NextString(text);
   return text;
+}
+
+std::string_view StructureView::NextString(std::string_view text) const {
+  return text.data() + text.size() + 1;
 }
 
 void Layout::AppendBanner(std::string& out) const {
@@ -48,34 +81,12 @@ void Layout::AppendBanner(std::string& out) const {
 void Layout::AppendClosing(std::string& out) const {
   const std::size_t banner =
       2 * kBannerDashes + 2 + title_.size() + kTypeText.size() + type_.size();
-  out.append(closing_ != 0 ? closing_ : banner, '-');
+  out.append(besides_.closing != 0 ? besides_.closing : banner, '-');
 }
 
-bool Layout::AppendValue(const StructureView& structure, std::size_t index, bool publish,
-                         std::string& out) const {
-  const Field& field = fields_[index];
-  const Extras& extras = field.extras;
-  const std::size_t offset = offsets_[index];
-  const bool is_read = structure.Length() >= extras.min_length;
-  const bool is_number = field.kind != Kind::kBytes && field.kind != Kind::kCharacters;
-  const std::uint64_t value =
-      is_read && is_number ? structure.Number(offset, Width(field.kind, 0)) : 0;
-  const Text text = publish && extras.published != nullptr ? extras.published : extras.text;
-  if (text != nullptr) {
-    if (!text(structure, value, out)) return false;
-  } else if (field.kind == Kind::kString) {
-    out.append(structure.String(static_cast<std::size_t>(value)));
-  } else if (field.kind == Kind::kCharacters) {
-    out.append(bytes::Reader(structure.Bytes(offset, 4)).FixedText(4));
-  } else if (field.kind == Kind::kBytes) {
-    AppendHexBytes(out, structure.Bytes(offset, extras.size));
-  } else if (extras.hex && !publish) {
-    AppendHex(out, value);
-  } else {
-    AppendDecimal(out, value);
-  }
-  out.append(extras.unit);
-  return true;
+std::size_t Layout::ItemCount(const StructureView& structure) const {
+  if (item_size_ == 0 || structure.Length() < end_) return 0;
+  return (structure.Length() - end_) / item_size_;
 }
 
 void Layout::Show(const StructureView& structure, std::string& out) const {
@@ -83,24 +94,45 @@ void Layout::Show(const StructureView& structure, std::string& out) const {
     const Field& field = fields_[i];
     if (field.extras.shown != nullptr && !field.extras.shown(structure)) continue;
     if (field.extras.line != nullptr) {
-      if (field.extras.line(structure, 0, out)) out += '\n';
+      if (field.extras.line(structure, {}, out)) out += '\n';
     } else if (field.label != nullptr) {
       out.append(field.label).append(" : ");
-      AppendValue(structure, i, false, out);
+      AppendValue(structure, field, offsets_[i], false, out);
       out += '\n';
     }
   }
-  if (items_.show != nullptr) items_.show(structure, out);
+  const std::size_t count = ItemCount(structure);
+  std::size_t offset = end_;
+  for (std::size_t i = 0; i < count; ++i) {
+    for (const Field& field : besides_.items) {
+      out.append(field.label) += '[';
+      AppendDecimal(out, i);
+      out.append("] : ");
+      AppendValue(structure, field, offset, false, out);
+      out += '\n';
+      offset += Width(field.kind, field.extras.size);
+    }
+  }
+  if (besides_.show != nullptr) besides_.show(structure, out);
+  if (besides_.note != nullptr) out.append(besides_.note) += '\n';
 }
 
 void Layout::Publish(const StructureView& structure, Attributes& list) const {
   std::string value;
-  for (std::size_t i = 0; i < published_; ++i) {
-    const std::size_t index = order_[i];
+  const auto publish = [&](const Field& field, std::size_t offset) {
     value.clear();
-    if (AppendValue(structure, index, true, value)) list.emplace_back(fields_[index].key, value);
+    if (AppendValue(structure, field, offset, true, value)) list.emplace_back(field.key, value);
+  };
+  for (std::size_t i = 0; i < published_; ++i) publish(fields_[order_[i]], offsets_[order_[i]]);
+  const std::size_t count = ItemCount(structure);
+  std::size_t offset = end_;
+  for (std::size_t i = 0; i < count; ++i) {
+    for (const Field& field : besides_.items) {
+      if (field.key != nullptr) publish(field, offset);
+      offset += Width(field.kind, field.extras.size);
+    }
   }
-  if (items_.publish != nullptr) items_.publish(structure, list);
+  if (besides_.publish != nullptr) besides_.publish(structure, list);
 }
 
 void CLayoutObject::AddAttributes(AttributeMap::mapped_type& list) const {

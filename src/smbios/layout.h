@@ -9,6 +9,9 @@
 //       {"Cache Configuration", nullptr, Kind::kWord, {.hex = true}},
 //   };
 //   constinit const Layout CCacheInfo::kLayout("Cache Information", "7", kFields);
+//
+// Fields are read where the list puts them, whatever the structure's length: those of a short
+// structure come from its string set and from the zero bytes behind it.
 
 #include <array>
 #include <cstddef>
@@ -46,6 +49,8 @@ class StructureView {
   }
   // String `number` (from 1) of the string set; empty for 0 and for numbers beyond the set.
   std::string_view String(std::size_t number) const;
+  // The string behind `text`, which String() or NextString() gave; empty beyond the set.
+  std::string_view NextString(std::string_view text) const;
 
  private:
   const unsigned char* raw_;
@@ -57,14 +62,19 @@ void AppendDecimal(std::string& out, std::uint64_t value);
 void AppendHex(std::string& out, std::uint64_t value);
 // With six significant digits, as a stream writes a double.
 void AppendDouble(std::string& out, double value);
-// Each byte in hexadecimal, followed by a blank.
+// Each byte in hexadecimal, with a blank in between.
 void AppendHexBytes(std::string& out, bytes::ByteSpan bytes);
 
 using Attributes = AttributeMap::mapped_type;
 
-// Appends the text of a field with the given number (for strings: the string number). False: the
-// field is left out.
-using Text = bool (*)(const StructureView& structure, std::uint64_t value, std::string& out);
+// What a field holds: its bytes, and the number (or string number) that up to eight of them make.
+struct Value {
+  bytes::ByteSpan bytes;
+  std::uint64_t number;
+};
+
+// Appends the text of a field. False: the field is left out.
+using Text = bool (*)(const StructureView& structure, const Value& value, std::string& out);
 // Whether a field is shown in the dump.
 using Condition = bool (*)(const StructureView& structure);
 
@@ -104,13 +114,13 @@ struct Extras {
   std::uint8_t size = 0;        // of kBytes
   bool hex = false;             // the dump shows the number in hexadecimal
   const char* unit = "";        // behind the number, in the dump and in the published value
+  bool bare = false;            // published without the unit
   Text text = nullptr;          // the value's text, in the dump and published
   Text published = nullptr;     // the published text, where it differs
   Text line = nullptr;          // the whole line of the dump, its end excepted
   Condition shown = nullptr;    // without: always
   std::uint8_t min_length = 0;  // the field is zero in structures shorter than this
-  std::uint8_t rank =
-      0;  // place among the published pairs, from 1, where that is not the field's own order
+  std::uint8_t rank = 0;  // place among the published pairs, where these are ordered otherwise
 };
 
 struct Field {
@@ -120,10 +130,17 @@ struct Field {
   Extras extras = {};
 };
 
-// What a class shows and publishes besides its fields: lists, mostly.
-struct Items {
+// What few classes have besides their fields.
+struct Besides {
+  // Items behind the fields, as many as the formatted area holds whole; labels get the index.
+  std::span<const Field> items = {};
+  // A fixed line behind the fields.
+  const char* note = nullptr;
+  // What no list of fields says.
   void (*show)(const StructureView& structure, std::string& out) = nullptr;
   void (*publish)(const StructureView& structure, Attributes& list) = nullptr;
+  // Number of dashes in the closing line, where that is not the banner's length.
+  std::size_t closing = 0;
 };
 
 class Layout {
@@ -131,19 +148,18 @@ class Layout {
   static constexpr std::size_t kMaxFields = 40;
   static constexpr std::size_t kHeaderSize = 4;
 
-  // `type` is written as the banner has it. `closing` is the number of dashes in the closing line
-  // where that is not the banner's length.
+  // `type` is written as the banner has it.
   constexpr Layout(const char* title, const char* type, std::span<const Field> fields,
-                   Items items = {}, std::size_t closing = 0)
-      : title_(title), type_(type), fields_(fields), items_(items), closing_(closing) {
+                   Besides besides = {})
+      : title_(title), type_(type), fields_(fields), besides_(besides) {
     if (fields.size() > kMaxFields) throw std::length_error("too many fields");
-    std::size_t offset = kHeaderSize;
     for (std::size_t i = 0; i < fields.size(); ++i) {
-      offsets_[i] = static_cast<std::uint8_t>(offset);
-      offset += Width(fields[i].kind, fields[i].extras.size);
+      offsets_[i] = static_cast<std::uint8_t>(end_);
+      end_ += Width(fields[i].kind, fields[i].extras.size);
     }
+    for (const Field& item : besides.items) item_size_ += Width(item.kind, item.extras.size);
     // The zero bytes behind every structure copy cover a layout of this size.
-    if (offset > 255) throw std::length_error("layout too long");
+    if (end_ + item_size_ > 255) throw std::length_error("layout too long");
     // Published in order of rank; without ranks, in the fields' order.
     for (std::size_t rank = 0; rank <= kMaxFields; ++rank) {
       for (std::size_t i = 0; i < fields.size(); ++i) {
@@ -154,26 +170,26 @@ class Layout {
     }
   }
 
+  // The structure's dump between its header lines and the closing line.
   void Show(const StructureView& structure, std::string& out) const;
   void Publish(const StructureView& structure, Attributes& list) const;
   // The banner without its line end.
   void AppendBanner(std::string& out) const;
-  // As long as the banner.
+  // The closing line without its end, as long as the banner.
   void AppendClosing(std::string& out) const;
 
  private:
-  // Appends a field's value; false when its text leaves it out.
-  bool AppendValue(const StructureView& structure, std::size_t index, bool publish,
-                   std::string& out) const;
+  std::size_t ItemCount(const StructureView& structure) const;
 
   std::string_view title_;
   std::string_view type_;
   std::span<const Field> fields_;
-  Items items_;
-  std::size_t closing_;
+  Besides besides_;
   std::array<std::uint8_t, kMaxFields> offsets_{};
   std::array<std::uint8_t, kMaxFields> order_{};
   std::size_t published_ = 0;
+  std::size_t end_ = kHeaderSize;  // of the fields, where the items begin
+  std::size_t item_size_ = 0;
 };
 
 // An object whose class is a layout.

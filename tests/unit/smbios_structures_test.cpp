@@ -259,7 +259,7 @@ TEST(Structures, PublishTheirKeysInOrder) {
         {"IDERedirectionEnabled", "1"},
         {"SOLEnabled", "1"},
         {"NetworkEnabled", "1"},
-        {"ExtendedData", "0 a5 14 2 0 0 0 "}}},
+        {"ExtendedData", "0 a5 14 2 0 0 0"}}},
       {Structure(131, 1)
            .DWord(1)
            .QWord(0x0004000300020001)

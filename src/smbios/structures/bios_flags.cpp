@@ -5,7 +5,7 @@ namespace {
 using mira::smbios::Field;
 using mira::smbios::Kind;
 
-// Vendor structure
+// Vendor structure (DSP0134 6.1.2)
 constexpr Field kFields[] = {
     {"Flags 0", "Flags0", Kind::kWord, {.hex = true}},
     {"Flags 1", "Flags1", Kind::kWord, {.hex = true}},

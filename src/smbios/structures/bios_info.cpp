@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "smbios/structures/structures.h"
 
 namespace {
@@ -6,36 +8,27 @@ using mira::smbios::AppendDecimal;
 using mira::smbios::Field;
 using mira::smbios::Kind;
 using mira::smbios::StructureView;
+using mira::smbios::Value;
 
-constexpr std::size_t kCharacteristics = 10;
-constexpr std::size_t kSystemRelease = 20;
-constexpr std::size_t kControllerRelease = 22;
-
-bool RomSizeText(const StructureView&, std::uint64_t value, std::string& out) {
-  AppendDecimal(out, (value + 1) * 65536);
+bool RomSize(const StructureView&, const Value& value, std::string& out) {
+  AppendDecimal(out, (value.number + 1) * 65536);
   return true;
 }
 
-// From the highest byte to the lowest.
-bool CharacteristicsText(const StructureView& s, std::uint64_t, std::string& out) {
-  for (std::size_t i = 8; i-- > 0;)
-    mira::smbios::AppendHexBytes(out, s.Bytes(kCharacteristics + i, 1));
+// From the highest byte to the lowest, a blank behind each.
+bool HighestByteFirst(const StructureView&, const Value& value, std::string& out) {
+  std::for_each(value.bytes.rbegin(), value.bytes.rend(), [&out](std::uint8_t byte) {
+    mira::smbios::AppendHex(out, byte);
+    out += ' ';
+  });
   return true;
 }
 
-bool Release(const StructureView& s, std::size_t offset, std::string& out) {
-  AppendDecimal(out, s.Byte(offset));
+bool MajorMinor(const StructureView&, const Value& value, std::string& out) {
+  AppendDecimal(out, value.bytes[0]);
   out += '.';
-  AppendDecimal(out, s.Byte(offset + 1));
+  AppendDecimal(out, value.bytes[1]);
   return true;
-}
-
-bool SystemReleaseText(const StructureView& s, std::uint64_t, std::string& out) {
-  return Release(s, kSystemRelease, out);
-}
-
-bool ControllerReleaseText(const StructureView& s, std::uint64_t, std::string& out) {
-  return Release(s, kControllerRelease, out);
 }
 
 // DSP0134 7.1
@@ -44,12 +37,12 @@ constexpr Field kFields[] = {
     {"BIOS Version", "BIOSVersion", Kind::kString},
     {"BIOS St. Addr.", nullptr, Kind::kWord, {.hex = true}},
     {"BIOS Release Date", "BIOSReleaseDate", Kind::kString},
-    {"BIOS ROM Size", nullptr, Kind::kByte, {.unit = " Bytes", .text = RomSizeText}},
-    {"BIOS Characteristcs", nullptr, Kind::kBytes, {.size = 8, .text = CharacteristicsText}},
+    {"BIOS ROM Size", nullptr, Kind::kByte, {.unit = " Bytes", .text = RomSize}},
+    {"BIOS Characteristcs", nullptr, Kind::kBytes, {.size = 8, .text = HighestByteFirst}},
     {"BIOS Characteristics Extension Byte 1", nullptr, Kind::kByte, {.hex = true}},
     {"BIOS Characteristics Extension Byte 2", nullptr, Kind::kByte, {.hex = true}},
-    {"BIOS Release", "BIOSRelease", Kind::kBytes, {.size = 2, .text = SystemReleaseText}},
-    {"BIOS Firmware Version", nullptr, Kind::kBytes, {.size = 2, .text = ControllerReleaseText}},
+    {"BIOS Release", "BIOSRelease", Kind::kBytes, {.size = 2, .text = MajorMinor}},
+    {"BIOS Firmware Version", nullptr, Kind::kBytes, {.size = 2, .text = MajorMinor}},
 };
 
 }  // namespace

@@ -5,7 +5,7 @@ namespace {
 using mira::smbios::Field;
 using mira::smbios::Kind;
 
-// Vendor structure
+// Vendor structure (DSP0134 6.1.2)
 constexpr Field kFields[] = {
     {"Manufacturer", "Manufacturer", Kind::kString},
     {"Version", "Version", Kind::kString},

@@ -5,7 +5,7 @@ namespace {
 using mira::smbios::Field;
 using mira::smbios::Kind;
 
-// Vendor structure
+// Vendor structure (DSP0134 6.1.2)
 constexpr Field kFields[] = {
     {"Fan Control Flags", "FanControlFlags", Kind::kByte, {.hex = true}},
     {"Conversion Factor", "ConversionFactor", Kind::kWord},

@@ -5,18 +5,19 @@ namespace {
 using mira::smbios::Field;
 using mira::smbios::Kind;
 // Four words: major, minor, hotfix, build.
-bool VersionText(const mira::smbios::StructureView&, std::uint64_t value, std::string& out) {
+bool Version(const mira::smbios::StructureView&, const mira::smbios::Value& value,
+             std::string& out) {
   for (int shift = 0; shift < 64; shift += 16) {
     if (shift > 0) out += '.';
-    mira::smbios::AppendDecimal(out, value >> shift & 0xFFFF);
+    mira::smbios::AppendDecimal(out, value.number >> shift & 0xFFFF);
   }
   return true;
 }
 
-// Vendor structure; forms of other lengths exist
+// Vendor structure (DSP0134 6.1.2), found in forms of other lengths, too
 constexpr Field kFields[] = {
     {"CPU Capability", "CPUCapability", Kind::kDWord, {.hex = true}},
-    {"Intel MEBX Version", "IntelMEBXVersion", Kind::kQWord, {.text = VersionText}},
+    {"Intel MEBX Version", "IntelMEBXVersion", Kind::kQWord, {.text = Version}},
     {"PCH Capability", "PCHCapability", Kind::kQWord, {.hex = true}},
     {"Intel Management Engine Capability 1",
      "IntelManagementEngineCapability1",

@@ -5,12 +5,16 @@ namespace {
 using mira::smbios::Field;
 using mira::smbios::Kind;
 
-// DSP0134 7.20
+bool IsExtended(const mira::smbios::StructureView& s) { return s.DWord(4) == 0xFFFFFFFF; }
+
+// DSP0134 7.20. Addresses that their fields cannot hold stand in the extended ones, in bytes.
 constexpr Field kFields[] = {
     {"Starting Address", nullptr, Kind::kDWord},
     {"Ending Address", nullptr, Kind::kDWord},
     {"Memory Array Handle", nullptr, Kind::kWord},
     {"Partition Width", nullptr, Kind::kByte},
+    {"Extended Starting Address", nullptr, Kind::kQWord, {.shown = IsExtended}},
+    {"Extended Ending Address", nullptr, Kind::kQWord, {.shown = IsExtended}},
 };
 
 }  // namespace

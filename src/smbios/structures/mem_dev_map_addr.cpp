@@ -5,7 +5,9 @@ namespace {
 using mira::smbios::Field;
 using mira::smbios::Kind;
 
-// DSP0134 7.21
+bool IsExtended(const mira::smbios::StructureView& s) { return s.DWord(4) == 0xFFFFFFFF; }
+
+// DSP0134 7.21. Addresses that their fields cannot hold stand in the extended ones, in bytes.
 constexpr Field kFields[] = {
     {"Starting Address", nullptr, Kind::kDWord},
     {"Ending Address", nullptr, Kind::kDWord},
@@ -14,6 +16,8 @@ constexpr Field kFields[] = {
     {"Partition Row Position", nullptr, Kind::kByte},
     {"Interleave Position", nullptr, Kind::kByte},
     {"Interleaved Data Depth", nullptr, Kind::kByte},
+    {"Extended Starting Address", nullptr, Kind::kQWord, {.shown = IsExtended}},
+    {"Extended Ending Address", nullptr, Kind::kQWord, {.shown = IsExtended}},
 };
 
 }  // namespace

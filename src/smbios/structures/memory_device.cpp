@@ -6,10 +6,10 @@ using mira::smbios::AppendDecimal;
 using mira::smbios::Field;
 using mira::smbios::Kind;
 using mira::smbios::StructureView;
+using mira::smbios::Value;
 
 constexpr std::size_t kSize = 12;
 constexpr std::size_t kExtendedSize = 28;
-constexpr std::size_t kClockSpeed = 32;
 constexpr std::uint16_t kSizeIsExtended = 0x7FFF;
 constexpr std::uint16_t kKilobytes = 0x8000;
 
@@ -30,34 +30,28 @@ bool Name(const char* const (&names)[N], std::uint64_t value, std::string& out) 
   return true;
 }
 
-bool FormFactorName(const StructureView&, std::uint64_t value, std::string& out) {
-  return Name(kFormFactors, value, out);
+bool FormFactorName(const StructureView&, const Value& value, std::string& out) {
+  return Name(kFormFactors, value.number, out);
 }
 
-bool MemoryTypeName(const StructureView&, std::uint64_t value, std::string& out) {
-  return Name(kMemoryTypes, value, out);
+bool MemoryTypeName(const StructureView&, const Value& value, std::string& out) {
+  return Name(kMemoryTypes, value.number, out);
 }
 
 bool HasExtendedSize(const StructureView& s) { return s.Word(kSize) == kSizeIsExtended; }
 bool HasPlainSize(const StructureView& s) { return !HasExtendedSize(s); }
 
-bool SizeText(const StructureView&, std::uint64_t value, std::string& out) {
-  AppendDecimal(out, value & ~std::uint64_t{kKilobytes});
-  out += (value & kKilobytes) != 0 ? "KB" : "MB";
+bool Size(const StructureView&, const Value& value, std::string& out) {
+  AppendDecimal(out, value.number & ~std::uint64_t{kKilobytes});
+  out += (value.number & kKilobytes) != 0 ? "KB" : "MB";
   return true;
 }
 
 // The published extended size has a blank before its unit, the shown one has none.
-bool PublishedSize(const StructureView& s, std::uint64_t value, std::string& out) {
-  if (!HasExtendedSize(s)) return SizeText(s, value, out);
+bool PublishedSize(const StructureView& s, const Value& value, std::string& out) {
+  if (!HasExtendedSize(s)) return Size(s, value, out);
   AppendDecimal(out, s.DWord(kExtendedSize));
   out += " MB";
-  return true;
-}
-
-// Published without its unit.
-bool ClockSpeedText(const StructureView& s, std::uint64_t, std::string& out) {
-  AppendDecimal(out, s.Word(kClockSpeed));
   return true;
 }
 
@@ -70,7 +64,7 @@ constexpr Field kFields[] = {
     {"Size",
      "Size",
      Kind::kWord,
-     {.text = SizeText, .published = PublishedSize, .shown = HasPlainSize, .rank = 3}},
+     {.text = Size, .published = PublishedSize, .shown = HasPlainSize, .rank = 3}},
     {"Form Factor", "FormFactor", Kind::kByte, {.text = FormFactorName, .rank = 4}},
     {"Device Set", nullptr, Kind::kByte},
     {"Device Locator", "DeviceLocator", Kind::kString, {.rank = 12}},
@@ -84,8 +78,10 @@ constexpr Field kFields[] = {
     {"Part Number", "PartNumber", Kind::kString, {.rank = 11}},
     {"Attributes", nullptr, Kind::kByte, {.hex = true}},
     {"Size", nullptr, Kind::kDWord, {.unit = "MB", .shown = HasExtendedSize}},
-    {"Configured Memory Clock Speed", nullptr, Kind::kWord, {.unit = "MHz"}},
-    {nullptr, "ClockSpeed", Kind::kNone, {.text = ClockSpeedText, .rank = 13}},
+    {"Configured Memory Clock Speed",
+     "ClockSpeed",
+     Kind::kWord,
+     {.unit = "MHz", .bare = true, .rank = 13}},
 };
 
 }  // namespace

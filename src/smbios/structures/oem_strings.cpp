@@ -6,23 +6,28 @@ using mira::smbios::Field;
 using mira::smbios::Kind;
 using mira::smbios::StructureView;
 
-constexpr std::size_t kCount = 4;
-
-// The count decides, whatever the set holds: strings beyond it are empty.
-void Show(const StructureView& s, std::string& out) {
-  for (std::size_t i = 0; i < s.Byte(kCount); ++i) {
-    out.append("String[").append(std::to_string(i)).append("] : ").append(s.String(i + 1)) += '\n';
-  }
-}
-
-void Publish(const StructureView& s, mira::smbios::Attributes& list) {
-  for (std::size_t i = 0; i < s.Byte(kCount); ++i) list.emplace_back("String", s.String(i + 1));
-}
-
-// DSP0134 7.12
+// DSP0134 7.12. The count decides, whatever the set holds: strings beyond it are empty.
 constexpr Field kFields[] = {
     {"Count", nullptr, Kind::kByte},
 };
+
+template <typename Use>
+void ForEachString(const StructureView& s, Use use) {
+  const std::size_t count = s.Byte(4);
+  std::string_view text = s.String(1);
+  for (std::size_t i = 0; i < count; ++i, text = s.NextString(text)) use(i, text);
+}
+
+void Show(const StructureView& s, std::string& out) {
+  ForEachString(s, [&out](std::size_t i, std::string_view text) {
+    out.append("String[").append(std::to_string(i)).append("] : ").append(text) += '\n';
+  });
+}
+
+void Publish(const StructureView& s, mira::smbios::Attributes& list) {
+  ForEachString(s,
+                [&list](std::size_t, std::string_view text) { list.emplace_back("String", text); });
+}
 
 }  // namespace
 

@@ -5,7 +5,9 @@ namespace {
 using mira::smbios::Field;
 using mira::smbios::Kind;
 
-// DSP0134 7.17
+bool IsExtended(const mira::smbios::StructureView& s) { return s.DWord(7) == 0x80000000; }
+
+// DSP0134 7.17. A capacity that its field cannot hold stands in the extended one, in bytes.
 constexpr Field kFields[] = {
     {"Location", "Location", Kind::kByte, {.rank = 1}},
     {"Use", "Use", Kind::kByte, {.rank = 4}},
@@ -13,6 +15,7 @@ constexpr Field kFields[] = {
     {"Maximum Capacity", "MemoryCapacity", Kind::kDWord, {.rank = 2}},
     {"Memory Error Information Handle", nullptr, Kind::kWord},
     {"Number of Memory Devices", "NumMemDevices", Kind::kWord, {.rank = 3}},
+    {"Extended Maximum Capacity", nullptr, Kind::kQWord, {.shown = IsExtended}},
 };
 
 }  // namespace

@@ -7,35 +7,36 @@ using mira::smbios::Field;
 using mira::smbios::Kind;
 using mira::smbios::ProcessorFamilyName;
 using mira::smbios::StructureView;
+using mira::smbios::Value;
 
 constexpr std::size_t kCharacteristics = 38;
 constexpr std::size_t kFamily2 = 40;
 
 // The name goes by the Processor Family 2 field alone, never by the family byte.
-bool FamilyLine(const StructureView& s, std::uint64_t, std::string& out) {
+bool FamilyLine(const StructureView& s, const Value&, std::string& out) {
   const char* const name = ProcessorFamilyName(s.Word(kFamily2));
   out.append(name != nullptr ? "Processor Family : " : "Didn't get Proc Family");
   if (name != nullptr) out.append(name);
   return true;
 }
 
-bool FamilyName(const StructureView& s, std::uint64_t, std::string& out) {
+bool FamilyName(const StructureView& s, const Value&, std::string& out) {
   const char* const name = ProcessorFamilyName(s.Word(kFamily2));
   if (name != nullptr) out.append(name);
   return name != nullptr;
 }
 
-bool Gigahertz(const StructureView&, std::uint64_t value, std::string& out) {
-  mira::smbios::AppendDouble(out, static_cast<double>(value) / 1000);
+bool Gigahertz(const StructureView&, const Value& value, std::string& out) {
+  mira::smbios::AppendDouble(out, static_cast<double>(value.number) / 1000);
   return true;
 }
 
-bool Is64Bit(const StructureView& s, std::uint64_t, std::string& out) {
+bool Is64Bit(const StructureView& s, const Value&, std::string& out) {
   out += (s.Word(kCharacteristics) & 0x04) != 0 ? "Yes(Intel EM64T)" : "No";
   return true;
 }
 
-bool HasThreads(const StructureView& s, std::uint64_t, std::string& out) {
+bool HasThreads(const StructureView& s, const Value&, std::string& out) {
   out += (s.Word(kCharacteristics) & 0x10) != 0 ? "Yes" : "No";
   return true;
 }

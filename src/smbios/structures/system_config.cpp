@@ -1,12 +1,6 @@
 #include "smbios/structures/structures.h"
 
-namespace {
-
-void ShowNote(const mira::smbios::StructureView&, std::string& out) {
-  out += "Pending Implementation... Contact the developer!!\n";
-}
-
-}  // namespace
-
-constinit const mira::smbios::Layout CSystemConfig::kLayout("System Configuration Options", "12",
-                                                            {}, {.show = ShowNote});
+// DSP0134 7.13. The note stands in place of the fields, on purpose.
+constinit const mira::smbios::Layout CSystemConfig::kLayout(
+    "System Configuration Options", "12", {},
+    {.note = "Pending Implementation... Contact the developer!!"});

@@ -4,10 +4,6 @@ namespace {
 
 using mira::smbios::Field;
 using mira::smbios::Kind;
-void ShowNote(const mira::smbios::StructureView&, std::string& out) {
-  out += "Contained Elements is not being displayed - change source code if needed...\n";
-}
-
 // DSP0134 7.4
 constexpr Field kFields[] = {
     {"Manufacturer", "Manufacturer", Kind::kString, {.rank = 1}},
@@ -28,5 +24,6 @@ constexpr Field kFields[] = {
 
 }  // namespace
 
-constinit const mira::smbios::Layout CSystemEnclosure::kLayout("System Enclosure", "3", kFields,
-                                                               {.show = ShowNote});
+constinit const mira::smbios::Layout CSystemEnclosure::kLayout(
+    "System Enclosure", "3", kFields,
+    {.note = "Contained Elements is not being displayed - change source code if needed..."});

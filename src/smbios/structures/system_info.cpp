@@ -5,11 +5,9 @@ namespace {
 using mira::smbios::Field;
 using mira::smbios::Kind;
 // Bytes in stored order, each without a leading zero: a byte 0x0A gives one character.
-bool UuidText(const mira::smbios::StructureView& s, std::uint64_t, std::string& out) {
-  constexpr std::size_t kOffset = 8;
+bool Uuid(const mira::smbios::StructureView&, const mira::smbios::Value& value, std::string& out) {
   constexpr char kDigits[] = "0123456789ABCDEF";
-  for (std::size_t i = 0; i < 16; ++i) {
-    const unsigned byte = s.Length() > kOffset ? s.Byte(kOffset + i) : 0u;
+  for (const std::uint8_t byte : value.bytes) {
     if (byte >= 16) out += kDigits[byte / 16];
     out += kDigits[byte % 16];
   }
@@ -22,7 +20,7 @@ constexpr Field kFields[] = {
     {"Product Name", "ProductName", Kind::kString, {.rank = 2}},
     {"Version", "Version", Kind::kString, {.rank = 3}},
     {"Serial Number", "SerialNumber", Kind::kString, {.rank = 4}},
-    {"UUID", "UUID", Kind::kBytes, {.size = 16, .text = UuidText, .min_length = 9, .rank = 7}},
+    {"UUID", "UUID", Kind::kBytes, {.size = 16, .text = Uuid, .min_length = 9, .rank = 7}},
     {"Wake-up Type", "WakeUpType", Kind::kByte, {.min_length = 9, .rank = 8}},
     {"SKU Number", "SKUNumber", Kind::kString, {.min_length = 26, .rank = 5}},
     {"Family", "Family", Kind::kString, {.min_length = 26, .rank = 6}},

@@ -5,13 +5,13 @@ namespace {
 using mira::smbios::Field;
 using mira::smbios::Kind;
 
-// DSP0134 7.26
+// DSP0134 7.26. The values are BCD: their hexadecimal digits are the decimal ones.
 constexpr Field kFields[] = {
-    {"Next Scheduled Power-on Month", nullptr, Kind::kByte},
-    {"Next Scheduled Power-on Day-of-month", nullptr, Kind::kByte},
-    {"Next Scheduled Power-on Hour", nullptr, Kind::kByte},
-    {"Next Scheduled Power-on Minute", nullptr, Kind::kByte},
-    {"Next Scheduled Power-on Second", nullptr, Kind::kByte},
+    {"Next Scheduled Power-on Month", nullptr, Kind::kByte, {.hex = true}},
+    {"Next Scheduled Power-on Day-of-month", nullptr, Kind::kByte, {.hex = true}},
+    {"Next Scheduled Power-on Hour", nullptr, Kind::kByte, {.hex = true}},
+    {"Next Scheduled Power-on Minute", nullptr, Kind::kByte, {.hex = true}},
+    {"Next Scheduled Power-on Second", nullptr, Kind::kByte, {.hex = true}},
 };
 
 }  // namespace
