@@ -4,6 +4,7 @@
 #include <charconv>
 #include <iostream>
 #include <string_view>
+#include <utility>
 
 #include "bytes/secure.h"
 
@@ -12,6 +13,23 @@ namespace {
 
 constexpr std::string_view kBlanks = " \t";
 
+// False when the input ended with nothing read. A line that outgrows its memory leaves no copy of
+// its parts behind.
+bool ReadLine(bytes::SecureString& line) {
+  line.Clear();
+  for (char c = 0; std::cin.get(c);) {
+    if (c == '\n') return true;
+    if (line.size() == line.str().capacity()) {
+      bytes::SecureString longer;
+      longer.str().reserve(2 * line.size());
+      longer.str().assign(line.str());
+      line = std::move(longer);
+    }
+    line.str().push_back(c);
+  }
+  return !line.empty();
+}
+
 // Asks until a line comes that `accept` takes.
 template <typename Accept>
 bool Ask(const char* prompt, const Accept& accept) {
@@ -19,8 +37,7 @@ bool Ask(const char* prompt, const Accept& accept) {
   line.str().reserve(256);
   for (;;) {
     std::cout << prompt << std::flush;
-    line.Clear();
-    if (!std::getline(std::cin, line.str())) return false;
+    if (!ReadLine(line)) return false;
     std::string_view answer = line;
     if (answer.ends_with('\r')) answer.remove_suffix(1);
     if (accept(answer)) return true;

@@ -4,6 +4,7 @@
 
 #include "buffers/code_text.h"
 #include "buffers/console_io.h"
+#include "buffers/secret_prompt.h"
 #include "buffers/string_arguments.h"
 #include "bytes/reader.h"
 #include "bytes/secure.h"
@@ -57,10 +58,11 @@ constexpr CodeText kTexts[] = {
 bool PromptVerify(CHDDPwd& data) {
   bool needs_admin = false;
   return mira::console_io::AskHex("Enter the HDD Handle : 0x", data.HDDHandle) &&
-         mira::console_io::AskWord("Enter the HDD Password : ", data.Password) &&
+         mira::buffers::AskSecretWord("Enter the HDD Password : ", data.Password) &&
          mira::console_io::AskYes(
              "Is Admin Password required as per cbClass 10, cbSelect 12 (y/n) ? ", needs_admin) &&
-         (!needs_admin || mira::console_io::AskWord("Enter Admin Password : ", data.AdminPassword));
+         (!needs_admin ||
+          mira::buffers::AskSecretWord("Enter Admin Password : ", data.AdminPassword));
 }
 
 bool PromptChange(CHDDPwd& data) {
@@ -71,13 +73,13 @@ bool PromptChange(CHDDPwd& data) {
   return mira::console_io::AskHex("Enter the HDD Handle : 0x", data.HDDHandle) &&
          mira::console_io::AskYes("Is a password already set (y/n)? ", is_set) &&
          (!is_set ||
-          mira::console_io::AskWord("Enter the Current HDD Password : ", data.Password)) &&
+          mira::buffers::AskSecretWord("Enter the Current HDD Password : ", data.Password)) &&
          mira::console_io::AskYes("Do you want to set new password (y/n)? ", sets_new) &&
          (!sets_new ||
-          mira::console_io::AskWord("Enter the new HDD Password : ", data.NewPassword)) &&
+          mira::buffers::AskSecretWord("Enter the new HDD Password : ", data.NewPassword)) &&
          mira::console_io::AskYes(
              "Is Admin Password required as per cbClass 10, cbSelect 12 (y/n) ? ", needs_admin) &&
-         (needs_admin ? mira::console_io::AskWord("Enter Admin Password : ", data.AdminPassword)
+         (needs_admin ? mira::buffers::AskSecretWord("Enter Admin Password : ", data.AdminPassword)
                       : mira::console_io::AskNumber("Enter the ATA Security Mode ( 0 / 1) : ",
                                                     data.ATASecurityMode, 0, kHighestMode));
 }

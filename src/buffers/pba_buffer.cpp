@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iostream>
 #include <limits>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -10,6 +11,7 @@
 #include "buffers/code_text.h"
 #include "buffers/console_io.h"
 #include "buffers/password_data.h"
+#include "buffers/secret_prompt.h"
 #include "buffers/string_arguments.h"
 #include "bytes/reader.h"
 #include "bytes/secure.h"
@@ -45,18 +47,19 @@ struct ItemPrompts {
   const char* text;
   const char* binary;
   std::size_t binary_size;
+  bool is_secret;
 };
 constexpr ItemPrompts kUserId = {
     "Enter the type of User ID (0 - Binary ; 1 - ASCIIZ) : ",
-    "Enter the User ID or User Name (in ASCIIZ format) : ", kAskBinaryUserId, kBinaryUserId};
+    "Enter the User ID or User Name (in ASCIIZ format) : ", kAskBinaryUserId, kBinaryUserId, false};
 constexpr ItemPrompts kPassphrase = {"Enter the type of Passphrase (0 - Binary ; 1 - ASCIIZ) : ",
-                                     "Enter the Passpharse : ", kAskBinaryKey, kBinaryKey};
+                                     "Enter the Passpharse : ", kAskBinaryKey, kBinaryKey, true};
 constexpr ItemPrompts kExistingUserId = {
     "Enter the type of input (0 - Binary ; 1 - ASCIIZ) : ",
-    "Enter the information (in ASCIIZ format) : ", kAskBinaryUserId, kBinaryUserId};
+    "Enter the information (in ASCIIZ format) : ", kAskBinaryUserId, kBinaryUserId, false};
 constexpr ItemPrompts kExistingKey = {"Enter the type of input (0 - Binary ; 1 - ASCIIZ) : ",
                                       "Enter the information (in ASCIIZ format) : ", kAskBinaryKey,
-                                      kBinaryKey};
+                                      kBinaryKey, true};
 
 constexpr CodeText kTexts[] = {
     {1, 7, "Incorrect PBA Config Key!"},
@@ -109,6 +112,8 @@ class Items {
     std::uint32_t format = 0;
     if (!mira::console_io::AskNumber(prompts.type, format, kBinary, kText)) return false;
     bytes_.push_back(static_cast<std::uint8_t>(format));
+    std::optional<mira::buffers::HiddenAnswers> hidden;
+    if (prompts.is_secret) hidden.emplace();
     if (format == kText) {
       SecureString text;
       if (!mira::console_io::AskWord(prompts.text, text.str())) return false;
@@ -212,7 +217,7 @@ SMBiosCI* CPBABuffer::PromptInputBuffer(std::uint32_t securityKey, std::uint32_t
 
 SMBiosCI* CPBABuffer::PromptPassword(std::uint32_t securityKey, std::uint32_t& size) {
   CVerifyPwdData data;
-  if (!mira::console_io::AskWord("Enter the Password : ", data.Password) ||
+  if (!mira::buffers::AskSecretWord("Enter the Password : ", data.Password) ||
       !mira::console_io::AskNumber("What is the maximum password length (see cbSelect = 3 ) ? ",
                                    data.MaxPwdLen)) {
     return nullptr;
@@ -224,8 +229,8 @@ SMBiosCI* CPBABuffer::PromptPasswordChange(std::uint32_t securityKey, std::uint3
   CChangePwdData data;
   if (!mira::console_io::AskNumber("What is the maximum password length (see cbSelect = 3 ) ? ",
                                    data.MaxPwdLen) ||
-      !mira::console_io::AskText("Enter the Old Password : ", data.Password, kLongestField) ||
-      !mira::console_io::AskText("Enter the new Password : ", data.NewPassword, kLongestField)) {
+      !mira::buffers::AskSecretText("Enter the Old Password : ", data.Password, kLongestField) ||
+      !mira::buffers::AskSecretText("Enter the new Password : ", data.NewPassword, kLongestField)) {
     return nullptr;
   }
   return FillInputBuffer(securityKey, size, data);
@@ -241,7 +246,7 @@ SMBiosCI* CPBABuffer::PromptConfiguration() {
   }
   if (function == kGetKey) {
     SecureString password;
-    if (!mira::console_io::AskWord("Enter the Password : ", password.str())) return nullptr;
+    if (!mira::buffers::AskSecretWord("Enter the Password : ", password.str())) return nullptr;
     const mira::buffers::StringArguments strings({{2, password}});
     SMBiosCI* const record = NewRecord(strings.RecordLength());
     if (record == nullptr) return nullptr;

@@ -73,7 +73,7 @@ namespace mira::callif {
 
 // Replaces each character by the make code (set 1) of the key that types it on a US keyboard,
 // whatever shift and control do. False, with an empty result, for characters that no key types.
-bool ToScanCodes(const std::string& text, bytes::SecureString& codes);
+MIRA_API bool ToScanCodes(const std::string& text, bytes::SecureString& codes);
 
 }  // namespace mira::callif
 

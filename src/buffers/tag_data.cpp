@@ -1,0 +1,3 @@
+#include "buffers/tag_data.h"
+
+CTagData::~CTagData() = default;
