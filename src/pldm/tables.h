@@ -1,0 +1,169 @@
+#ifndef MIRA_PLDM_TABLES_H_
+#define MIRA_PLDM_TABLES_H_
+
+// What the firmware's BIOS tables (DSP0247) hold: attributes, their values, and the strings that
+// name them, each found by handle or name.
+//
+//   Tables tables;
+//   ParseStringTable(strings, tables);
+//   ParseAttributeTable(attributes, tables);
+//   const IntPLDMAttribute* found = tables.FindAttribute(tables.HandleOf("WakeOnLan"));
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "pldm/attribute.h"
+
+namespace mira::pldm {
+
+// An entry of the attribute table. A read-only type keeps its mark.
+struct IntPLDMAttribute {
+  IntPLDMAttribute() = default;
+  IntPLDMAttribute(const IntPLDMAttribute&) = delete;
+  IntPLDMAttribute& operator=(const IntPLDMAttribute&) = delete;
+  virtual ~IntPLDMAttribute() = default;
+  std::uint16_t handle = 0;
+  PLDM::ATTRIBUTE_TYPE type = PLDM::BIOSUnknownType;
+  std::uint16_t name_handle = 0;
+};
+
+struct IntBIOSEnumeration : IntPLDMAttribute {
+  std::vector<std::uint16_t> possible_handles;   // strings
+  std::vector<std::uint8_t> default_indices;     // into possible_handles
+};
+
+struct IntBIOSString : IntPLDMAttribute {
+  std::uint8_t string_type = 0;
+  std::uint16_t min_length = 0;
+  std::uint16_t max_length = 0;
+  std::string default_text;
+};
+
+struct IntBIOSPassword : IntPLDMAttribute {
+  ~IntBIOSPassword() override;
+  std::uint8_t string_type = 0;
+  std::uint16_t min_length = 0;
+  std::uint16_t max_length = 0;
+  std::string default_text;
+};
+
+struct IntBIOSInteger : IntPLDMAttribute {
+  std::uint64_t lower_bound = 0;
+  std::uint64_t upper_bound = 0;
+  std::uint32_t scalar_increment = 0;
+  std::uint64_t default_value = 0;
+};
+
+struct IntBIOSBootConfigSetting : IntPLDMAttribute {
+  std::uint8_t boot_config_type = 0;
+  std::uint8_t supported_modes = 0;  // ordered and fail-through
+  std::uint8_t min_sources = 0;
+  std::uint8_t max_sources = 0;
+  std::vector<std::uint16_t> possible_handles;  // strings
+};
+
+struct IntBIOSCollection : IntPLDMAttribute {
+  std::uint16_t collection_name_handle = 0;
+  std::uint8_t max_attributes = 0;
+  std::uint8_t collection_type = 0;
+};
+
+struct IntBIOSConfigSet : IntPLDMAttribute {
+  std::vector<std::uint16_t> member_handles;  // strings
+};
+
+// An entry of the attribute value table.
+struct IntPLDMAttributeValue {
+  IntPLDMAttributeValue() = default;
+  IntPLDMAttributeValue(const IntPLDMAttributeValue&) = delete;
+  IntPLDMAttributeValue& operator=(const IntPLDMAttributeValue&) = delete;
+  virtual ~IntPLDMAttributeValue() = default;
+  std::uint16_t handle = 0;
+  PLDM::ATTRIBUTE_TYPE type = PLDM::BIOSUnknownType;
+};
+
+struct IntBIOSEnumerationValue : IntPLDMAttributeValue {
+  std::vector<std::uint8_t> indices;
+};
+
+struct IntBIOSStringValue : IntPLDMAttributeValue {
+  std::string text;
+};
+
+struct IntBIOSPasswordValue : IntPLDMAttributeValue {
+  ~IntBIOSPasswordValue() override;
+  std::string text;
+};
+
+struct IntBIOSIntegerValue : IntPLDMAttributeValue {
+  std::uint64_t value = 0;
+};
+
+struct IntBIOSBootConfigSettingValue : IntPLDMAttributeValue {
+  std::uint8_t boot_config_type = 0;
+  std::uint8_t fail_through_mode = 0;
+  std::vector<std::uint8_t> ordered_indices;
+};
+
+struct IntBIOSCollectionValue : IntPLDMAttributeValue {
+  std::vector<std::uint16_t> members;  // attribute handles
+};
+
+struct IntBIOSConfigSetValue : IntPLDMAttributeValue {
+  std::uint8_t index = 0;
+};
+
+// A string of the string table, split at its first "[".
+struct BiosString {
+  std::string text;
+  std::string suffix;  // from the "[" on
+};
+
+class Tables {
+ public:
+  // Each of these replaces what the handle, or the name, stood for.
+  void AddString(std::uint16_t handle, std::string_view whole);
+  // Also finds the attribute by name from now on, if its name is in the string table.
+  void AddAttribute(std::unique_ptr<IntPLDMAttribute> attribute);
+  void AddValue(std::unique_ptr<IntPLDMAttributeValue> value);
+
+  // Null where there is none.
+  const BiosString* FindString(std::uint16_t handle) const;
+  const IntPLDMAttribute* FindAttribute(std::uint16_t handle) const;
+  const IntPLDMAttributeValue* FindValue(std::uint16_t handle) const;
+  // 0 for an unknown name.
+  std::uint16_t HandleOf(std::string_view name) const;
+  // The text of a string; empty where there is none.
+  std::string_view Text(std::uint16_t handle) const;
+
+  using AttributeIndex = std::map<std::uint16_t, std::unique_ptr<IntPLDMAttribute>>;
+  const AttributeIndex& Attributes() const { return attributes_; }
+
+  // String handle to text.
+  using WideIndex = std::unordered_map<std::uint16_t, std::wstring>;
+  WideIndex display_strings;
+  WideIndex help_strings;
+
+ private:
+  struct TextHash {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view text) const {
+      return std::hash<std::string_view>{}(text);
+    }
+  };
+  std::unordered_map<std::uint16_t, BiosString> strings_;
+  std::unordered_map<std::string, std::uint16_t, TextHash, std::equal_to<>> handles_;
+  AttributeIndex attributes_;
+  std::map<std::uint16_t, std::unique_ptr<IntPLDMAttributeValue>> values_;
+};
+
+}  // namespace mira::pldm
+
+#endif  // MIRA_PLDM_TABLES_H_
