@@ -30,7 +30,7 @@ class Machine {
   const std::vector<JournalEntry>& Journal() const { return state_->firmware.Journal(); }
   // What the machine handed out and has not got back.
   const Live& GetLive() const { return state_->live; }
-  // Called with the bytes of every string, array and property just before they are released.
+  // Called with the bytes of every string and array just before the library releases them.
   void OnRelease(std::function<void(bytes::ByteSpan)> observer) {
     state_->on_release = std::move(observer);
   }

@@ -33,7 +33,22 @@ const std::vector<Profile>& Profiles() {
     locked.class9.text = "setup1";
     locked.class10.text = "system1";
     locked.drives[0].password = "drive1";
-    return std::vector<Profile>{laptop, no_wmi, probed, refused, user, locked};
+    Profile scan_codes = laptop;
+    scan_codes.name = "scan-codes";
+    scan_codes.description =
+        "the laptop with firmware that takes keyboard scan codes: setup (class 9) \"setup1\"";
+    scan_codes.passwords_are_scan_codes = true;
+    scan_codes.class9.text = "\x1F\x12\x14\x16\x19\x02";
+    Profile pre_boot = laptop;
+    pre_boot.name = "pre-boot";
+    pre_boot.description =
+        "the laptop with a system (class 10) password \"system1\" and the pre-boot user \"anna\" "
+        "(\"sesame\"), who has authenticated";
+    pre_boot.class10.text = "system1";
+    pre_boot.pre_boot.users = {{.id = "anna", .passphrase = "sesame"}};
+    pre_boot.pre_boot.authenticates = "anna";
+    return std::vector<Profile>{laptop, no_wmi, probed,     refused,
+                                user,   locked, scan_codes, pre_boot};
   }();
   return profiles;
 }

@@ -34,6 +34,27 @@ struct Drive {
   std::string description;
   std::string password = "";  // empty: none is set
   bool present = true;
+  bool answers = true;               // its interface can be reached
+  bool can_clear = true;             // a password that is set can be removed again
+  bool has_maximum_security = true;  // takes security mode 1
+};
+
+// A user who may authenticate before the boot.
+struct PreBootUser {
+  std::string id;          // 1 to 8 bytes
+  std::string passphrase;  // 1 to 16 bytes
+  std::uint32_t permitted = 1;
+  std::uint32_t required = 1;
+};
+
+struct PreBoot {
+  std::uint32_t methods = 0x7;  // ways to authenticate, a bit each
+  std::size_t capacity = 4;     // users
+  std::vector<PreBootUser> users;
+  // Who authenticates whenever the machine starts, if that user is known, and how.
+  std::string authenticates;
+  std::uint32_t method = 1;
+  std::string credential = "logon credential";  // what the operating system may fetch once
 };
 
 struct Profile {
@@ -75,6 +96,7 @@ struct Profile {
   int wrong_passwords_until_locked = 3;  // then nothing is verified until the machine restarts
   std::uint32_t key_seed = 0x1D872B41;   // security keys follow from it
   std::vector<Drive> drives = {{0x01, "M.2 PCIe SSD-0"}, {0x82, "SATA-1"}};
+  PreBoot pre_boot;
 
   // The machine's identity
   std::string manufacturer = "Northfield Systems";

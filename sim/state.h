@@ -32,7 +32,7 @@ struct State {
   Firmware firmware;
   Live live;
   DWORD last_error = 0;
-  // Sees the bytes of every string, array and property just before they are released.
+  // Sees the bytes of every string and array just before the library releases them.
   std::function<void(bytes::ByteSpan)> on_release;
 
   void Release(bytes::ByteSpan bytes) const {

@@ -142,13 +142,12 @@ class WmiObject : public ClassObjectBase {
   }
 
   // A property may hold a whole call record. The machine keeps no secret longer than its property.
-  void Wipe(Value& value) const {
+  static void Wipe(Value& value) {
     if (Bytes* const bytes = std::get_if<Bytes>(&value)) {
-      state().Release(*bytes);
       mira::bytes::Wipe(bytes->data(), bytes->size());
     }
   }
-  void Set(Value& target, Value value) const {
+  static void Set(Value& target, Value value) {
     Wipe(target);
     target = std::move(value);
   }

@@ -22,7 +22,7 @@ Firmware::Firmware(const Profile& profile) : supported_classes_(profile.supporte
   SetHandler(0, std::make_unique<TokenReadHandler>(tokens));
   SetHandler(1, std::make_unique<TokenWriteHandler>(tokens, security));
   SetHandler(9, std::make_unique<PasswordHandler>(security));
-  SetHandler(10, std::make_unique<SystemPasswordHandler>(security, profile.drives));
+  SetHandler(10, std::make_unique<SystemPasswordHandler>(security, profile));
   SetHandler(12, std::make_unique<PasswordHandler>(security));
 }
 

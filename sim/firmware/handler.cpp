@@ -32,21 +32,21 @@ std::optional<std::string> Call::Text(unsigned index) const {
   return std::string(text);
 }
 
-std::optional<std::span<std::uint8_t>> Call::DataArea() const {
-  if (!IsOffset(1)) return std::nullopt;
-  bytes::Reader in(record_, Arg(1));
+std::optional<std::span<std::uint8_t>> Call::DataArea(unsigned index) const {
+  if (!IsOffset(index)) return std::nullopt;
+  bytes::Reader in(record_, Arg(index));
   const std::uint32_t length = in.U32();
   if (!in.Ok() || length > in.Left()) return std::nullopt;
   return record_.subspan(in.Offset(), length);
 }
 
-bool Call::AnswerData(bytes::ByteSpan data) {
-  const auto area = DataArea();
+bool Call::AnswerData(bytes::ByteSpan data, unsigned index) {
+  const auto area = DataArea(index);
   if (!area) {
     Complete(kBadFormat);
     return false;
   }
-  bytes::Writer out(record_, Arg(1));
+  bytes::Writer out(record_, Arg(index));
   out.U32(static_cast<std::uint32_t>(data.size()));
   if (data.size() > area->size()) {
     Complete(kTooSmall);

@@ -52,14 +52,14 @@ class Call {
   // The NUL-terminated text at the offset in argument word `index`; nothing when the word is no
   // offset, or the text leaves the record.
   std::optional<std::string> Text(unsigned index) const;
-  // The data area at the offset in argument word 1: a 32-bit length, then that many bytes. Gives
-  // the bytes behind the length word; nothing when argument 1 is no offset, or the area leaves the
-  // record.
-  std::optional<std::span<std::uint8_t>> DataArea() const;
+  // The data area at the offset in argument word `index`: a 32-bit length, then that many bytes.
+  // Gives the bytes behind the length word; nothing when the argument is no offset, or the area
+  // leaves the record.
+  std::optional<std::span<std::uint8_t>> DataArea(unsigned index = 1) const;
   // Answers with a data area: the length word and the bytes. When the area offered is too small,
   // only the length that is needed is written and the call completes with kTooSmall. False then,
   // and when there is no area.
-  bool AnswerData(bytes::ByteSpan data);
+  bool AnswerData(bytes::ByteSpan data, unsigned index = 1);
 
   void Complete(std::int32_t completion);
   // Result word 2 to 4.

@@ -10,12 +10,16 @@ namespace {
 constexpr std::int32_t kWrongPassword = 2;
 constexpr std::int32_t kCriteriaNotMet = 3;
 constexpr std::int32_t kNoSuchDrive = 1;
+constexpr std::int32_t kDriveUnavailable = 2;
 constexpr std::int32_t kWrongDrivePassword = 3;
 constexpr std::int32_t kWrongAdminPassword = 4;
 constexpr std::int32_t kMalformedDrivePassword = 5;
+constexpr std::int32_t kDrivePasswordStays = 6;
 constexpr std::int32_t kDriveNotPresent = 7;
+constexpr std::int32_t kNoMaximumSecurity = 8;
 
-constexpr std::size_t kLongestDrivePassword = 32;
+constexpr std::uint8_t kLongestDrivePassword = 32;
+constexpr std::uint8_t kShortestDrivePassword = 1;
 constexpr std::uint16_t kAdminClass = 9;
 
 // The text in a field that begins at an offset of the record and is ended by a NUL or the field's
@@ -73,13 +77,24 @@ void PasswordHandler::Change(Call& call, StoredPassword& password) {
   password.Set(*new_text);
 }
 
+SystemPasswordHandler::SystemPasswordHandler(std::shared_ptr<Security> security,
+                                             const Profile& profile)
+    : PasswordHandler(security), users_(std::move(security), profile.pre_boot) {
+  for (const Drive& drive : profile.drives) {
+    drives_.push_back({drive, StoredPassword({.text = drive.password,
+                                              .max_length = kLongestDrivePassword,
+                                              .min_length = kShortestDrivePassword},
+                                             profile.wrong_passwords_until_locked)});
+  }
+}
+
 void SystemPasswordHandler::Handle(Call& call) {
   switch (call.Select()) {
     case 11:
     case 28:
       return ListDrives(call);
     case 12:
-      return call.SetResult(2, security().ForClass(kAdminClass).IsInstalled() ? 1 : 0);
+      return TellWhetherAdminIsNeeded(call);
     case 13:
     case 30:
       return VerifyDrive(call);
@@ -87,56 +102,81 @@ void SystemPasswordHandler::Handle(Call& call) {
     case 31:
       return ChangeDrive(call);
     default:
-      return PasswordHandler::Handle(call);
+      if (!users_.Handle(call)) PasswordHandler::Handle(call);
   }
+}
+
+void SystemPasswordHandler::Reboot() {
+  security().Reboot();
+  users_.Reboot();
+  for (StoredDrive& drive : drives_) drive.password.Reboot();
 }
 
 void SystemPasswordHandler::ListDrives(Call& call) const {
   std::vector<std::uint8_t> list;
-  for (const Drive& drive : drives_) {
-    list.push_back(drive.handle);
-    list.insert(list.end(), drive.description.begin(), drive.description.end());
+  for (const StoredDrive& stored : drives_) {
+    list.push_back(stored.drive.handle);
+    list.insert(list.end(), stored.drive.description.begin(), stored.drive.description.end());
     list.push_back(0);
   }
   if (call.AnswerData(list)) call.SetResult(2, static_cast<std::uint32_t>(drives_.size()));
 }
 
-Drive* SystemPasswordHandler::FindDrive(Call& call, unsigned admin) {
-  const auto drive = std::find_if(drives_.begin(), drives_.end(),
-                                  [&](const Drive& d) { return d.handle == call.Arg(1); });
-  if (drive == drives_.end()) {
-    call.Complete(kNoSuchDrive);
-    return nullptr;
-  }
-  if (!drive->present) {
-    call.Complete(kDriveNotPresent);
-    return nullptr;
-  }
+SystemPasswordHandler::StoredDrive* SystemPasswordHandler::FindDrive(Call& call) {
+  const auto found = std::find_if(drives_.begin(), drives_.end(), [&](const StoredDrive& stored) {
+    return stored.drive.handle == call.Arg(1);
+  });
+  const std::int32_t problem = found == drives_.end()  ? kNoSuchDrive
+                               : !found->drive.present ? kDriveNotPresent
+                               : !found->drive.answers ? kDriveUnavailable
+                                                       : kSuccess;
+  if (problem == kSuccess) return &*found;
+  call.Complete(problem);
+  return nullptr;
+}
+
+void SystemPasswordHandler::TellWhetherAdminIsNeeded(Call& call) {
+  if (FindDrive(call) == nullptr) return;
+  call.SetResult(2, security().ForClass(kAdminClass).IsInstalled() ? 1 : 0);
+}
+
+bool SystemPasswordHandler::IsAllowed(Call& call, unsigned admin, StoredDrive& drive,
+                                      const std::string& current) {
   StoredPassword& setup = security().ForClass(kAdminClass);
   if (setup.IsInstalled() &&
       setup.Verify(call.Text(admin).value_or("")) != StoredPassword::Check::kRight) {
     call.Complete(kWrongAdminPassword);
-    return nullptr;
+    return false;
   }
-  return &*drive;
+  const StoredPassword::Check check = drive.password.Verify(current);
+  if (check == StoredPassword::Check::kRight) return true;
+  // A drive that was given too many wrong passwords closes itself until the next start.
+  call.Complete(check == StoredPassword::Check::kLocked ? kDriveUnavailable : kWrongDrivePassword);
+  return false;
 }
 
 void SystemPasswordHandler::VerifyDrive(Call& call) {
   const auto text = call.Text(2);
   if (!text) return call.Complete(kBadFormat);
-  const Drive* const drive = FindDrive(call, 3);
-  if (drive != nullptr && *text != drive->password) call.Complete(kWrongDrivePassword);
+  StoredDrive* const drive = FindDrive(call);
+  if (drive != nullptr) IsAllowed(call, 3, *drive, *text);
 }
 
 void SystemPasswordHandler::ChangeDrive(Call& call) {
+  constexpr std::uint32_t kMaximumSecurity = 1;
   const auto current = call.Text(2);
   const auto changed = call.Text(3);
   if (!current || !changed) return call.Complete(kBadFormat);
-  Drive* const drive = FindDrive(call, 4);
-  if (drive == nullptr) return;
-  if (*current != drive->password) return call.Complete(kWrongDrivePassword);
-  if (changed->size() > kLongestDrivePassword) return call.Complete(kMalformedDrivePassword);
-  drive->password = *changed;
+  StoredDrive* const drive = FindDrive(call);
+  if (drive == nullptr || !IsAllowed(call, 4, *drive, *current)) return;
+  if (!drive->password.Allows(*changed)) return call.Complete(kMalformedDrivePassword);
+  if (changed->empty() && (!drive->password.IsInstalled() || !drive->drive.can_clear)) {
+    return call.Complete(kDrivePasswordStays);
+  }
+  if (!call.IsOffset(4) && call.Arg(4) == kMaximumSecurity && !drive->drive.has_maximum_security) {
+    return call.Complete(kNoMaximumSecurity);
+  }
+  drive->password.Set(*changed);
 }
 
 }  // namespace mira::sim

@@ -7,7 +7,9 @@
 #include <vector>
 
 #include "sim/firmware/handler.h"
+#include "sim/firmware/passwords_pre_boot.h"
 #include "sim/firmware/security.h"
+#include "sim/profile.h"
 
 namespace mira::sim {
 
@@ -28,23 +30,30 @@ class PasswordHandler : public CommandHandler {
 };
 
 // Class 10 also serves the drives: list (selects 11, 28), whether the setup password is needed
-// (12), verification (13, 30), change (14, 31).
+// (12), verification (13, 30), change (14, 31); and the pre-boot users.
 class SystemPasswordHandler : public PasswordHandler {
  public:
-  SystemPasswordHandler(std::shared_ptr<Security> security, std::vector<Drive> drives)
-      : PasswordHandler(std::move(security)), drives_(std::move(drives)) {}
+  SystemPasswordHandler(std::shared_ptr<Security> security, const Profile& profile);
   void Handle(Call& call) override;
-  void Reboot() override { security().Reboot(); }
+  void Reboot() override;
 
  private:
+  struct StoredDrive {
+    Drive drive;
+    StoredPassword password;
+  };
   void ListDrives(Call& call) const;
+  void TellWhetherAdminIsNeeded(Call& call);
   void VerifyDrive(Call& call);
   void ChangeDrive(Call& call);
-  // The drive of argument 1, when it is there and the setup password in argument `admin`, if any,
-  // is right. Completes the call otherwise.
-  Drive* FindDrive(Call& call, unsigned admin);
+  // The drive of argument 1, when it can be worked with. Completes the call otherwise.
+  StoredDrive* FindDrive(Call& call);
+  // Whether the setup password in argument `admin` is right, or none is installed, and `current` is
+  // the drive's password. Completes the call otherwise.
+  bool IsAllowed(Call& call, unsigned admin, StoredDrive& drive, const std::string& current);
 
-  std::vector<Drive> drives_;
+  std::vector<StoredDrive> drives_;
+  PreBootUsers users_;
 };
 
 }  // namespace mira::sim

@@ -35,14 +35,15 @@ StoredPassword& Security::ForClass(std::uint16_t cls) {
   return cls == 9 ? class9_ : cls == 10 ? class10_ : class12_;
 }
 
-std::uint32_t Security::IssueKey() {
+std::uint32_t Security::NextKey() {
   constexpr std::uint32_t kNone = 0xFFFFFFFF;
   do {
     next_key_ = next_key_ * 1664525 + 1013904223;
   } while (next_key_ == 0 || next_key_ == kNone);
-  keys_.push_back(next_key_);
   return next_key_;
 }
+
+std::uint32_t Security::IssueKey() { return keys_.emplace_back(NextKey()); }
 
 bool Security::Accepts(std::uint32_t key) const {
   if (!class9_.IsInstalled() && !class10_.IsInstalled()) return true;

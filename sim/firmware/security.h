@@ -42,6 +42,8 @@ class Security {
   StoredPassword& ForClass(std::uint16_t cls);
   bool UsesScanCodes() const { return scan_codes_; }
   std::uint32_t IssueKey();
+  // A number that was no key before and opens nothing by itself: for keys of other kinds.
+  std::uint32_t NextKey();
   // Whether a protected command may run: no setup or system password is installed, or the key was
   // issued.
   bool Accepts(std::uint32_t key) const;
