@@ -11,7 +11,12 @@ namespace mira::console {
 // What the program ends with after a call.
 ExitStatus CallExit(Status status, std::int32_t completion);
 
-// Shows a call's result words. Throws CommandError when the call brought none.
+// The error of a call that did not succeed.
+CommandError CallError(Context& context, std::uint16_t cls, std::uint16_t select, Status status,
+                       std::int32_t completion);
+
+// Shows a call's result words, and ends with the error when it failed. Throws CommandError when the
+// call brought no result words.
 ExitStatus ReportCall(Context& context, std::uint16_t cls, std::uint16_t select, Status status,
                       const CSimpleTokenData& data);
 

@@ -13,7 +13,6 @@
 #include <istream>
 #include <map>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <ostream>
 #include <sstream>
 #include <stdexcept>
@@ -21,12 +20,11 @@
 #include <vector>
 
 #include "console/exit_status.h"
+#include "console/output.h"
 #include "facade/mira_intf.h"
 #include "sim/machine.h"
 
 namespace mira::console {
-
-using Json = nlohmann::ordered_json;
 
 // What ended a command early. The program prints it as a sentence, or as the error document, and
 // ends with `status`.
@@ -66,16 +64,25 @@ class Context {
 
   const Options& GetOptions() const { return options_; }
   bool IsJson() const { return options_.json; }
+  // Whether there is somebody to ask: a terminal, and no JSON wanted.
+  bool IsInteractive() const;
   std::ostream& Out() { return out_; }
   std::istream& In() { return in_; }
+  // The simulated machine; null on a real one.
+  sim::Machine* Machine() { return machine_.get(); }
 
   // Runs Init once and gives the facade, whatever Init said.
   Opened& Open(bool load_attributes = false);
   // The same, but a failed Init is an error.
   CMiraIntf& Ready(bool load_attributes = false);
+  // The lines that the facade has written since this was last asked, or since Init.
+  std::vector<std::string> TakeDiagnostics();
 
   // Prints a document, with the schema version and the machine's kind in front.
   void Print(const Json& document);
+  // Ends a command that failed with something to show: in JSON mode prints the document with the
+  // error in it and gives the exit status; else throws the error, the rest being shown already.
+  ExitStatus Fail(const CommandError& error, const Json& document);
 
  private:
   Options options_;
@@ -108,27 +115,27 @@ struct Noun {
 // All commands, in the order of the help text.
 const std::vector<Noun>& Nouns();
 
-// What an Init status means and what to do about it.
+// What a status of the library means and what to do about it.
 struct StatusText {
+  Status status;
+  ExitStatus exit_status;
   const char* name;
   const char* meaning;
   const char* hint;
-  ExitStatus exit_status;
 };
-StatusText Explain(Status status);
+const StatusText& Explain(Status status);
 CommandError InitError(const Opened& opened);
 
-// A number in decimal, or in hexadecimal with 0x, of at most `largest`. `what` names it in the
-// error.
-std::uint32_t ParseNumber(const std::string& text, const std::string& what,
-                          std::uint32_t largest = 0xFFFFFFFF);
-// "0x1f", with at least `digits` digits.
-std::string Hex(std::uint64_t value, int digits = 1);
-// Bytes as UTF-8: what is none is taken for Latin-1, so that nothing is lost.
-std::string ToUtf8(std::string_view text);
-std::string ToUtf8(std::wstring_view text);
 // The text of a completion code, without the leading blank of the buffers' own texts.
 std::string CompletionText(std::int32_t code);
+
+// A number in decimal, or in hexadecimal with 0x, from `smallest` to `largest`. `what` names it in
+// the error.
+std::uint32_t ParseNumber(const std::string& text, const std::string& what,
+                          std::uint32_t largest = 0xFFFFFFFF, std::uint32_t smallest = 0);
+
+// {"code", "name", "message", "target", "hint"}
+Json ErrorJson(const CommandError& error);
 
 // The program: arguments without the program's name. Gives the exit status.
 int RunConsole(const std::vector<std::string>& arguments, std::istream& in, std::ostream& out,

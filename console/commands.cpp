@@ -10,6 +10,10 @@ const std::vector<Noun>& Nouns() {
       {"smbios", "Show, save or decode the SMBIOS table", AddSmbios},
       {"tokens", "List the calling interface's tokens", AddTokens},
       {"call", "Make one calling-interface call", AddCall},
+      {"password", "Show, verify or change the BIOS passwords", AddPassword},
+      {"hdd", "List drives; verify, set or clear their passwords", AddHdd},
+      {"console", "Make calls interactively, with the commands' own prompts and displays",
+       AddConsole},
   };
   return nouns;
 }

@@ -7,7 +7,10 @@ namespace mira::console {
 
 // One source in console/commands/ each.
 void AddCall(CLI::App& app, Command& command);
+void AddConsole(CLI::App& app, Command& command);
+void AddHdd(CLI::App& app, Command& command);
 void AddInfo(CLI::App& app, Command& command);
+void AddPassword(CLI::App& app, Command& command);
 void AddSmbios(CLI::App& app, Command& command);
 void AddTokens(CLI::App& app, Command& command);
 void AddTour(CLI::App& app, Command& command);

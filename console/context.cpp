@@ -1,9 +1,9 @@
-#include <algorithm>
-#include <array>
 #include <charconv>
+#include <iostream>
 #include <string_view>
 
 #include "console/command.h"
+#include "console/terminal.h"
 #include "facade/process_state.h"
 
 namespace mira::console {
@@ -29,12 +29,15 @@ Context::~Context() {
   ResetProcessState();
 }
 
+bool Context::IsInteractive() const {
+  return !options_.json && &in_ == &std::cin && StandardInputIsTerminal();
+}
+
 Opened& Context::Open(bool load_attributes) {
   if (opened_.mira) return opened_;
   opened_.mira = std::make_unique<CMiraIntf>(diagnostics_);
   opened_.status = opened_.mira->Init(load_attributes, load_attributes, load_attributes);
-  std::istringstream lines(diagnostics_.str());
-  for (std::string line; std::getline(lines, line);) opened_.diagnostics.push_back(ToUtf8(line));
+  opened_.diagnostics = TakeDiagnostics();
   return opened_;
 }
 
@@ -44,159 +47,56 @@ CMiraIntf& Context::Ready(bool load_attributes) {
   return *opened.mira;
 }
 
+std::vector<std::string> Context::TakeDiagnostics() {
+  std::vector<std::string> lines;
+  std::istringstream text(diagnostics_.str());
+  for (std::string line; std::getline(text, line);) lines.push_back(ToUtf8(line));
+  diagnostics_.str("");
+  return lines;
+}
+
 void Context::Print(const Json& document) {
   Json whole = {{"schemaVersion", 1}};
   if (options_.simulated) whole["simulated"] = true;
   whole.update(document);
-  out_ << whole.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+  WriteJson(out_, whole);
+}
+
+ExitStatus Context::Fail(const CommandError& error, const Json& document) {
+  if (!IsJson()) throw error;
+  Json whole = document;
+  whole["error"] = ErrorJson(error);
+  Print(whole);
+  return error.status;
 }
 
 void Command::Run(CLI::App& app, Action action) {
   app.callback([this, action = std::move(action)] { chosen_ = action; });
 }
 
-StatusText Explain(Status status) {
-  struct Row {
-    Status status;
-    StatusText text;
-  };
-  static constexpr Row kRows[] = {
-      {STATUS_SUCCESS, {"success", "Everything is available.", "", kDone}},
-      {STATUS_FAILURE,
-       {"call-failed", "The call failed.", "The completion code tells why.", kRefused}},
-      {STATUS_NOT_SUPPORTED,
-       {"not-supported", "This machine or this library does not support the command.",
-        "'mira info' lists the command classes that the firmware announces.", kNotSupported}},
-      {STATUS_COM_INIT_FAILED,
-       {"com-failed", "COM or the WMI connection could not be set up.",
-        "Check that the Windows Management Instrumentation service runs.", kTransportFailed}},
-      {STATUS_WMI_INSTANCE_NOT_FOUND,
-       {"no-calling-interface", "This PC offers no calling interface through WMI.",
-        "Only SMBIOS commands work here.", kNotSupported}},
-      {STATUS_SMBIOS_READ_FAILED,
-       {"smbios-failed", "The SMBIOS table could not be read.", "", kTransportFailed}},
-      {STATUS_SECURITY_KEY_FAILED,
-       {"password-wrong", "The password was not accepted.", "", kPassword}},
-      {STATUS_NOT_ADMIN,
-       {"not-administrator", "Administrator rights are needed.",
-        "Start the program from an elevated prompt.", kNeedsAdministrator}},
-      {STATUS_PLDM_INIT_FAILED,
-       {"no-attributes", "The BIOS attributes could not be loaded.", "", kNotSupported}},
-      {STATUS_ACPI_NOT_SUPPORTED,
-       {"acpi-not-supported", "The firmware does not support calls through WMI.",
-        "Only SMBIOS commands work here.", kNotSupported}},
-  };
-  for (const Row& row : kRows) {
-    if (row.status == status) return row.text;
-  }
-  return {"unexpected", "The library gave an unexpected status.", "", kUnexpected};
+Json ErrorJson(const CommandError& error) {
+  return {{"code", static_cast<int>(error.status)},
+          {"name", error.name},
+          {"message", ToUtf8(std::string_view(error.what()))},
+          {"target", ToUtf8(std::string_view(error.target))},
+          {"hint", ToUtf8(std::string_view(error.hint))}};
 }
 
-CommandError InitError(const Opened& opened) {
-  const StatusText text = Explain(opened.status);
-  std::string message = text.meaning;
-  for (const std::string& line : opened.diagnostics) message += " (" + line + ")";
-  return CommandError(text.exit_status, text.name, message, "", text.hint);
-}
-
-std::uint32_t ParseNumber(const std::string& text, const std::string& what, std::uint32_t largest) {
+std::uint32_t ParseNumber(const std::string& text, const std::string& what, std::uint32_t largest,
+                          std::uint32_t smallest) {
   std::string_view digits = text;
   const bool is_hex = digits.starts_with("0x") || digits.starts_with("0X");
   if (is_hex) digits.remove_prefix(2);
   std::uint32_t value = 0;
   const auto [end, error] =
       std::from_chars(digits.data(), digits.data() + digits.size(), value, is_hex ? 16 : 10);
-  if (error != std::errc() || end != digits.data() + digits.size() || value > largest) {
-    throw CommandError(kUsage, "bad-number",
-                       "'" + text + "' is no " + what + ": a number from 0 to " +
-                           std::to_string(largest) + " is wanted, in decimal or with 0x.",
-                       text);
+  if (error != std::errc() || end != digits.data() + digits.size() || value < smallest ||
+      value > largest) {
+    throw CommandError(kUsage, "bad-number", "'" + text + "' is no " + what + ".", text,
+                       "A number from " + std::to_string(smallest) + " to " +
+                           std::to_string(largest) + " is wanted, in decimal or with 0x.");
   }
   return value;
-}
-
-std::string Hex(std::uint64_t value, int digits) {
-  std::array<char, 16> buffer{};
-  const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, 16).ptr;
-  const std::string text(buffer.data(), end);
-  const std::size_t width = static_cast<std::size_t>(digits);
-  return "0x" + std::string(text.size() < width ? width - text.size() : 0, '0') + text;
-}
-
-namespace {
-
-void AppendUtf8(std::string& out, char32_t c) {
-  if (c < 0x80) {
-    out += static_cast<char>(c);
-  } else if (c < 0x800) {
-    out += static_cast<char>(0xC0 | c >> 6);
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  } else if (c < 0x10000) {
-    out += static_cast<char>(0xE0 | c >> 12);
-    out += static_cast<char>(0x80 | (c >> 6 & 0x3F));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  } else {
-    out += static_cast<char>(0xF0 | (c >> 18 & 0x07));
-    out += static_cast<char>(0x80 | (c >> 12 & 0x3F));
-    out += static_cast<char>(0x80 | (c >> 6 & 0x3F));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  }
-}
-
-bool IsUtf8(std::string_view text) {
-  // The JSON library holds the one decoder that is needed anyway.
-  try {
-    (void)Json(std::string(text)).dump();
-  } catch (const Json::exception&) {
-    return false;
-  }
-  return true;
-}
-
-}  // namespace
-
-std::string ToUtf8(std::string_view text) {
-  if (IsUtf8(text)) return std::string(text);
-  std::string result;
-  for (const char c : text) AppendUtf8(result, static_cast<unsigned char>(c));
-  return result;
-}
-
-std::string ToUtf8(std::wstring_view text) {
-  constexpr char32_t kReplacement = 0xFFFD;
-  std::string result;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    char32_t c = static_cast<char32_t>(text[i]);
-    const char32_t next = i + 1 < text.size() ? static_cast<char32_t>(text[i + 1]) : 0;
-    if (c >= 0xD800 && c < 0xDC00 && next >= 0xDC00 && next < 0xE000) {
-      c = 0x10000 + ((c - 0xD800) << 10) + (next - 0xDC00);
-      ++i;
-    } else if ((c >= 0xD800 && c < 0xE000) || c > 0x10FFFF) {
-      c = kReplacement;
-    }
-    AppendUtf8(result, c);
-  }
-  return result;
-}
-
-std::string CompletionText(std::int32_t code) {
-  struct Row {
-    std::int32_t code;
-    const char* text;
-  };
-  static constexpr Row kRows[] = {
-      {0, "The function completed successfully."},
-      {-1, "The function ended in error (possibly function-specific)."},
-      {-2, "The function is not supported by the system."},
-      {-3, "The function did not execute."},
-      {-5, "The output buffer used by the function was not properly formatted."},
-      {-6, "The output buffer used by the function was not large enough."},
-      {-7, "Invalid security key."},
-  };
-  for (const Row& row : kRows) {
-    if (row.code == code) return row.text;
-  }
-  return code > 0 ? "A code of this function's own." : "A code without a text.";
 }
 
 }  // namespace mira::console

@@ -10,14 +10,15 @@ namespace mira::console {
 
 struct StepOutcome {
   std::string name;
-  std::string outcome;  // "done", "failed", "not tried"
+  std::string outcome;  // "done", "failed", "not tried", "not asked for"
 };
 
-// Init's steps with what its status says of each.
-std::vector<StepOutcome> InitSteps(Status status);
+// Init's steps with what its status says of each. The last step is taken only on request.
+std::vector<StepOutcome> InitSteps(Status status, bool attributes_asked_for = false);
+// The steps, what the facade wrote below the one that failed, and what the status means.
 void WriteSteps(std::ostream& out, const Opened& opened);
-// The command classes in the bitmap of the calling interface.
-std::vector<unsigned> AnnouncedClasses(CMiraIntf& mira);
+// "0 1 2", or "none".
+std::string ClassList(const std::vector<unsigned>& classes);
 
 }  // namespace mira::console
 

@@ -1,52 +1,77 @@
 #include <algorithm>
+#include <iterator>
+#include <map>
 #include <numeric>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "console/command.h"
+#include "transport/com_error.h"
 
 namespace mira::console {
 namespace {
 
-constexpr char kGlobalHelp[] =
+constexpr char kCommonOptions[] =
     "Options of every command:\n"
     "  --sim[=PROFILE]  work on a simulated machine\n"
     "  --real           work on this PC (the default)\n"
     "  --json           print one JSON document; never ask\n"
     "  --yes            do not ask before a change\n"
-    "  --what-if        check and show a change, write nothing\n"
-    "\n"
-    "Exit status: 0 done, 1 unexpected, 2 usage, 3 not found, 4 not supported, 5 password needed\n"
-    "or wrong, 6 invalid value, 7 administrator rights needed, 8 confirmation needed, 9 transport\n"
-    "failed, 10 applied in part, 11 refused by the firmware.\n";
+    "  --what-if        check and show a change, write nothing\n";
 
-// The global options may stand anywhere before "--"; the rest goes to the parser.
-Options TakeGlobalOptions(std::vector<std::string>& arguments) {
-  Options options;
+constexpr const char* kCommonOptionNames[] = {"--sim", "--real", "--json", "--yes", "--what-if"};
+
+std::string ProgramFooter() {
+  std::string text =
+      "Examples:\n"
+      "  mira --sim tour\n"
+      "  mira smbios --type 17\n"
+      "  mira --sim=locked call 9 3 --json\n"
+      "  mira smbios --help\n"
+      "\n";
+  text += kCommonOptions;
+  text += "\nSimulated machines (PROFILE):\n";
+  for (const sim::Profile& profile : sim::Profiles()) {
+    text += "  " + profile.name + ": " + profile.description + "\n";
+  }
+  return text +
+         "\n"
+         "Exit status: 0 done, 1 unexpected, 2 usage, 3 not found, 4 not supported, 5 password\n"
+         "needed or wrong, 6 invalid value, 7 administrator rights needed, 8 confirmation\n"
+         "needed, 9 transport failed, 10 applied in part, 11 refused by the firmware.";
+}
+
+// The global options may stand anywhere before "--"; the rest goes to the parser. Fills `options`
+// step by step, so that an error finds what was asked for before it.
+void TakeGlobalOptions(std::vector<std::string>& arguments, Options& options) {
+  constexpr std::string_view kSimulated = "--sim=";
+  bool real = false;
+  const auto end = std::find(arguments.begin(), arguments.end(), "--");
   std::vector<std::string> rest;
-  for (std::size_t i = 0; i < arguments.size(); ++i) {
-    const std::string& argument = arguments[i];
-    if (argument == "--") {
-      rest.insert(rest.end(), arguments.begin() + static_cast<std::ptrdiff_t>(i), arguments.end());
-      break;
-    }
-    if (argument == "--sim" || argument.starts_with("--sim=")) {
+  for (auto argument = arguments.begin(); argument != end; ++argument) {
+    if (*argument == "--sim") {
       options.simulated = true;
-      if (argument.size() > 6) options.profile = argument.substr(6);
-    } else if (argument == "--real") {
-      options.simulated = false;
-    } else if (argument == "--json") {
+    } else if (argument->starts_with(kSimulated)) {
+      options.simulated = true;
+      options.profile = argument->substr(kSimulated.size());
+    } else if (*argument == "--real") {
+      real = true;
+    } else if (*argument == "--json") {
       options.json = true;
-    } else if (argument == "--yes") {
+    } else if (*argument == "--yes") {
       options.yes = true;
-    } else if (argument == "--what-if") {
+    } else if (*argument == "--what-if") {
       options.what_if = true;
     } else {
-      rest.push_back(argument);
+      rest.push_back(std::move(*argument));
     }
   }
-  arguments = rest;
-  return options;
+  rest.insert(rest.end(), end, arguments.end());
+  arguments = std::move(rest);
+  if (real && options.simulated) {
+    throw CommandError(kUsage, "usage", "--sim and --real exclude each other.");
+  }
 }
 
 std::size_t Distance(const std::string& a, const std::string& b) {
@@ -64,24 +89,89 @@ std::size_t Distance(const std::string& a, const std::string& b) {
   return row.back();
 }
 
-// An unknown command gets the nearest one named.
-void CheckNoun(const std::vector<std::string>& arguments) {
-  const auto first = std::find_if(arguments.begin(), arguments.end(),
-                                  [](const std::string& a) { return !a.starts_with("-"); });
-  if (first == arguments.end()) return;
-  const Noun* nearest = nullptr;
-  std::size_t best = 3;
-  for (const Noun& noun : Nouns()) {
-    if (*first == noun.name) return;
-    const std::size_t distance = Distance(*first, noun.name);
-    if (distance < best) {
-      best = distance;
-      nearest = &noun;
+// "Did you mean 'smbios'?", or where to find the names when none is near.
+std::string Suggest(const std::string& word, const std::vector<std::string>& names,
+                    const std::string& otherwise) {
+  constexpr std::size_t kNear = 2;
+  constexpr std::size_t kLongestWord = 64;
+  if (word.size() > kLongestWord) return otherwise;
+  const auto nearest = std::min_element(
+      names.begin(), names.end(),
+      [&word](const auto& a, const auto& b) { return Distance(word, a) < Distance(word, b); });
+  if (nearest == names.end() || Distance(word, *nearest) > kNear) return otherwise;
+  return "Did you mean '" + *nearest + "'?";
+}
+
+std::string FullName(const CLI::App& app) {
+  const CLI::App* const parent = app.get_parent();
+  return parent != nullptr ? FullName(*parent) + " " + app.get_name() : app.get_name();
+}
+
+// The names of an app's options, those of its nameless groups included, with the number of values
+// that each takes.
+void CollectOptions(const CLI::App& app, std::map<std::string, int>& options) {
+  for (const CLI::Option* const option : app.get_options()) {
+    for (const std::string& name : option->get_lnames()) {
+      options["--" + name] = option->get_items_expected_max();
     }
   }
-  throw CommandError(kUsage, "unknown-command", "There is no command '" + *first + "'.", *first,
-                     nearest ? "Did you mean '" + std::string(nearest->name) + "'?"
-                             : "'mira --help' lists the commands.");
+  for (const CLI::App* const group :
+       app.get_subcommands([](auto* sub) { return sub->get_name().empty(); })) {
+    CollectOptions(*group, options);
+  }
+}
+
+template <typename Map>
+std::vector<std::string> Keys(const Map& map) {
+  std::vector<std::string> keys;
+  for (const auto& entry : map) keys.push_back(entry.first);
+  return keys;
+}
+
+// Names a command or an option that does not exist, with the nearest one that does. The parser's
+// own messages do not.
+void CheckNames(const CLI::App& root, const std::vector<std::string>& arguments) {
+  const CLI::App* app = &root;
+  for (auto argument = arguments.begin(); argument != arguments.end(); ++argument) {
+    const std::string help = "'" + FullName(*app) + " --help' shows what there is.";
+    if (*argument == "--") return;
+    if (argument->starts_with("--")) {
+      const std::size_t value = argument->find('=');
+      const std::string option = argument->substr(0, value);
+      std::map<std::string, int> options;
+      CollectOptions(*app, options);
+      if (const auto found = options.find(option); found != options.end()) {
+        const bool takes_next = found->second > 0 && value == std::string::npos;
+        if (takes_next && std::next(argument) != arguments.end()) ++argument;
+        continue;
+      }
+      for (const char* const name : kCommonOptionNames) options[name] = 0;
+      throw CommandError(kUsage, "unknown-option",
+                         "'" + FullName(*app) + "' has no option '" + option + "'.", option,
+                         Suggest(option, Keys(options), help));
+    }
+    std::map<std::string, const CLI::App*> commands;
+    for (const CLI::App* const sub : app->get_subcommands([](auto*) { return true; })) {
+      if (!sub->get_name().empty()) commands[sub->get_name()] = sub;
+    }
+    if (commands.empty()) continue;
+    const auto found = commands.find(*argument);
+    if (found == commands.end()) {
+      throw CommandError(kUsage, "unknown-command",
+                         "'" + FullName(*app) + "' has no command '" + *argument + "'.", *argument,
+                         Suggest(*argument, Keys(commands), help));
+    }
+    app = found->second;
+  }
+}
+
+void PrintText(const char* name, const std::string& text, const Options& options,
+               std::ostream& out) {
+  if (options.json) {
+    WriteJson(out, {{"schemaVersion", 1}, {name, text}});
+  } else {
+    out << text << (text.ends_with('\n') ? "" : "\n");
+  }
 }
 
 ExitStatus Run(std::vector<std::string> arguments, const Options& options, std::istream& in,
@@ -90,16 +180,20 @@ ExitStatus Run(std::vector<std::string> arguments, const Options& options, std::
       "Reads SMBIOS structures, drives the firmware's calling interface, and reads and "
       "writes BIOS attributes.",
       "mira");
-  app.footer(kGlobalHelp);
-  app.require_subcommand(1);
+  app.set_help_flag("--help", "show this help");
   app.set_version_flag("--version", "mira " MIRA_VERSION);
+  app.require_subcommand(1);
+  app.footer(ProgramFooter());
   app.get_formatter()->column_width(28);
   Command command;
-  for (const Noun& noun : Nouns())
-    noun.add(*app.add_subcommand(noun.name, noun.description), command);
+  for (const Noun& noun : Nouns()) {
+    CLI::App& added = *app.add_subcommand(noun.name, noun.description);
+    noun.add(added, command);
+    added.footer(added.get_footer() + "\n\n" + kCommonOptions);
+  }
 
   if (arguments.empty()) arguments = {"--help"};
-  CheckNoun(arguments);
+  CheckNames(app, arguments);
   std::reverse(arguments.begin(), arguments.end());
   try {
     app.parse(arguments);
@@ -107,13 +201,16 @@ ExitStatus Run(std::vector<std::string> arguments, const Options& options, std::
     // The innermost command that was named gives its help.
     const CLI::App* asked = &app;
     while (!asked->get_subcommands().empty()) asked = asked->get_subcommands().front();
-    out << asked->help();
+    PrintText("help", asked->help(), options, out);
     return kDone;
   } catch (const CLI::CallForVersion& version) {
-    out << version.what() << '\n';
+    PrintText("version", version.what(), options, out);
     return kDone;
   } catch (const CLI::ParseError& error) {
-    throw CommandError(kUsage, "usage", error.what(), "", "--help shows how it is used.");
+    std::string message = error.what();
+    while (message.ends_with('\n')) message.pop_back();
+    if (!message.ends_with('.')) message += '.';
+    throw CommandError(kUsage, "usage", message, "", "--help shows how it is used.");
   }
   Context context(options, in, out);
   return command.Chosen()(context);
@@ -124,16 +221,12 @@ void PrintError(const CommandError& error, const Options& options, std::ostream&
   if (options.json) {
     Json document = {{"schemaVersion", 1}};
     if (options.simulated) document["simulated"] = true;
-    document["error"] = {{"code", static_cast<int>(error.status)},
-                         {"name", error.name},
-                         {"message", ToUtf8(std::string_view(error.what()))},
-                         {"target", ToUtf8(std::string_view(error.target))},
-                         {"hint", error.hint}};
-    out << document.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+    document["error"] = ErrorJson(error);
+    WriteJson(out, document);
     return;
   }
-  err << "mira: " << error.what();
-  if (!error.hint.empty()) err << ' ' << error.hint;
+  err << "mira: " << ToUtf8(std::string_view(error.what()));
+  if (!error.hint.empty()) err << ' ' << ToUtf8(std::string_view(error.hint));
   err << '\n';
 }
 
@@ -141,16 +234,22 @@ void PrintError(const CommandError& error, const Options& options, std::ostream&
 
 int RunConsole(const std::vector<std::string>& arguments, std::istream& in, std::ostream& out,
                std::ostream& err) {
-  std::vector<std::string> rest = arguments;
-  const Options options = TakeGlobalOptions(rest);
+  Options options;
+  const auto fail = [&](const CommandError& error) {
+    PrintError(error, options, out, err);
+    return error.status;
+  };
   ExitStatus status = kUnexpected;
   try {
+    std::vector<std::string> rest = arguments;
+    TakeGlobalOptions(rest, options);
     status = Run(rest, options, in, out);
   } catch (const CommandError& error) {
-    PrintError(error, options, out, err);
-    status = error.status;
+    status = fail(error);
+  } catch (const transport::ComError&) {
+    status = fail(CommandError(kUnexpected, "out-of-memory", "The system ran out of memory."));
   } catch (const std::exception& error) {
-    PrintError(CommandError(kUnexpected, "unexpected", error.what()), options, out, err);
+    status = fail(CommandError(kUnexpected, "unexpected", error.what()));
   }
   out.flush();
   return status;

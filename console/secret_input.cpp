@@ -4,15 +4,7 @@
 #include <fstream>
 #include <iostream>
 
-#if defined(_WIN32)
-#include <io.h>
-#include <stdio.h>
-
-#include "platform/com.h"
-#else
-#include <termios.h>
-#include <unistd.h>
-#endif
+#include "console/terminal.h"
 
 namespace mira::console {
 namespace {
@@ -20,6 +12,7 @@ namespace {
 constexpr std::size_t kLongestSecret = 1024;
 
 bool ReadLine(std::istream& in, bytes::SecureString& line) {
+  if (!in.good() || in.peek() == std::istream::traits_type::eof()) return false;
   // Reserved once, so that no copy of a shorter part stays behind.
   line.str().reserve(kLongestSecret);
   for (char c = 0; in.get(c) && c != '\n';) {
@@ -30,72 +23,46 @@ bool ReadLine(std::istream& in, bytes::SecureString& line) {
   return true;
 }
 
-#if defined(_WIN32)
+bool ReadFile(const std::string& path, bytes::SecureString& line) {
+  std::ifstream file;
+  // Without a buffer of its own, no copy stays behind in the stream.
+  file.rdbuf()->pubsetbuf(nullptr, 0);
+  file.open(ToPath(path), std::ios::binary);
+  return ReadLine(file, line);
+}
 
-// Echo is off for a scope, when standard input is a console.
-class NoEcho {
- public:
-  NoEcho() : console_(GetStdHandle(STD_INPUT_HANDLE)) {
-    is_terminal_ = _isatty(_fileno(stdin)) != 0 && GetConsoleMode(console_, &before_) != 0;
-    if (is_terminal_) SetConsoleMode(console_, before_ & ~static_cast<DWORD>(ENABLE_ECHO_INPUT));
-  }
-  ~NoEcho() {
-    if (is_terminal_) SetConsoleMode(console_, before_);
-  }
-  NoEcho(const NoEcho&) = delete;
-  NoEcho& operator=(const NoEcho&) = delete;
-  bool IsTerminal() const { return is_terminal_; }
-
- private:
-  HANDLE console_;
-  DWORD before_ = 0;
-  bool is_terminal_ = false;
-};
-
-#else
-
-class NoEcho {
- public:
-  NoEcho() {
-    is_terminal_ = isatty(STDIN_FILENO) != 0 && tcgetattr(STDIN_FILENO, &before_) == 0;
-    if (!is_terminal_) return;
-    termios silent = before_;
-    silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
-    tcsetattr(STDIN_FILENO, TCSAFLUSH, &silent);
-  }
-  ~NoEcho() {
-    if (is_terminal_) tcsetattr(STDIN_FILENO, TCSAFLUSH, &before_);
-  }
-  NoEcho(const NoEcho&) = delete;
-  NoEcho& operator=(const NoEcho&) = delete;
-  bool IsTerminal() const { return is_terminal_; }
-
- private:
-  termios before_{};
-  bool is_terminal_ = false;
-};
-
-#endif
+bool ReadVariable(const std::string& name, bytes::SecureString& line) {
+  const char* const value = std::getenv(name.c_str());
+  if (value == nullptr) return false;
+  line = bytes::SecureString(std::string_view(value));
+  return true;
+}
 
 }  // namespace
 
-bool ReadWithoutEcho(const std::string& prompt, bytes::SecureString& line) {
-  const NoEcho no_echo;
-  if (!no_echo.IsTerminal()) return false;
-  std::cerr << prompt << std::flush;
-  const bool read = ReadLine(std::cin, line) && std::cin.good();
-  std::cerr << '\n';
-  return read;
-}
-
 std::shared_ptr<SecretSource> AddSecretOptions(CLI::App& app, const std::string& name) {
   auto source = std::make_shared<SecretSource>();
-  CLI::Option_group* const group = app.add_option_group("Where the " + name + " comes from");
-  group->add_flag("--" + name + "-stdin", source->from_stdin, "the first line of standard input");
-  group->add_option("--" + name + "-file", source->file, "the first line of a file");
-  group->add_option("--" + name + "-env", source->variable, "an environment variable, by name");
-  group->require_option(0, 1);
+  CLI::Option* const from_stdin = app.add_flag("--" + name + "-stdin", source->from_stdin,
+                                               "take it from the first line of standard input");
+  CLI::Option* const file =
+      app.add_option("--" + name + "-file", source->file, "take it from the first line of a file");
+  CLI::Option* const variable = app.add_option("--" + name + "-env", source->variable,
+                                               "take it from an environment variable, by name");
+  from_stdin->excludes(file)->excludes(variable);
+  file->excludes(variable);
+  for (CLI::Option* const option : {from_stdin, file, variable}) {
+    option->group("Where the " + name + " comes from (never the command line)");
+  }
   return source;
+}
+
+bool ReadWithoutEcho(const std::string& prompt, bytes::SecureString& line) {
+  const NoEcho no_echo;
+  if (!no_echo.IsOff()) return false;
+  WriteToTerminal(prompt);
+  const bool read = ReadLine(std::cin, line);
+  WriteToTerminal("\n");
+  return read;
 }
 
 bytes::SecureString ReadSecret(Context& context, const SecretSource& source,
@@ -108,14 +75,11 @@ bytes::SecureString ReadSecret(Context& context, const SecretSource& source,
     read = ReadLine(context.In(), secret);
   } else if (!source.file.empty()) {
     target = source.file;
-    std::ifstream file(source.file, std::ios::binary);
-    read = file.good() && ReadLine(file, secret);
+    read = ReadFile(source.file, secret);
   } else if (!source.variable.empty()) {
     target = source.variable;
-    const char* const value = std::getenv(source.variable.c_str());
-    read = value != nullptr;
-    if (read) secret = bytes::SecureString(std::string_view(value));
-  } else if (context.IsJson() || !ReadWithoutEcho(prompt, secret)) {
+    read = ReadVariable(source.variable, secret);
+  } else if (!context.IsInteractive() || !ReadWithoutEcho(prompt, secret)) {
     throw CommandError(kPassword, "password-needed", "A password is needed.", "",
                        "Without a terminal, give it by --password-stdin, --password-file or "
                        "--password-env.");
@@ -124,7 +88,7 @@ bytes::SecureString ReadSecret(Context& context, const SecretSource& source,
   }
   if (!read) {
     throw CommandError(kPassword, "password-unreadable",
-                       "No password could be read from " + target + ".", target);
+                       "No password could be read from '" + target + "'.", target);
   }
   return secret;
 }

@@ -3,8 +3,8 @@
 
 // Where a command gets a password from. Never from the command line, where other processes read it.
 //
-//   auto source = AddSecretOptions(app);           // --password-stdin, --password-file,
-//   --password-env bytes::SecureString password = ReadSecret(context, *source, "Password : ");
+//   auto source = AddSecretOptions(app);  // --password-stdin, --password-file, --password-env
+//   bytes::SecureString password = ReadSecret(context, *source, "Password : ");
 
 #include <memory>
 #include <string>
@@ -21,7 +21,8 @@ struct SecretSource {
   bool Given() const { return from_stdin || !file.empty() || !variable.empty(); }
 };
 
-// The options are called "--NAME-stdin", "--NAME-file" and "--NAME-env".
+// The options are called "--NAME-stdin", "--NAME-file" and "--NAME-env". Of two secrets taken from
+// standard input, the one read first has the first line.
 std::shared_ptr<SecretSource> AddSecretOptions(CLI::App& app, const std::string& name = "password");
 
 // The first line of the source; without one, a line typed at a prompt without echo. Throws

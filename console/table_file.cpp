@@ -1,12 +1,13 @@
 #include "console/table_file.h"
 
 #include <algorithm>
-#include <cctype>
 #include <fstream>
 #include <iterator>
 
 #include "bytes/reader.h"
 #include "console/command.h"
+#include "console/table_text.h"
+#include "smbios/table.h"
 
 namespace mira::console {
 namespace {
@@ -14,18 +15,10 @@ namespace {
 using Bytes = std::vector<std::uint8_t>;
 using bytes::ByteSpan;
 
-constexpr std::size_t kHeaderSize = 8;
+constexpr std::size_t kHeaderSize = smbios::kFirmwareHeaderSize;
+constexpr std::size_t kLengthOffset = 4;
 constexpr std::size_t kDumpTableOffset = 32;
 constexpr std::size_t kLargestFile = 64 * 1024 * 1024;
-
-Bytes WithHeader(std::uint8_t major, std::uint8_t minor, ByteSpan table) {
-  Bytes result = {0, major, minor, 0};
-  for (unsigned i = 0; i < 4; ++i) {
-    result.push_back(static_cast<std::uint8_t>(table.size() >> (8 * i)));
-  }
-  result.insert(result.end(), table.begin(), table.end());
-  return result;
-}
 
 // A structure begins here as far as one can tell: a length of at least its header, and a string set
 // behind it.
@@ -46,10 +39,11 @@ Bytes FromEntryPoint(ByteSpan file) {
     std::size_t length_width;
     std::size_t address;
     std::size_t address_width;
+    bool length_is_exact;
   };
   static constexpr Form kForms[] = {
-      {"_SM3_", 7, 0x0C, 4, 0x10, 8},
-      {"_SM_", 6, 0x16, 2, 0x18, 4},
+      {"_SM3_", 7, 0x0C, 4, 0x10, 8, false},
+      {"_SM_", 6, 0x16, 2, 0x18, 4, true},
   };
   for (const Form& form : kForms) {
     if (!bytes::AsText(file).starts_with(form.anchor)) continue;
@@ -67,52 +61,55 @@ Bytes FromEntryPoint(ByteSpan file) {
                         LooksLikeTable(bytes::Slice(file, static_cast<std::size_t>(address)));
     const std::size_t offset = inside ? static_cast<std::size_t>(address) : kDumpTableOffset;
     const ByteSpan table = bytes::Slice(file, offset, static_cast<std::size_t>(length));
-    return LooksLikeTable(table) ? WithHeader(major, minor, table) : Bytes();
+    if (!LooksLikeTable(table)) return {};
+    // A 64-bit entry point states the most that the table may take, not what it takes.
+    const std::size_t stated =
+        form.length_is_exact ? static_cast<std::size_t>(length) : table.size();
+    return WithHeader(major, minor, stated, Bytes(table.begin(), table.end()));
   }
   return {};
-}
-
-// Pairs of hexadecimal digits between blanks; nothing when there is anything else.
-Bytes FromHex(ByteSpan file) {
-  Bytes result;
-  int high = -1;
-  for (const std::uint8_t c : file) {
-    if (std::isspace(c) != 0) {
-      if (high >= 0) return {};
-      continue;
-    }
-    if (std::isxdigit(c) == 0) return {};
-    const int digit = std::isdigit(c) != 0 ? c - '0' : std::tolower(c) - 'a' + 10;
-    if (high < 0) {
-      high = digit;
-    } else {
-      result.push_back(static_cast<std::uint8_t>(high * 16 + digit));
-      high = -1;
-    }
-  }
-  return high < 0 ? result : Bytes();
 }
 
 }  // namespace
 
+Bytes WithHeader(std::uint8_t major, std::uint8_t minor, std::size_t length, const Bytes& table) {
+  Bytes result = {0, major, minor, 0};
+  for (unsigned i = 0; i < 4; ++i) result.push_back(static_cast<std::uint8_t>(length >> (8 * i)));
+  result.insert(result.end(), table.begin(), table.end());
+  return result;
+}
+
+bool IsCutShort(const Bytes& table) {
+  bytes::Reader in(table, kLengthOffset);
+  const std::uint32_t length = in.U32();
+  return !in.Ok() || length > in.Left();
+}
+
 Bytes NormalizeTable(Bytes bytes) {
-  if (Bytes decoded = FromHex(bytes); !decoded.empty()) bytes = std::move(decoded);
-  if (Bytes table = FromEntryPoint(bytes); !table.empty()) return table;
-  if (bytes.size() > kHeaderSize) {
-    bytes::Reader in(bytes, 4);
-    const std::uint32_t length = in.U32();
-    if (length != 0 && length <= in.Left() && LooksLikeTable(bytes::Slice(bytes, kHeaderSize))) {
-      return bytes;
-    }
+  // Text holds no NUL, a table always does.
+  if (std::find(bytes.begin(), bytes.end(), 0) == bytes.end()) {
+    if (Bytes table = FromListing(bytes::AsText(bytes)); !table.empty()) return table;
+    bytes = FromHexDump(bytes::AsText(bytes));
   }
-  if (LooksLikeTable(bytes)) return WithHeader(0, 0, bytes);
-  return {};
+  if (Bytes table = FromEntryPoint(bytes); !table.empty()) return table;
+  if (bytes.size() <= kHeaderSize) return {};
+  // Byte 1 of the firmware table is the major version, of a bare table the length of the first
+  // structure, which is at least 4.
+  constexpr std::uint8_t kShortestStructure = 4;
+  bytes::Reader length(bytes, kLengthOffset);
+  if (bytes[1] < kShortestStructure || length.U32() == bytes.size() - kHeaderSize) {
+    return LooksLikeTable(bytes::Slice(bytes, kHeaderSize)) ? bytes : Bytes();
+  }
+  const bool begins_with_end = bytes[0] == smbios::kEndOfTable;
+  return LooksLikeTable(bytes) && !begins_with_end ? WithHeader(0, 0, bytes.size(), bytes)
+                                                   : Bytes();
 }
 
 Bytes LoadTableFile(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  if (!file)
+  std::ifstream file(ToPath(path), std::ios::binary);
+  if (!file) {
     throw CommandError(kNotFound, "no-file", "The file '" + path + "' cannot be read.", path);
+  }
   Bytes content;
   content.reserve(64 * 1024);
   for (std::istreambuf_iterator<char> next(file), end; next != end; ++next) {
@@ -123,13 +120,13 @@ Bytes LoadTableFile(const std::string& path) {
   if (table.empty()) {
     throw CommandError(kInvalidValue, "no-table", "'" + path + "' holds no SMBIOS table.", path,
                        "A table saved by 'mira smbios --save', a dump with its entry point, a bare "
-                       "table, or one of them in hexadecimal is wanted.");
+                       "table, or one of these in hexadecimal is wanted.");
   }
   return table;
 }
 
 void SaveTableFile(const std::string& path, const Bytes& table) {
-  std::ofstream file(path, std::ios::binary | std::ios::trunc);
+  std::ofstream file(ToPath(path), std::ios::binary | std::ios::trunc);
   file.write(reinterpret_cast<const char*>(table.data()),
              static_cast<std::streamsize>(table.size()));
   file.close();

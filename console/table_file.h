@@ -16,6 +16,13 @@ std::vector<std::uint8_t> LoadTableFile(const std::string& path);
 // The same for bytes at hand; empty when they are none of these forms.
 std::vector<std::uint8_t> NormalizeTable(std::vector<std::uint8_t> bytes);
 
+// A table in the form of the firmware table service from a bare one. Version 0.0 is an unknown one.
+std::vector<std::uint8_t> WithHeader(std::uint8_t major, std::uint8_t minor, std::size_t length,
+                                     const std::vector<std::uint8_t>& table);
+
+// Whether the header states more bytes than follow it.
+bool IsCutShort(const std::vector<std::uint8_t>& table);
+
 void SaveTableFile(const std::string& path, const std::vector<std::uint8_t>& table);
 
 }  // namespace mira::console

@@ -1,9 +1,9 @@
 #include <optional>
 
 #include "console/commands.h"
+#include "console/structures.h"
 #include "console/table_file.h"
 #include "smbios/structure_factory.h"
-#include "smbios/table.h"
 
 namespace mira::console {
 namespace {
@@ -14,26 +14,36 @@ struct Arguments {
   bool attributes = false;
   std::string file;
   std::string save;
+  bool Selects() const { return !type.empty() || !handle.empty(); }
 };
 
-// The structures that the options select, ascending by type, in table order within a type.
-std::vector<const CBIOSObject*> Select(const smbios::Registry& objects, const Arguments& a) {
-  constexpr std::uint32_t kLargestType = 0xFF;
-  constexpr std::uint32_t kLargestHandle = 0xFFFF;
+struct Selection {
   std::optional<std::uint32_t> type;
   std::optional<std::uint32_t> handle;
-  if (!a.type.empty()) type = ParseNumber(a.type, "structure type", kLargestType);
-  if (!a.handle.empty()) handle = ParseNumber(a.handle, "structure handle", kLargestHandle);
-  std::vector<const CBIOSObject*> selected;
-  for (const auto& [key, head] : objects) {
-    if (type && *type != key) continue;
-    for (const CBIOSObject* object = head; object != nullptr; object = object->getNextObj()) {
-      if (!handle || *handle == object->getHandle()) selected.push_back(object);
-    }
+};
+
+Selection ParseSelection(const Arguments& a) {
+  constexpr std::uint32_t kLargestType = 0xFF;
+  constexpr std::uint32_t kLargestHandle = 0xFFFF;
+  Selection selection;
+  if (!a.type.empty()) selection.type = ParseNumber(a.type, "structure type", kLargestType);
+  if (!a.handle.empty()) {
+    selection.handle = ParseNumber(a.handle, "structure handle", kLargestHandle);
   }
-  if (selected.empty()) {
-    throw CommandError(kNotFound, "no-structure", "The table holds no such structure.",
-                       !a.handle.empty() ? a.handle : a.type);
+  return selection;
+}
+
+// Ascending by type, in table order within a type.
+std::vector<const CBIOSObject*> Select(const smbios::Registry& objects,
+                                       const Selection& selection) {
+  std::vector<const CBIOSObject*> selected;
+  for (const auto& [type, head] : objects) {
+    if (selection.type && *selection.type != type) continue;
+    for (const CBIOSObject* object = head; object != nullptr; object = object->getNextObj()) {
+      if (!selection.handle || *selection.handle == object->getHandle()) {
+        selected.push_back(object);
+      }
+    }
   }
   return selected;
 }
@@ -41,7 +51,7 @@ std::vector<const CBIOSObject*> Select(const smbios::Registry& objects, const Ar
 Json ToJson(const CBIOSObject& object) {
   Json attributes = Json::array();
   for (const auto& [key, value] : object.OwnAttributes()) {
-    attributes.push_back({{"key", key}, {"value", ToUtf8(value)}});
+    attributes.push_back({{"key", ToUtf8(key)}, {"value", ToUtf8(value)}});
   }
   return {{"type", object.getType()},
           {"handle", object.getHandle()},
@@ -54,43 +64,68 @@ void WriteAttributes(std::ostream& out, const CBIOSObject& object) {
       << static_cast<unsigned>(object.getType()) << " : Handle " << Hex(object.getHandle(), 4)
       << '\n';
   for (const auto& [key, value] : object.OwnAttributes()) {
-    out << "  " << key << " : " << ToUtf8(value) << '\n';
+    out << "  " << ToUtf8(key) << " : " << ToUtf8(value) << '\n';
   }
 }
 
-ExitStatus ShowSmbios(Context& context, const Arguments& a) {
-  // The table needs neither rights nor a calling interface; Init is asked only for what it says of
-  // the rest.
-  std::vector<std::uint8_t> table;
-  std::string note;
-  if (!a.file.empty()) {
-    table = LoadTableFile(a.file);
-  } else {
-    table = smbios::ReadFirmwareTable();
-    if (table.empty()) {
-      throw CommandError(kTransportFailed, "smbios-failed",
-                         "The system serves no SMBIOS table, or none that can be read here.", "",
-                         "'mira smbios --file TABLE' decodes a saved one.");
-    }
-    const Opened& opened = context.Open();
-    if (opened.status != STATUS_SUCCESS) note = InitError(opened).what();
+std::vector<std::uint8_t> ReadTable(const Arguments& a) {
+  if (!a.file.empty()) return LoadTableFile(a.file);
+  std::vector<std::uint8_t> table = smbios::ReadFirmwareTable();
+  if (table.empty()) {
+    throw CommandError(kTransportFailed, "smbios-failed",
+                       "The system serves no SMBIOS table, or none that this user may read.", "",
+                       "On Linux only root may; 'mira smbios --file TABLE' decodes a saved one.");
   }
-  if (!a.save.empty()) SaveTableFile(a.save, table);
+  return table;
+}
 
-  smbios::StructureTable structures;
-  const bool whole = structures.Parse(table);
-  if (structures.Objects().empty()) {
-    throw CommandError(kInvalidValue, "malformed-table", "The SMBIOS table is malformed.", a.file);
+// What is wrong with the outcome, if anything.
+std::optional<CommandError> Problem(const Structures& structures, bool found, const Arguments& a) {
+  if (!structures.IsWhole()) {
+    return CommandError(kInvalidValue, "malformed-table",
+                        structures.Objects().empty()
+                            ? "The SMBIOS table is malformed from its first structure on."
+                            : "The SMBIOS table is malformed, or cut short, behind the structures "
+                              "that could be read.",
+                        a.file);
   }
-  const std::vector<const CBIOSObject*> selected = Select(structures.Objects(), a);
+  if (!found) {
+    return CommandError(kNotFound, "no-structure", "The table holds no such structure.",
+                        !a.handle.empty() ? a.handle : a.type,
+                        "'mira smbios --attributes' lists what there is.");
+  }
+  return std::nullopt;
+}
+
+ExitStatus ShowSmbios(Context& context, const Arguments& a) {
+  const Selection selection = ParseSelection(a);
+  const Structures structures(ReadTable(a));
+  // Init is asked only for what it says of the rest of the library.
+  std::optional<CommandError> limit;
+  if (a.file.empty() && context.Open().status != STATUS_SUCCESS) limit = InitError(context.Open());
+  if (!a.save.empty()) SaveTableFile(a.save, structures.Table());
+
+  const std::vector<const CBIOSObject*> selected = Select(structures.Objects(), selection);
+  const std::optional<CommandError> problem = Problem(structures, !selected.empty(), a);
   if (context.IsJson()) {
     Json list = Json::array();
     for (const CBIOSObject* object : selected) list.push_back(ToJson(*object));
-    Json document = {{"smbiosMajorVersion", table[1]}, {"complete", whole}, {"structures", list}};
-    if (!note.empty()) document["note"] = note;
+    const std::string version = structures.Version();
+    Json document = {{"smbiosVersion", version.empty() ? Json() : Json(version)},
+                     {"complete", structures.IsWhole()}};
+    if (!a.file.empty()) document["file"] = a.file;
+    if (!a.save.empty()) document["savedTo"] = a.save;
+    if (limit) document["limit"] = ErrorJson(*limit);
+    document["structures"] = std::move(list);
+    if (problem) return context.Fail(*problem, document);
     context.Print(document);
-  } else {
-    std::ostream& out = context.Out();
+    return kDone;
+  }
+  std::ostream& out = context.Out();
+  if (!a.save.empty()) {
+    out << "Saved " << structures.Table().size() << " bytes to " << a.save << ".\n";
+  }
+  if (a.save.empty() || a.Selects() || a.attributes) {
     for (const CBIOSObject* object : selected) {
       if (a.attributes) {
         WriteAttributes(out, *object);
@@ -99,10 +134,11 @@ ExitStatus ShowSmbios(Context& context, const Arguments& a) {
         out << std::dec;
       }
     }
-    if (!whole) out << "\nThe table is malformed behind the last structure shown.\n";
-    if (!note.empty()) out << "\nOnly SMBIOS is available here: " << note << '\n';
   }
-  return whole ? kDone : kInvalidValue;
+  if (limit)
+    out << "\nOnly SMBIOS is available here: " << limit->what() << ' ' << limit->hint << '\n';
+  if (problem) throw *problem;
+  return kDone;
 }
 
 }  // namespace
@@ -114,10 +150,17 @@ void AddSmbios(CLI::App& app, Command& command) {
   app.add_flag("--attributes", arguments->attributes,
                "show the published attributes, not the dump");
   app.add_option("--file", arguments->file, "decode a saved table; needs no rights");
-  app.add_option("--save", arguments->save, "also save the table to a file");
+  app.add_option("--save", arguments->save,
+                 "save the table to a file; shows structures only when asked for some");
   app.footer(
-      "Examples:\n  mira smbios --type 17\n  mira smbios --handle 0x1100 --attributes\n"
-      "  mira smbios --save pc.rsmb\n  mira smbios --file pc.rsmb --json");
+      "Numbers are decimal, or hexadecimal with 0x. --file takes the firmware table as --save\n"
+      "writes it, a dump that begins with its entry point, a bare structure table, and\n"
+      "hexadecimal text of these.\n"
+      "Examples:\n"
+      "  mira smbios --type 17\n"
+      "  mira smbios --handle 0x1100 --attributes\n"
+      "  mira smbios --save pc.rsmb\n"
+      "  mira smbios --file pc.rsmb --json");
   command.Run(app, [arguments](Context& context) { return ShowSmbios(context, *arguments); });
 }
 

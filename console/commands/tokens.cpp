@@ -1,37 +1,54 @@
+#include "console/tokens.h"
+
 #include "console/commands.h"
 
 namespace mira::console {
 namespace {
 
 ExitStatus ListTokens(Context& context) {
-  std::map<std::uint16_t, CDAToken> tokens;
-  context.Ready().GetAllDATokens(tokens);
-  Json list = Json::array();
-  std::ostream& out = context.Out();
-  if (!context.IsJson()) out << "Token   Location  Value\n";
-  for (const auto& [key, token] : tokens) {
-    std::uint16_t id = 0;
-    std::uint16_t location = 0;
-    std::uint16_t value = 0;
-    token.TokenInfo(id, location, value);
-    if (context.IsJson()) {
-      list.push_back({{"id", id}, {"location", location}, {"value", value}});
-    } else {
-      out << Hex(id, 4) << "  " << Hex(location, 4) << "    " << Hex(value, 4) << '\n';
-    }
-  }
+  const std::vector<TokenRow> tokens = ReadTokens(context.Ready());
   if (context.IsJson()) {
+    Json list = Json::array();
+    for (const TokenRow& token : tokens) {
+      list.push_back({{"id", token.id}, {"location", token.location}, {"value", token.value}});
+    }
     context.Print({{"tokens", list}});
-  } else if (tokens.empty()) {
-    out << "(none)\n";
+  } else {
+    WriteTokens(context.Out(), tokens);
   }
   return kDone;
 }
 
 }  // namespace
 
+std::vector<TokenRow> ReadTokens(CMiraIntf& mira) {
+  std::map<std::uint16_t, CDAToken> tokens;
+  mira.GetAllDATokens(tokens);
+  std::vector<TokenRow> rows;
+  for (const auto& [id, token] : tokens) {
+    TokenRow& row = rows.emplace_back();
+    token.TokenInfo(row.id, row.location, row.value);
+  }
+  return rows;
+}
+
+void WriteTokens(std::ostream& out, const std::vector<TokenRow>& tokens) {
+  if (tokens.empty()) {
+    out << "The calling interface has no tokens.\n";
+    return;
+  }
+  Rows rows = {{"Token", "Location", "Value"}};
+  for (const TokenRow& token : tokens) {
+    rows.push_back({Hex(token.id, 4), Hex(token.location, 4), Hex(token.value, 4)});
+  }
+  WriteTable(out, rows);
+}
+
 void AddTokens(CLI::App& app, Command& command) {
-  app.footer("Examples:\n  mira tokens\n  mira --sim tokens --json");
+  app.footer(
+      "Examples:\n"
+      "  mira tokens\n"
+      "  mira --sim tokens --json");
   command.Run(app, ListTokens);
 }
 

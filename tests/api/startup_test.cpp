@@ -182,8 +182,8 @@ TEST(Init, ProbesWhenTheBufferFixIsNotAnnounced) {
       {"probe fails", 0, 2, false, true, STATUS_ACPI_NOT_SUPPORTED, 1},
       {"the host forbids the probe", 0, 2, true, false, STATUS_ACPI_NOT_SUPPORTED, 0},
       {"announced, the probe forbidden", 1, 2, true, false, STATUS_SUCCESS, 0},
-      {"flag clear although the probe succeeds", 0, 0xFFFD, false, false,
-       STATUS_ACPI_NOT_SUPPORTED, 1},
+      {"flag clear although the probe succeeds", 0, 0xFFFD, false, false, STATUS_ACPI_NOT_SUPPORTED,
+       1},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);

@@ -1,0 +1,241 @@
+#include <algorithm>
+#include <cstdio>
+#include <iostream>
+#include <iterator>
+#include <memory>
+#include <optional>
+
+#include "buffers/buffer.h"
+#include "buffers/buffer_factory.h"
+#include "buffers/secret_prompt.h"
+#include "bytes/reader.h"
+#include "console/call.h"
+#include "console/commands.h"
+#include "console/secret_input.h"
+#include "console/terminal.h"
+
+namespace mira::console {
+namespace {
+
+constexpr std::uint16_t kUncheckedClass = 64;
+constexpr unsigned char kCallingInterface = 0xDA;
+
+struct Arguments {
+  std::string cls;
+  std::string select;
+  bool class10 = false;
+  std::shared_ptr<SecretSource> secret;
+};
+
+struct Pair {
+  std::uint16_t cls;
+  std::uint16_t select;
+  bool operator==(const Pair&) const = default;
+};
+
+// Reads of variable length: a first call tells how many bytes the answer needs.
+constexpr Pair kSizedFirst[] = {{3, 9},   {3, 11},  {11, 8},  {17, 5},
+                                {17, 16}, {17, 18}, {17, 22}, {17, 24}};
+
+// The buffers ask and show on the standard streams. Where the console was given others, these take
+// their place for a scope.
+class StandardStreams {
+ public:
+  explicit StandardStreams(Context& context)
+      : in_before_(std::cin.rdbuf(context.In().rdbuf())),
+        out_before_(std::cout.rdbuf(context.Out().rdbuf())) {}
+  ~StandardStreams() {
+    std::cin.rdbuf(in_before_);
+    std::cout.rdbuf(out_before_);
+  }
+  // Whether a buffer has met the end. The library may have a std::cin of its own over the same
+  // standard input.
+  static bool Ended() { return std::cin.eof() || std::feof(stdin) != 0; }
+  StandardStreams(const StandardStreams&) = delete;
+  StandardStreams& operator=(const StandardStreams&) = delete;
+
+ private:
+  std::streambuf* in_before_;
+  std::streambuf* out_before_;
+};
+
+// Passwords that the buffers ask for do not show at the terminal, for a scope.
+class QuietSecrets {
+ public:
+  QuietSecrets() {
+    buffers::SetEchoSwitch([](bool shows) {
+      if (!shows) {
+        hidden_.emplace();
+      } else if (hidden_) {
+        // The line end was typed unseen.
+        if (hidden_->IsOff()) WriteToTerminal("\n");
+        hidden_.reset();
+      }
+    });
+  }
+  ~QuietSecrets() {
+    buffers::SetEchoSwitch(nullptr);
+    hidden_.reset();
+  }
+  QuietSecrets(const QuietSecrets&) = delete;
+  QuietSecrets& operator=(const QuietSecrets&) = delete;
+
+ private:
+  static inline std::optional<NoEcho> hidden_;
+};
+
+CommandError InputEnded() {
+  return CommandError(kUsage, "input-ended", "The input ended before everything was answered.", "",
+                      "No call was made.");
+}
+
+class TestConsole {
+ public:
+  TestConsole(Context& context, CCallingInterface& calling, std::uint32_t key)
+      : context_(context), out_(context.Out()), key_(key), calling_(calling) {}
+
+  // Asks for class and select until an empty line is typed, or the input ends behind a whole call.
+  ExitStatus Loop() {
+    out_ << "Each call: a class and a select, in decimal or with 0x, then what the command asks.\n"
+            "An empty line instead of a class ends.\n";
+    for (bool made_one = false;; made_one = true) {
+      std::string line;
+      out_ << "\nClass : " << std::flush;
+      if (!std::getline(context_.In(), line)) {
+        if (!made_one) throw InputEnded();
+        out_ << '\n';
+        return kDone;
+      }
+      if (line.empty() || line == "\r") return kDone;
+      try {
+        const std::uint16_t cls = Number(line, "command class");
+        out_ << "Select : " << std::flush;
+        if (!std::getline(context_.In(), line)) throw InputEnded();
+        MakeCall(cls, Number(line, "select"));
+      } catch (const CommandError& error) {
+        if (error.name == "input-ended") throw;
+        out_ << error.what() << ' ' << error.hint << '\n';
+      }
+    }
+  }
+
+  ExitStatus Call(const std::string& cls, const std::string& select) {
+    return MakeCall(Number(cls, "command class"), Number(select, "select"));
+  }
+
+ private:
+  // A buffer with the record made of the answers.
+  struct Prompted {
+    std::unique_ptr<CBuffer> buffer;
+    SMBiosCI* record;
+  };
+
+  ExitStatus MakeCall(std::uint16_t cls, std::uint16_t select) {
+    if (cls != kUncheckedClass && !calling_.IsCommandSupported(cls)) {
+      throw CommandError(kNotSupported, "not-supported",
+                         "The firmware does not announce class " + std::to_string(cls) + ".",
+                         std::to_string(cls), "'mira info' lists the classes that it announces.");
+    }
+    std::uint32_t size = 0;
+    const bool is_sized_first = std::find(std::begin(kSizedFirst), std::end(kSizedFirst),
+                                          Pair{cls, select}) != std::end(kSizedFirst);
+    if (is_sized_first && !context_.GetOptions().what_if) {
+      const Prompted probe = Prompt(cls, select, 0, size);
+      Send(probe);
+      size = bytes::Reader(probe.buffer->Record(), transport::kFixedRecordSize).U32();
+      out_ << "The answer takes " << size << " bytes. Now the call itself.\n";
+    }
+    const Prompted call = Prompt(cls, select, key_, size);
+    if (context_.GetOptions().what_if) {
+      out_ << "A record of " << call.buffer->Record().size() << " bytes. It was not sent.\n";
+      return kDone;
+    }
+    const Status status = Send(call);
+    call.buffer->DisplayOutputBuffer();
+    out_ << std::endl;
+    return CallExit(status, call.record->cbRES1);
+  }
+
+  static std::uint16_t Number(std::string text, const char* what) {
+    if (text.ends_with('\r')) text.pop_back();
+    constexpr std::uint32_t kLargest = 0xFFFF;
+    return static_cast<std::uint16_t>(ParseNumber(text, what, kLargest));
+  }
+
+  Prompted Prompt(std::uint16_t cls, std::uint16_t select, std::uint32_t key, std::uint32_t& size) {
+    const std::string command = std::to_string(cls) + "/" + std::to_string(select);
+    Prompted prompted{
+        std::unique_ptr<CBuffer>(CreateBuffer(cls, select, context_.Ready().GetACPIBufSize())),
+        nullptr};
+    if (!prompted.buffer) {
+      throw CommandError(kNotSupported, "not-supported",
+                         "The library has no command " + command + ".", command);
+    }
+    const QuietSecrets quiet;
+    prompted.record = prompted.buffer->PromptInputBuffer(key, size, true);
+    if (prompted.record != nullptr) return prompted;
+    if (StandardStreams::Ended()) throw InputEnded();
+    throw CommandError(kInvalidValue, "no-record",
+                       "Command " + command + " cannot be made of these answers.", command,
+                       "No call was made.");
+  }
+
+  Status Send(const Prompted& call) {
+    CMiraIntf& mira = context_.Ready();
+    const CCallingInterface::Status status =
+        calling_.Execute(*call.record, mira.GetACPIBufSize(), mira.GetACPIInstanceName());
+    return status == CCallingInterface::STATUS_SUCCESS ? STATUS_SUCCESS : STATUS_FAILURE;
+  }
+
+  Context& context_;
+  std::ostream& out_;
+  std::uint32_t key_;
+  CCallingInterface& calling_;
+};
+
+std::uint32_t ReadKey(Context& context, const Arguments& a) {
+  constexpr std::uint32_t kNoKey = 0xFFFFFFFF;
+  if (!a.secret->Given()) return 0;
+  const bytes::SecureString password = ReadSecret(context, *a.secret, "Password : ");
+  const std::uint32_t key = context.Ready().ValidatePwd(
+      password.str(), a.class10 ? PwdInfo::PWD_CLASS10 : PwdInfo::PWD_CLASS9);
+  if (key == kNoKey) {
+    throw CommandError(kPassword, "password-wrong", "The password was not accepted.");
+  }
+  return key;
+}
+
+ExitStatus RunTestConsole(Context& context, const Arguments& a) {
+  if (context.IsJson()) {
+    throw CommandError(kUsage, "usage", "The test console is for people.", "console",
+                       "'mira call --json' is for programs.");
+  }
+  auto* const calling =
+      dynamic_cast<CCallingInterface*>(context.Ready().GetBIOSObject(kCallingInterface));
+  if (calling == nullptr) {
+    throw CommandError(kNotSupported, "no-calling-interface",
+                       "This PC offers no calling interface.");
+  }
+  const std::uint32_t key = ReadKey(context, a);
+  const StandardStreams streams(context);
+  TestConsole console(context, *calling, key);
+  return a.cls.empty() ? console.Loop() : console.Call(a.cls, a.select);
+}
+
+}  // namespace
+
+void AddConsole(CLI::App& app, Command& command) {
+  auto arguments = std::make_shared<Arguments>();
+  CLI::Option* const cls = app.add_option("CLASS", arguments->cls, "command class");
+  CLI::Option* const select =
+      app.add_option("SELECT", arguments->select, "select within the class")->needs(cls);
+  cls->needs(select);
+  app.add_flag("--class10", arguments->class10, "the password is the class-10 one, not class 9's");
+  arguments->secret = AddSecretOptions(app);
+  app.footer(
+      "Without CLASS and SELECT, asks for them, call after call.\n"
+      "Examples:\n  mira console\n  mira --sim=pre-boot console 10 7");
+  command.Run(app, [arguments](Context& context) { return RunTestConsole(context, *arguments); });
+}
+
+}  // namespace mira::console

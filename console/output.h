@@ -1,0 +1,38 @@
+#ifndef MIRA_CONSOLE_OUTPUT_H_
+#define MIRA_CONSOLE_OUTPUT_H_
+
+// How the commands write: numbers, text of unknown encoding, columns, JSON.
+
+#include <cstdint>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <ostream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace mira::console {
+
+// Keeps the order in which fields are added.
+using Json = nlohmann::ordered_json;
+
+// "0x1f", with at least `digits` digits.
+std::string Hex(std::uint64_t value, int digits = 1);
+
+// Bytes as UTF-8: what is none is taken for Latin-1, so that nothing is lost.
+std::string ToUtf8(std::string_view text);
+std::string ToUtf8(std::wstring_view text);
+// A path from UTF-8 text, whatever the system's own encoding is.
+std::filesystem::path ToPath(const std::string& utf8);
+
+// Rows in columns as wide as their contents. The first row holds the headings. Columns of `right`
+// (counted from 0) are aligned to the right.
+using Rows = std::vector<std::vector<std::string>>;
+void WriteTable(std::ostream& out, const Rows& rows, const std::vector<std::size_t>& right = {});
+
+// The document and a line end.
+void WriteJson(std::ostream& out, const Json& document);
+
+}  // namespace mira::console
+
+#endif  // MIRA_CONSOLE_OUTPUT_H_

@@ -1,0 +1,31 @@
+#ifndef MIRA_CONSOLE_TERMINAL_H_
+#define MIRA_CONSOLE_TERMINAL_H_
+
+#include <memory>
+#include <string>
+
+namespace mira::console {
+
+bool StandardInputIsTerminal();
+
+// Writes to the terminal itself, so that a question is seen although the outputs are redirected.
+void WriteToTerminal(const std::string& text);
+
+// What is typed at the terminal does not show, for a scope.
+class NoEcho {
+ public:
+  NoEcho();
+  ~NoEcho();
+  NoEcho(const NoEcho&) = delete;
+  NoEcho& operator=(const NoEcho&) = delete;
+  // False when standard input is no terminal.
+  bool IsOff() const { return before_ != nullptr; }
+
+ private:
+  struct Mode;
+  std::unique_ptr<Mode> before_;
+};
+
+}  // namespace mira::console
+
+#endif  // MIRA_CONSOLE_TERMINAL_H_

@@ -1,0 +1,35 @@
+#include <io.h>
+#include <stdio.h>
+
+#include <fstream>
+
+#include "console/terminal.h"
+#include "platform/com.h"
+
+namespace mira::console {
+
+struct NoEcho::Mode {
+  DWORD value;
+};
+
+bool StandardInputIsTerminal() {
+  // The null device counts as a character device; only a console has a mode.
+  DWORD mode = 0;
+  return _isatty(_fileno(stdin)) != 0 && GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &mode) != 0;
+}
+
+void WriteToTerminal(const std::string& text) { std::ofstream("CONOUT$") << text << std::flush; }
+
+NoEcho::NoEcho() {
+  const HANDLE console = GetStdHandle(STD_INPUT_HANDLE);
+  DWORD mode = 0;
+  if (GetConsoleMode(console, &mode) == 0) return;
+  before_ = std::make_unique<Mode>(Mode{mode});
+  SetConsoleMode(console, mode & ~static_cast<DWORD>(ENABLE_ECHO_INPUT));
+}
+
+NoEcho::~NoEcho() {
+  if (before_) SetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), before_->value);
+}
+
+}  // namespace mira::console
