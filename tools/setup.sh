@@ -41,13 +41,13 @@ case "$missing" in
   *:i386*) dpkg --print-foreign-architectures | grep -qx i386 || run dpkg --add-architecture i386 ;;
 esac
 # One suite's index may fail to download; what is needed comes from the others.
-log=$(mktemp)
-trap 'rm -f "$log"' EXIT
+log="$(dirname "${BASH_SOURCE[0]}")/../build/setup.log"
+mkdir -p "$(dirname "$log")"
 run apt-get update >"$log" 2>&1 || true
 # Wine's two halves must come from one suite, or they do not fit together.
 release=$(. /etc/os-release && echo "${VERSION_CODENAME:-}")
-if ! run apt-get install -y --no-install-recommends ${release:+-t "$release"} $missing >>"$log" 2>&1; then
-  tail -n 20 "$log" >&2
-  echo "setup: apt-get could not install:$missing" >&2
+if ! run apt-get install -y --no-install-recommends -o DPkg::Lock::Timeout=300 ${release:+-t "$release"} $missing >>"$log" 2>&1; then
+  reason=$(grep '^E: ' "$log" | tail -n 1 || true)
+  echo "setup: apt-get could not install$missing (${reason:-no reason given}; see build/setup.log)" >&2
   exit 1
 fi
