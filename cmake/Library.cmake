@@ -16,16 +16,22 @@ if(WIN32)
   set(MIRA_SYSTEM_LIBRARIES ole32 oleaut32 wbemuuid advapi32)
 endif()
 
+# The objects are compiled once. On Windows they carry the DLL's exports, which a static link does not mind.
+add_library(mira_objects OBJECT ${MIRA_SOURCES})
+target_compile_definitions(mira_objects PRIVATE $<IF:$<BOOL:${WIN32}>,MIRA_BUILDING_DLL,MIRA_STATIC>)
+target_link_libraries(mira_objects PUBLIC mira_options)
+target_precompile_headers(mira_objects PRIVATE
+  <algorithm> <array> <cstdint> <functional> <iostream> <list> <map> <memory> <span> <string> <string_view> <vector>)
+
 # The library with its internals open: for unit tests, and on Linux for everything.
-add_library(mira_static STATIC ${MIRA_SOURCES})
-target_compile_definitions(mira_static PUBLIC MIRA_STATIC)
+add_library(mira_static STATIC $<TARGET_OBJECTS:mira_objects>)
+target_compile_definitions(mira_static INTERFACE MIRA_STATIC)
 target_link_libraries(mira_static PUBLIC mira_options ${MIRA_SYSTEM_LIBRARIES})
 
 # The product.
 if(WIN32)
-  add_library(miraintf SHARED ${MIRA_SOURCES})
+  add_library(miraintf SHARED $<TARGET_OBJECTS:mira_objects>)
   set_target_properties(miraintf PROPERTIES PREFIX "" IMPORT_PREFIX "lib")
-  target_compile_definitions(miraintf PRIVATE MIRA_BUILDING_DLL)
   target_link_libraries(miraintf PUBLIC mira_options PRIVATE ${MIRA_SYSTEM_LIBRARIES})
   # Hosts need the interface identifiers of the COM headers.
   target_link_libraries(miraintf INTERFACE wbemuuid)

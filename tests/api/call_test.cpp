@@ -10,29 +10,12 @@
 #include "sim/machine.h"
 #include "sim/smbios_builder.h"
 #include "smbios/structure_copy.h"
+#include "tests/support/host.h"
 
 namespace mira {
 namespace {
 
-// A host that has started on a machine.
-class Host {
- public:
-  explicit Host(const sim::Profile& profile = sim::Profile())
-      : machine_(profile), session_(machine_), mira_(diagnostics_) {
-    status_ = mira_.Init(false, false, false);
-  }
-  sim::Machine& machine() { return machine_; }
-  CMiraIntf* operator->() { return &mira_; }
-  Status init_status() const { return status_; }
-  std::string diagnostics() const { return diagnostics_.str(); }
-
- private:
-  sim::Machine machine_;
-  sim::Session session_;
-  std::ostringstream diagnostics_;
-  CMiraIntf mira_;
-  Status status_;
-};
+using test::Host;
 
 sim::Profile WithTable(sim::SmbiosTable table) {
   sim::Profile profile;

@@ -3,61 +3,23 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <nlohmann/json.hpp>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "console/command.h"
 #include "console/table_file.h"
 #include "sim/machine.h"
+#include "tests/support/console_program.h"
 
 namespace mira::console {
 namespace {
 
-struct Result {
-  int status;
-  std::string out;
-  std::string err;
-};
-
-Result Mira(const std::vector<std::string>& arguments, const std::string& input = "") {
-  std::istringstream in(input);
-  std::ostringstream out;
-  std::ostringstream err;
-  const int status = RunConsole(arguments, in, out, err);
-  return {status, out.str(), err.str()};
-}
-
-nlohmann::json Document(const Result& result) {
-  EXPECT_EQ(result.err, "") << "with --json everything stands in the document";
-  return nlohmann::json::parse(result.out);
-}
-
-// A file that is gone at the end of the test.
-class TemporaryFile {
- public:
-  explicit TemporaryFile(const std::string& content = "") {
-    static int count = 0;
-    path_ = "console_test_" + std::to_string(++count) + ".tmp";
-    std::ofstream(path_, std::ios::binary) << content;
-  }
-  ~TemporaryFile() { std::remove(path_.c_str()); }
-  TemporaryFile(const TemporaryFile&) = delete;
-  TemporaryFile& operator=(const TemporaryFile&) = delete;
-  const std::string& path() const { return path_; }
-  std::string Content() const {
-    std::ifstream file(path_, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
-
- private:
-  std::string path_;
-};
+using test::Document;
+using test::Mira;
+using test::TemporaryFile;
+using Result = test::ProgramResult;
 
 std::string SimTable() {
   const sim::Machine machine;
