@@ -15,7 +15,8 @@ target_link_libraries(mira_unit_tests PRIVATE mira_sim_static mira_static mira_d
 add_executable(mira_api_tests ${MIRA_API_TESTS} ${MIRA_TEST_SUPPORT})
 target_link_libraries(mira_api_tests PRIVATE mira_console gmock gtest_main)
 target_compile_definitions(mira_api_tests PRIVATE
-  MIRA_EXPORTS_FILE="${CMAKE_SOURCE_DIR}/tests/api/exports.txt")
+  MIRA_EXPORTS_FILE="${CMAKE_SOURCE_DIR}/tests/api/exports.txt" MIRA_PROGRAM="$<TARGET_FILE:mira>")
+add_dependencies(mira_api_tests mira)
 
 foreach(test mira_unit_tests mira_api_tests)
   target_precompile_headers(${test} PRIVATE <gtest/gtest.h>)

@@ -1,3 +1,4 @@
+#include <cstdio>
 #include <iostream>
 #include <string>
 #include <vector>
@@ -35,6 +36,8 @@ std::vector<std::string> Arguments(int argc, char** argv) { return {argv + 1, ar
 #endif
 
 int main(int argc, char** argv) {
+  // A typed password leaves no copy in the stream.
+  std::setvbuf(stdin, nullptr, _IONBF, 0);
 #if defined(_WIN32)
   // Lines end alike on every system, and text is UTF-8.
   _setmode(_fileno(stdout), _O_BINARY);

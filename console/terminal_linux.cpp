@@ -1,6 +1,7 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <fstream>
 
 #include "console/terminal.h"
@@ -15,16 +16,34 @@ bool StandardInputIsTerminal() { return isatty(STDIN_FILENO) != 0; }
 
 void WriteToTerminal(const std::string& text) { std::ofstream("/dev/tty") << text << std::flush; }
 
+namespace {
+
+// Somebody who interrupts a prompt wants to see again what is typed.
+termios shown;
+constexpr int kEndings[] = {SIGINT, SIGTERM, SIGHUP};
+
+void ShowAndEnd(int ending) {
+  tcsetattr(STDIN_FILENO, TCSANOW, &shown);
+  std::signal(ending, SIG_DFL);
+  std::raise(ending);
+}
+
+}  // namespace
+
 NoEcho::NoEcho() {
   termios mode{};
   if (tcgetattr(STDIN_FILENO, &mode) != 0) return;
   before_ = std::make_unique<Mode>(Mode{mode});
+  shown = mode;
+  for (const int ending : kEndings) std::signal(ending, ShowAndEnd);
   mode.c_lflag &= ~static_cast<tcflag_t>(ECHO);
   tcsetattr(STDIN_FILENO, TCSAFLUSH, &mode);
 }
 
 NoEcho::~NoEcho() {
-  if (before_) tcsetattr(STDIN_FILENO, TCSAFLUSH, &before_->value);
+  if (!before_) return;
+  tcsetattr(STDIN_FILENO, TCSAFLUSH, &before_->value);
+  for (const int ending : kEndings) std::signal(ending, SIG_DFL);
 }
 
 }  // namespace mira::console

@@ -131,7 +131,10 @@ class TestConsole {
   };
 
   ExitStatus MakeCall(std::uint16_t cls, std::uint16_t select) {
-    if (cls != kUncheckedClass && !calling_.IsCommandSupported(cls)) {
+    // A bitmap that IsCommandSupported cannot convert announces nothing, as for every other call.
+    constexpr std::uint32_t kLargestBitmap = 0x7FFFFFFF;
+    if (cls != kUncheckedClass &&
+        (calling_.SupportedCommands() > kLargestBitmap || !calling_.IsCommandSupported(cls))) {
       throw CommandError(kNotSupported, "not-supported",
                          "The firmware does not announce class " + std::to_string(cls) + ".",
                          std::to_string(cls), "'mira info' lists the classes that it announces.");
