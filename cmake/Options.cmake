@@ -7,6 +7,10 @@ if(MSVC)
 else()
   target_compile_options(mira_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Woverloaded-virtual -Werror)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+    # From -O2 on, GCC 12 takes additions of strings for overlapping or endless copies.
+    target_compile_options(mira_options INTERFACE -Wno-restrict -Wno-stringop-overflow -Wno-array-bounds)
+  endif()
   if(NOT WIN32)
     # The system's COM interfaces have no virtual destructors.
     target_compile_options(mira_options INTERFACE -Wnon-virtual-dtor)
