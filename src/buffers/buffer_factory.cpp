@@ -3,8 +3,11 @@
 #include <iostream>
 #include <new>
 
+#include "buffers/generic_buffer.h"
 #include "buffers/hdd_pwd_buffer.h"
+#include "buffers/legacy_bbs_buffer.h"
 #include "buffers/pba_buffer.h"
+#include "buffers/uefi_boot_buffer.h"
 
 namespace {
 
@@ -38,13 +41,19 @@ struct Row {
 constexpr Row kRows[] = {
     {0, 1, 0, kAny, kPlain},
     {2, 2, 0, 0, kPlain},
+    {2, 2, 1, 1, Make<CGenericBuffer>},
     {3, 3, 0, 2, kPlain},
+    {3, 3, 3, 3, Make<CLegacyBBSBuffer>},
+    {3, 3, 5, 5, Make<CLegacyBBSBuffer>},
     {3, 3, 7, 8, kPlain},
+    {3, 3, 9, 9, Make<CUEFIBootBuffer>},
     {3, 3, 10, 10, kPlain},
+    {3, 3, 11, 12, Make<CUEFIBootBuffer>},
     {3, 3, 13, 13, kPlain},
     {4, 4, 0, kAny, kPlain},
     {6, 6, 0, 0, kPlain},
     {6, 6, 4, 4, kPlain},
+    {6, 6, 5, 5, Make<CGenericBuffer>},
     {6, 6, 6, kAny, kPlain},
     {7, 7, 4, 4, kPlain},
     {8, 8, 0, 17, kPlain},

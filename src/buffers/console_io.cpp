@@ -7,11 +7,15 @@
 #include <utility>
 
 #include "bytes/secure.h"
+#include "bytes/utf16.h"
 
 namespace mira::console_io {
 namespace {
 
 constexpr std::string_view kBlanks = " \t";
+
+// Where wide output goes as long as the host has not put another buffer in its place.
+std::wstreambuf* const kWideStandardOutput = std::wcout.rdbuf();
 
 // False when the input ended with nothing read. A line that outgrows its memory leaves no copy of
 // its parts behind.
@@ -71,6 +75,32 @@ bool AskNumber(const char* prompt, std::uint32_t& value, std::uint32_t lowest,
   });
 }
 
+bool AskNumbers(const char* prompt, std::vector<std::uint32_t>& values, std::size_t count,
+                std::uint32_t highest) {
+  values.clear();
+  while (values.size() < count) {
+    const bool answered = Ask(values.empty() ? prompt : "", [&](std::string_view answer) {
+      const std::size_t before = values.size();
+      for (std::size_t begin = answer.find_first_not_of(kBlanks); begin != std::string_view::npos;
+           begin = answer.find_first_not_of(kBlanks)) {
+        answer.remove_prefix(begin);
+        const std::size_t end = std::min(answer.find_first_of(kBlanks), answer.size());
+        std::uint32_t parsed = 0;
+        if (!ParseNumber(answer.substr(0, end), 10, parsed) || parsed > highest ||
+            values.size() == count) {
+          values.resize(before);
+          return false;
+        }
+        values.push_back(parsed);
+        answer.remove_prefix(end);
+      }
+      return values.size() > before;
+    });
+    if (!answered) return false;
+  }
+  return true;
+}
+
 bool AskText(const char* prompt, std::string& text, std::size_t longest) {
   return Ask(prompt, [&](std::string_view answer) {
     if (answer.size() > longest) return false;
@@ -98,6 +128,17 @@ bool AskYes(const char* prompt, bool& yes) {
     yes = answer[first] == 'y' || answer[first] == 'Y';
     return true;
   });
+}
+
+void WriteWideLine(std::u16string_view text) {
+  std::cout << std::flush;
+  if (std::wcout.rdbuf() != kWideStandardOutput) {
+    std::wcout << bytes::Wide(text) << std::endl;
+    if (std::wcout) return;
+    // Its locale has no such characters.
+    std::wcout.clear();
+  }
+  std::cout << bytes::Utf8(text) << std::endl;
 }
 
 }  // namespace mira::console_io
