@@ -157,8 +157,8 @@ constexpr Form kForms[] = {
     {3, 10, "VenMsg", {Guid(4), Data(20)}},
     Terminal("VenPcAnsi", 0x11D2F9BEE0C14753, 0x4DC13F2790000C9A),
     Terminal("VenVt100", 0x11D3B419DFA66065, 0x4DC13F2790002D9A),
-    Terminal("VenVt100Plus", 0x4C7657E07BAEC70B, 0x43830828E29F878E),
-    Terminal("VenUtf8", 0x4ACF8BECAD15A0D6, 0x882DE77E1DD073A0),
+    Terminal("VenVt100Plus", 0x4C7657E07BAEC70B, 0x438308289E2F878E),
+    Terminal("VenUtf8", 0x4ACF8BECAD15A0D6, 0x882D7EE71DD073A0),
     {3, 11, "MAC", {{&kMac, 4, 32}, H(36, 1)}},
     {3, 12, "IPv4", {Ip4(8), kProtocol4, kKind4, Ip4(4), Ip4(19), Ip4(23)}},
     {3, 12, "IPv4", {Ip4(8), kProtocol4, kKind4, Ip4(4)}},
@@ -323,7 +323,10 @@ bool ReadGeneric(std::optional<std::uint8_t> type, const std::vector<std::string
 }
 
 // A node that is written with a name and brackets.
-bool ReadNamed(std::string_view name, std::string_view inner, Bytes& node) {
+bool ReadNamed(std::string_view text, Bytes& node) {
+  const std::size_t bracket = text.find('(');
+  const std::string_view name = text.substr(0, bracket);
+  const std::string_view inner = text.substr(bracket + 1, text.size() - bracket - 2);
   const std::vector<std::string_view> parts = Split(inner, ',');
   for (const Form& form : kForms) {
     if (SameWord(name, form.name) && ReadForm(form, inner, parts, node)) return true;
@@ -338,26 +341,36 @@ bool IsNameCharacter(char c) {
   return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-';
 }
 
-// A node may end here: at the end of the path, or before another node or instance.
-bool IsBoundary(std::string_view text, std::size_t at) {
-  return at == text.size() || text[at] == '/' || text[at] == ',';
+// Whether a node may end here: at the path's end, before a slash or, between instances, before a
+// comma, which people may or may not follow up with a slash.
+bool IsBoundary(std::string_view text, std::size_t at, bool needs_slash) {
+  return at == text.size() || text[at] == '/' ||
+         (text[at] == ',' && (!needs_slash || text.substr(at).starts_with(",/")));
 }
 
-// How long the name and its brackets are at the start of the text; 0 where there are none. Brackets
-// that do not pair, as in a device's description, end at the first that a node may end with.
-std::size_t NamedLength(std::string_view text) {
+// Where the name and its brackets at the start of the text end: where the brackets pair and, since
+// a device's description may hold single ones, where the first stands that may end a node. Both are
+// 0 where there is no such place.
+struct NamedLengths {
+  std::size_t paired = 0;
+  std::size_t first = 0;
+};
+
+NamedLengths FindNamed(std::string_view text) {
+  NamedLengths lengths;
   std::size_t at = 0;
   while (at < text.size() && IsNameCharacter(text[at])) ++at;
-  if (at == 0 || at == text.size() || text[at] != '(') return 0;
-  std::size_t first = 0;
+  if (at == 0 || at == text.size() || text[at] != '(') return lengths;
   std::size_t depth = 0;
-  for (; at < text.size(); ++at) {
+  for (bool pairs = true; at < text.size() && (pairs || lengths.first == 0); ++at) {
     if (text[at] == '(') ++depth;
     if (text[at] != ')') continue;
-    if (first == 0 && IsBoundary(text, at + 1)) first = at + 1;
-    if (--depth == 0) break;
+    if (lengths.first == 0 && IsBoundary(text, at + 1, true)) lengths.first = at + 1;
+    if (!pairs || --depth > 0) continue;
+    pairs = false;
+    if (IsBoundary(text, at + 1, false)) lengths.paired = at + 1;
   }
-  return at < text.size() && IsBoundary(text, at + 1) ? at + 1 : first;
+  return lengths;
 }
 
 // A comma belongs to a file's name unless a slash follows.
@@ -418,14 +431,13 @@ std::optional<std::vector<std::uint8_t>> DevicePathFromText(std::string_view tex
       continue;
     }
     Bytes node;
-    std::size_t length = NamedLength(text);
-    if (length > 0) {
-      const std::size_t bracket = text.find('(');
-      if (!ReadNamed(text.substr(0, bracket), text.substr(bracket + 1, length - bracket - 2),
-                     node)) {
-        return std::nullopt;
-      }
-    } else {
+    std::size_t length = 0;
+    const NamedLengths lengths = FindNamed(text);
+    for (const std::size_t named : {lengths.paired, lengths.first}) {
+      if (length == 0 && named != 0 && ReadNamed(text.substr(0, named), node)) length = named;
+    }
+    if (length == 0) {
+      if (lengths.paired != 0 || lengths.first != 0) return std::nullopt;
       length = FileLength(text);
       node = {4, 4, 0, 0};
       if (!kWideText.read(Rest(kWideText, kNodeHeader), text.substr(0, length), node)) {

@@ -9,10 +9,13 @@
 
 #include "bytes/reader.h"
 #include "bytes/secure.h"
+#include "bytes/utf16.h"
 #include "bytes/writer.h"
 
 namespace mira::bytes {
 namespace {
+
+using namespace std::string_literals;
 
 constexpr std::array<std::uint8_t, 15> kBytes = {0x01, 0x34, 0x12, 0x78, 0x56, 0x34, 0x12, 'A',
                                                  'B',  0,    'C',  0,    0xFF, 0xFE, 0xFD};
@@ -77,6 +80,40 @@ TEST(SecureString, WipesWhatItHeld) {
   secret.Clear();  // keeps its memory, so that it can be looked at
   EXPECT_TRUE(secret.empty());
   EXPECT_EQ(std::string(memory, size), std::string(size, '\0'));
+}
+
+TEST(Utf16Text, IsConvertedWhole) {
+  struct Case {
+    std::u16string text;
+    std::string utf8;
+    std::size_t code_points;
+  };
+  const Case cases[] = {
+      {u"", "", 0},
+      {u"Disk", "Disk", 4},
+      {u"\u00FC\u0416\u65E5", "\xC3\xBC\xD0\x96\xE6\x97\xA5", 3},
+      {u"\xD83D\xDE00", "\xF0\x9F\x98\x80", 1},
+      {u"\xD800\xDC00\xDBFF\xDFFF", "\xF0\x90\x80\x80\xF4\x8F\xBF\xBF", 2},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.utf8);
+    EXPECT_EQ(Utf8(c.text), c.utf8);
+    EXPECT_EQ(Utf16(c.utf8), c.text);
+    EXPECT_EQ(Wide(c.text).size(), sizeof(wchar_t) == 2 ? c.text.size() : c.code_points);
+  }
+  if constexpr (sizeof(wchar_t) == 4) {
+    EXPECT_EQ(Wide(u"\xD83D\xDE00"), std::wstring(1, static_cast<wchar_t>(0x1F600)));
+  }
+
+  // Half a pair is replaced.
+  for (const std::u16string& half : {u"\xD83D"s, u"\xDE00"s, u"\xD83D!"s, u"\xDE00\xD83D"s}) {
+    EXPECT_EQ(Utf8(half).substr(0, 3), "\xEF\xBF\xBD");
+  }
+  // Stray, missing and cut continuations, a longer form than needed, a surrogate, past the last.
+  for (const char* const bad : {"\x80", "\xC3", "\xC3!", "\xE6\x97", "\xC0\x80", "\xE0\x80\x80",
+                                "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xFF"}) {
+    EXPECT_FALSE(Utf16(bad));
+  }
 }
 
 }  // namespace
