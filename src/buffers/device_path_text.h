@@ -31,8 +31,8 @@ MIRA_API std::string DevicePathText(const CUEFILOList::DevicePath& path);
 MIRA_API std::string DevicePathText(bytes::ByteSpan path);
 
 // The bytes of a path with its end node; nothing when the text cannot be understood. Names are
-// taken in any case, numbers in hexadecimal (0x) or decimal. What is no name with brackets is a file
-// path; a name that no node has is refused.
+// taken in any case, numbers in hexadecimal (0x) or decimal. What is no name with brackets is a
+// file path; a name that no node has is refused.
 MIRA_API std::optional<std::vector<std::uint8_t>> DevicePathFromText(std::string_view text);
 
 // An EFI_LOAD_OPTION.
