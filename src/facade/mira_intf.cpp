@@ -225,6 +225,28 @@ unsigned int CMiraIntf::ValidatePwd(const std::string& password, PwdInfo::PWDTYP
   });
 }
 
+bool CMiraIntf::IsPLDMSupported() { return m_pPLDM && m_pPLDM->IsSupported(); }
+
+void CMiraIntf::GetAttributeHandlesAndTypes(
+    std::list<std::pair<std::uint16_t, PLDM::ATTRIBUTE_TYPE>>&) {}
+void CMiraIntf::GetAttributeNamesAndTypes(
+    std::list<std::pair<std::string, PLDM::ATTRIBUTE_TYPE>>&) {}
+Status CMiraIntf::GetAttributeName(std::uint16_t, std::string&) { return STATUS_NOT_SUPPORTED; }
+PLDM::ATTRIBUTE_TYPE CMiraIntf::GetAttributeType(std::uint16_t) { return PLDM::BIOSUnknownType; }
+Status CMiraIntf::GetAttributeValue(PLDM::Attribute&) { return STATUS_NOT_SUPPORTED; }
+Status CMiraIntf::GetAttributeValueAtBoot(PLDM::Attribute&) { return STATUS_NOT_SUPPORTED; }
+Status CMiraIntf::GetAttributeValueAtBoot(std::uint16_t, std::string&) {
+  return STATUS_NOT_SUPPORTED;
+}
+Status CMiraIntf::SetAttributeValue(PLDM::Attribute&, const std::string&, PwdInfo::PWDTYPE,
+                                    unsigned int) {
+  return STATUS_NOT_SUPPORTED;
+}
+Status CMiraIntf::GetAttributeDefault(std::uint16_t, std::string&) { return STATUS_NOT_SUPPORTED; }
+Status CMiraIntf::GetPossibleValues(std::uint16_t, std::list<std::string>&) {
+  return STATUS_NOT_SUPPORTED;
+}
+
 bool CMiraIntf::IsACPISupported() {
   constexpr unsigned char kFlagsType = 177;
   constexpr std::uint16_t kCallsThroughWmi = 0x0002;

@@ -25,6 +25,7 @@
 #include "facade/status.h"
 #include "platform/api.h"
 #include "platform/com_ptr.h"
+#include "pldm/attribute.h"
 #include "smbios/bios_object.h"
 
 namespace mira::pldm {
@@ -79,6 +80,59 @@ class MIRA_API CMiraIntf {
   // initialised on the calling thread.
   unsigned int ValidatePwd(const std::string& password, PwdInfo::PWDTYPE type);
 
+  // BIOS attributes. Init loads their tables when it is asked to; until then, and where the
+  // firmware has none, the machine counts as not supporting them: the operations with a status give
+  // STATUS_NOT_SUPPORTED, the lists stay untouched. COM must be initialised on the calling thread.
+
+  // Whether the attribute tables are loaded.
+  bool IsPLDMSupported();
+  // Replaces `out` by all attributes in ascending order of handles; read-only types keep their
+  // mark.
+  void GetAttributeHandlesAndTypes(std::list<std::pair<std::uint16_t, PLDM::ATTRIBUTE_TYPE>>& out);
+  // The same with names, still in the order of handles; an empty text where the firmware gives
+  // none.
+  void GetAttributeNamesAndTypes(std::list<std::pair<std::string, PLDM::ATTRIBUTE_TYPE>>& out);
+  // STATUS_ATTRIBUTE_NOT_FOUND for an unknown handle.
+  Status GetAttributeName(std::uint16_t handle, std::string& name);
+  // PLDM::BIOSUnknownType for an unknown handle.
+  PLDM::ATTRIBUTE_TYPE GetAttributeType(std::uint16_t handle);
+
+  // Reads an attribute from the firmware as it is now. The caller makes the object of the
+  // attribute's type (PLDM::MakeAttribute) and sets its name or its handle; the name wins, and the
+  // handle found for it, 0 for an unknown one, is written back. STATUS_ATTRIBUTE_NOT_FOUND for an
+  // unknown name or handle; STATUS_FAILURE, without a call, when the object is not of the class
+  // that its type names or the attribute is of another type; STATUS_OUTPUT_MALFORMED when the
+  // answer ends within the value; else what the firmware's completion code stands for. A type that
+  // does not exist is diagnosed on standard output; what was exchanged last is then read again.
+  Status GetAttributeValue(PLDM::Attribute& attr);
+  // The same from the tables that Init read: the value in force when the machine was read, whatever
+  // was written since. STATUS_FAILURE when the tables have no value for the attribute.
+  Status GetAttributeValueAtBoot(PLDM::Attribute& attr);
+  // The value at start-up as text. An enumeration's value names, and a boot order's source names,
+  // each of these followed by ";", are appended to `value`, which is not cleared: clear it first.
+  // Texts and numbers replace `value`. Collections and config sets leave it alone and say so on
+  // standard output. STATUS_FAILURE when the value, the attribute or one of its strings is missing.
+  Status GetAttributeValueAtBoot(std::uint16_t handle, std::string& value);
+  // Writes the value in `attr` (named as for reading; of a writable type) without checking it: the
+  // firmware does. Enumerations send CurrentIndices. A password, if not empty, is exchanged for a
+  // security key (STATUS_SECURITY_KEY_FAILED if it is wrong), of the class-10 password when
+  // `pwdType` is PWD_CLASS10, else of the class-9 one; without one `securityKey` is used, from
+  // ValidatePwd; if that is 0xFFFFFFFF, the key of the call before. STATUS_ATTRIBUTE_REFUSED_…,
+  // STATUS_ATTRIBUTE_NOT_FOUND or STATUS_OUTPUT_TOO_SMALL when the firmware refuses the value; for
+  // an object of the wrong class, or a value that no request can carry, STATUS_FAILURE without a
+  // call. For a read-only or unknown type a line on standard output says that nothing of `attr` is
+  // sent: what was exchanged last is sent again, and STATUS_FAILURE answered if nothing was.
+  Status SetAttributeValue(PLDM::Attribute& attr, const std::string& password,
+                           PwdInfo::PWDTYPE pwdType, unsigned int securityKey);
+
+  // For front ends. The default of an attribute as text: of an enumeration the names, joined by
+  // ", "; empty for types that have no default. STATUS_ATTRIBUTE_NOT_FOUND for an unknown handle.
+  Status GetAttributeDefault(std::uint16_t handle, std::string& value);
+  // Replaces `names` by an enumeration's possible values, a boot order's possible sources or a
+  // config set's members; by nothing for other types. STATUS_ATTRIBUTE_NOT_FOUND for an unknown
+  // handle.
+  Status GetPossibleValues(std::uint16_t handle, std::list<std::string>& names);
+
   // What the process knows about the machine, shared by all objects. Read it through the operations
   // above.
   static std::map<unsigned char, CBIOSObject*> m_mapBIOSTable;
@@ -99,6 +153,9 @@ class MIRA_API CMiraIntf {
   bool InitPLDM(bool loadDisplayStrings, bool loadHelpStrings);
 
   CCallingInterface* CallingInterface();
+  // What `operation` makes of the attribute store; STATUS_NOT_SUPPORTED where no tables are loaded.
+  template <typename Operation>
+  Status WithPLDM(const char* what, Operation operation);
   // Runs `operation`; what it throws becomes one diagnostic line and `failed`. Only a COM string
   // that cannot be made passes through.
   template <typename Result, typename Operation>

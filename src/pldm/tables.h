@@ -35,8 +35,8 @@ struct IntPLDMAttribute {
 };
 
 struct IntBIOSEnumeration : IntPLDMAttribute {
-  std::vector<std::uint16_t> possible_handles;   // strings
-  std::vector<std::uint8_t> default_indices;     // into possible_handles
+  std::vector<std::uint16_t> possible_handles;  // strings
+  std::vector<std::uint8_t> default_indices;    // into possible_handles
 };
 
 struct IntBIOSString : IntPLDMAttribute {

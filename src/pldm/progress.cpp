@@ -1,0 +1,7 @@
+#include "pldm/progress.h"
+
+namespace mira::pldm {
+
+void SetProgress(Progress) noexcept {}
+
+}  // namespace mira::pldm
