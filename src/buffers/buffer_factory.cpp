@@ -8,6 +8,7 @@
 #include "buffers/legacy_bbs_buffer.h"
 #include "buffers/pba_buffer.h"
 #include "buffers/uefi_boot_buffer.h"
+#include "pldm/aci_info2_buffer.h"
 
 namespace {
 
@@ -51,6 +52,7 @@ constexpr Row kRows[] = {
     {3, 3, 11, 12, Make<CUEFIBootBuffer>},
     {3, 3, 13, 13, kPlain},
     {4, 4, 0, kAny, kPlain},
+    {5, 5, 3, 6, Make<CACIInfo2Buffer>},
     {6, 6, 0, 0, kPlain},
     {6, 6, 4, 4, kPlain},
     {6, 6, 5, 5, Make<CGenericBuffer>},

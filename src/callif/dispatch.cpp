@@ -2,10 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
-#include <memory>
 
-#include "buffers/buffer.h"
-#include "buffers/buffer_factory.h"
 #include "bytes/reader.h"
 #include "callif/password.h"
 
@@ -14,12 +11,6 @@ namespace {
 
 constexpr std::uint16_t kUncheckedClass = 64;
 constexpr std::uint32_t kNoKeyObtained = 0xFFFFFFFF;
-
-struct Command {
-  std::uint16_t cls;
-  std::uint16_t select;
-  bool operator==(const Command&) const = default;
-};
 
 // Variable-length reads: a first call without key asks how many bytes there are.
 constexpr Command kProbed[] = {{3, 9},   {3, 11},  {11, 8},  {17, 5},
@@ -33,31 +24,6 @@ template <std::size_t N>
 bool Holds(const Command (&commands)[N], Command command) {
   return std::find(std::begin(commands), std::end(commands), command) != std::end(commands);
 }
-
-// One call of one command: its buffer, the record built from the request, and whether it was
-// carried and answered 0.
-class OneCall {
- public:
-  OneCall(const Target& target, Command command, std::uint32_t key, std::uint32_t& size,
-          IBIOSData& data)
-      : buffer_(CreateBuffer(command.cls, command.select, target.buffer_size)) {
-    SMBiosCI* const record = buffer_ ? buffer_->FillInputBuffer(key, size, data) : nullptr;
-    if (record == nullptr) return;
-    sent_ = true;
-    succeeded_ = target.calling.Execute(*record, target.buffer_size, target.instance_key) ==
-                     CCallingInterface::STATUS_SUCCESS &&
-                 record->cbRES1 == 0;
-  }
-
-  bool Sent() const { return sent_; }
-  bool Succeeded() const { return succeeded_; }
-  CBuffer& Buffer() { return *buffer_; }
-
- private:
-  std::unique_ptr<CBuffer> buffer_;
-  bool sent_ = false;
-  bool succeeded_ = false;
-};
 
 }  // namespace
 

@@ -7,17 +7,9 @@
 #include <string>
 
 #include "buffers/bios_data.h"
-#include "callif/calling_interface.h"
-#include "platform/com_ptr.h"
+#include "callif/one_call.h"
 
 namespace mira::callif {
-
-// Where calls go.
-struct Target {
-  CCallingInterface& calling;
-  std::uint32_t buffer_size;     // of the firmware's transfer buffer, in bytes
-  const CComBSTR& instance_key;  // of the WMI instance
-};
 
 enum class Outcome {
   kDone,

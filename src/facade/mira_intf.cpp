@@ -1,6 +1,8 @@
 #include "facade/mira_intf.h"
 
+#include <algorithm>
 #include <exception>
+#include <span>
 #include <string_view>
 #include <utility>
 
@@ -15,6 +17,8 @@
 #include "transport/connection.h"
 
 using mira::platform::Services;
+using mira::pldm::Manager;
+using mira::pldm::Outcome;
 
 bool bFlagCheck = false;
 
@@ -28,6 +32,55 @@ namespace {
 
 constexpr unsigned char kCallingInterfaceType = 0xDA;
 constexpr unsigned short kFirstMajorVersionWithPLDM = 2;
+
+struct CodeStatus {
+  std::int32_t code;
+  Status status;
+};
+
+// Of the completion code of an attribute's read or write; any other is STATUS_FAILURE.
+constexpr CodeStatus kCompletionStatus[] = {
+    {-1, STATUS_FUNCTION_ERROR},        {-2, STATUS_NOT_SUPPORTED},
+    {-3, STATUS_FUNCTION_NOT_EXECUTED}, {-5, STATUS_OUTPUT_MALFORMED},
+    {-6, STATUS_OUTPUT_TOO_SMALL},      {-7, STATUS_INVALID_SECURITY_KEY},
+};
+constexpr std::int32_t kTransportCodes = -2000000000;  // below this
+
+// Of the firmware's status of a write; any other is STATUS_SUCCESS.
+constexpr CodeStatus kWriteStatus[] = {
+    {1, STATUS_ATTRIBUTE_REFUSED_1}, {2, STATUS_ATTRIBUTE_REFUSED_2},
+    {3, STATUS_ATTRIBUTE_NOT_FOUND}, {4, STATUS_OUTPUT_TOO_SMALL},
+    {5, STATUS_ATTRIBUTE_REFUSED_5},
+};
+
+Status Look(std::span<const CodeStatus> rows, std::int32_t code, Status other) {
+  const auto found = std::find_if(rows.begin(), rows.end(),
+                                  [code](const CodeStatus& row) { return row.code == code; });
+  return found != rows.end() ? found->status : other;
+}
+
+Status StatusOf(const Outcome& outcome) {
+  switch (outcome.kind) {
+    case Outcome::kDone:
+      return STATUS_SUCCESS;
+    case Outcome::kNotSupported:
+      return STATUS_NOT_SUPPORTED;
+    case Outcome::kNotFound:
+      return STATUS_ATTRIBUTE_NOT_FOUND;
+    case Outcome::kNoKey:
+      return STATUS_SECURITY_KEY_FAILED;
+    case Outcome::kMalformed:
+      return STATUS_OUTPUT_MALFORMED;
+    case Outcome::kCallFailed:
+      return Look(kCompletionStatus, outcome.code,
+                  outcome.code < kTransportCodes ? STATUS_TRANSPORT_ERROR : STATUS_FAILURE);
+    case Outcome::kAnswered:
+      return Look(kWriteStatus, outcome.code, STATUS_SUCCESS);
+    case Outcome::kFailed:
+      break;
+  }
+  return STATUS_FAILURE;
+}
 
 }  // namespace
 
@@ -225,26 +278,70 @@ unsigned int CMiraIntf::ValidatePwd(const std::string& password, PwdInfo::PWDTYP
   });
 }
 
+template <typename Operation>
+Status CMiraIntf::WithPLDM(const char* what, Operation operation) {
+  if (!IsPLDMSupported()) return STATUS_NOT_SUPPORTED;
+  return Guard(what, STATUS_FAILURE, [&] { return StatusOf(operation(*m_pPLDM)); });
+}
+
 bool CMiraIntf::IsPLDMSupported() { return m_pPLDM && m_pPLDM->IsSupported(); }
 
 void CMiraIntf::GetAttributeHandlesAndTypes(
-    std::list<std::pair<std::uint16_t, PLDM::ATTRIBUTE_TYPE>>&) {}
+    std::list<std::pair<std::uint16_t, PLDM::ATTRIBUTE_TYPE>>& out) {
+  WithPLDM("GetAttributeHandlesAndTypes", [&](const Manager& store) {
+    store.GetAttributeHandlesAndTypes(out);
+    return Outcome{};
+  });
+}
+
 void CMiraIntf::GetAttributeNamesAndTypes(
-    std::list<std::pair<std::string, PLDM::ATTRIBUTE_TYPE>>&) {}
-Status CMiraIntf::GetAttributeName(std::uint16_t, std::string&) { return STATUS_NOT_SUPPORTED; }
-PLDM::ATTRIBUTE_TYPE CMiraIntf::GetAttributeType(std::uint16_t) { return PLDM::BIOSUnknownType; }
-Status CMiraIntf::GetAttributeValue(PLDM::Attribute&) { return STATUS_NOT_SUPPORTED; }
-Status CMiraIntf::GetAttributeValueAtBoot(PLDM::Attribute&) { return STATUS_NOT_SUPPORTED; }
-Status CMiraIntf::GetAttributeValueAtBoot(std::uint16_t, std::string&) {
-  return STATUS_NOT_SUPPORTED;
+    std::list<std::pair<std::string, PLDM::ATTRIBUTE_TYPE>>& out) {
+  WithPLDM("GetAttributeNamesAndTypes", [&](const Manager& store) {
+    store.GetAttributeNamesAndTypes(out);
+    return Outcome{};
+  });
 }
-Status CMiraIntf::SetAttributeValue(PLDM::Attribute&, const std::string&, PwdInfo::PWDTYPE,
-                                    unsigned int) {
-  return STATUS_NOT_SUPPORTED;
+
+Status CMiraIntf::GetAttributeName(std::uint16_t handle, std::string& name) {
+  return WithPLDM("GetAttributeName",
+                  [&](const Manager& store) { return store.GetAttributeName(handle, name); });
 }
-Status CMiraIntf::GetAttributeDefault(std::uint16_t, std::string&) { return STATUS_NOT_SUPPORTED; }
-Status CMiraIntf::GetPossibleValues(std::uint16_t, std::list<std::string>&) {
-  return STATUS_NOT_SUPPORTED;
+
+PLDM::ATTRIBUTE_TYPE CMiraIntf::GetAttributeType(std::uint16_t handle) {
+  return m_pPLDM ? m_pPLDM->GetAttributeType(handle) : PLDM::BIOSUnknownType;
+}
+
+Status CMiraIntf::GetAttributeValue(PLDM::Attribute& attr) {
+  return WithPLDM("GetAttributeValue",
+                  [&](Manager& store) { return store.GetAttributeValue(attr); });
+}
+
+Status CMiraIntf::GetAttributeValueAtBoot(PLDM::Attribute& attr) {
+  return WithPLDM("GetAttributeValueAtBoot",
+                  [&](Manager& store) { return store.GetAttributeValueAtBoot(attr); });
+}
+
+Status CMiraIntf::GetAttributeValueAtBoot(std::uint16_t handle, std::string& value) {
+  return WithPLDM("GetAttributeValueAtBoot", [&](const Manager& store) {
+    return store.GetAttributeValueAtBoot(handle, value);
+  });
+}
+
+Status CMiraIntf::SetAttributeValue(PLDM::Attribute& attr, const std::string& password,
+                                    PwdInfo::PWDTYPE pwdType, unsigned int securityKey) {
+  return WithPLDM("SetAttributeValue", [&](Manager& store) {
+    return store.SetAttributeValue(attr, password, pwdType == PwdInfo::PWD_CLASS10, securityKey);
+  });
+}
+
+Status CMiraIntf::GetAttributeDefault(std::uint16_t handle, std::string& value) {
+  return WithPLDM("GetAttributeDefault",
+                  [&](const Manager& store) { return store.GetAttributeDefault(handle, value); });
+}
+
+Status CMiraIntf::GetPossibleValues(std::uint16_t handle, std::list<std::string>& names) {
+  return WithPLDM("GetPossibleValues",
+                  [&](const Manager& store) { return store.GetPossibleValues(handle, names); });
 }
 
 bool CMiraIntf::IsACPISupported() {
@@ -263,7 +360,20 @@ bool CMiraIntf::IsACPISupported() {
   return (flags->GetFlags(0) & kCallsThroughWmi) != 0 && m_bIsWMIACPIBufferFixPresent;
 }
 
-bool CMiraIntf::InitPLDM(bool, bool) { return CallingInterface() != nullptr; }
+bool CMiraIntf::InitPLDM(bool loadDisplayStrings, bool loadHelpStrings) {
+  CCallingInterface* const calling = CallingInterface();
+  if (calling == nullptr) return false;
+  if (m_pPLDM) return true;
+  // Whether the tables are there shows in IsPLDMSupported.
+  return Guard("Loading the attribute tables", true, [&] {
+    auto store = std::make_shared<Manager>(
+        mira::callif::Target{*calling, m_dwACPIBufSize, m_bstrACPIInstanceName}, loadDisplayStrings,
+        loadHelpStrings);
+    store->Load();
+    m_pPLDM = std::move(store);
+    return true;
+  });
+}
 
 namespace mira {
 

@@ -2,9 +2,9 @@
 #define MIRA_PLDM_MANAGER_H_
 
 // The attribute store of a facade: the tables read at start-up, and the reads and writes of single
-// attributes. What each operation does and answers stands at the facade's operation of that name.
+// attributes. What each operation does stands at the facade's operation of that name.
 //
-//   Manager manager(calling, buffer_size, instance_key, false, false);
+//   Manager manager({calling, buffer_size, instance_key}, false, false);
 //   manager.Load();
 //   if (manager.IsSupported()) manager.GetAttributeValue(attribute);
 
@@ -14,15 +14,70 @@
 #include <string>
 #include <utility>
 
-#include "callif/dispatch.h"
-#include "callif/password.h"
+#include "callif/one_call.h"
+#include "pldm/aci_info2_record.h"
 #include "pldm/attribute.h"
 
 namespace mira::pldm {
 
+// How an operation ended.
+struct Outcome {
+  enum Kind {
+    kDone,
+    kFailed,
+    kNotSupported,  // no tables are loaded
+    kNotFound,
+    kNoKey,       // a password was given but no security key could be obtained for it
+    kMalformed,   // the answer ends within the value
+    kCallFailed,  // `code` is the completion code
+    kAnswered,    // `code` is the firmware's status of a write
+  };
+  Kind kind = kDone;
+  std::int32_t code = 0;
+};
+
 class Manager {
  public:
-  bool IsSupported() const { return false; }
+  // Display and help strings are fetched when an attribute is first read, if they are wanted.
+  Manager(const callif::Target& target, bool wants_display_strings, bool wants_help_strings);
+  ~Manager();
+  Manager(const Manager&) = delete;
+  Manager& operator=(const Manager&) = delete;
+
+  // Fetches the tables. After an exception the store is of no use.
+  void Load();
+
+  // Without tables the lists stay untouched and everything else is kNotSupported.
+  bool IsSupported() const { return record_ != nullptr; }
+  void GetAttributeHandlesAndTypes(
+      std::list<std::pair<std::uint16_t, PLDM::ATTRIBUTE_TYPE>>& out) const;
+  void GetAttributeNamesAndTypes(
+      std::list<std::pair<std::string, PLDM::ATTRIBUTE_TYPE>>& out) const;
+  Outcome GetAttributeName(std::uint16_t handle, std::string& name) const;
+  PLDM::ATTRIBUTE_TYPE GetAttributeType(std::uint16_t handle) const;
+  Outcome GetAttributeValue(PLDM::Attribute& attr);
+  Outcome GetAttributeValueAtBoot(PLDM::Attribute& attr);
+  Outcome GetAttributeValueAtBoot(std::uint16_t handle, std::string& value) const;
+  Outcome SetAttributeValue(PLDM::Attribute& attr, const std::string& password, bool class10,
+                            std::uint32_t key);
+  Outcome GetAttributeDefault(std::uint16_t handle, std::string& value) const;
+  Outcome GetPossibleValues(std::uint16_t handle, std::list<std::string>& names) const;
+
+ private:
+  const IntPLDMAttribute* Find(std::uint16_t handle) const;
+  // kNotSupported, kNotFound, or the attribute.
+  Outcome Find(std::uint16_t handle, const IntPLDMAttribute*& attribute) const;
+  // The handle of the attribute that the caller named; makes an empty value to be exchanged.
+  Outcome Resolve(PLDM::Attribute& attr);
+  Outcome Fill(PLDM::Attribute& attr, const IntPLDMAttributeValue* value);
+  void FetchStrings(StringKind kind);
+  bool ObtainKey(const std::string& password, bool class10, std::uint32_t key);
+
+  callif::Target target_;
+  std::uint32_t key_ = 0;  // stays in force until a call brings another
+  std::unique_ptr<CACIInfo2Record> record_;
+  bool wants_display_strings_;
+  bool wants_help_strings_;
 };
 
 }  // namespace mira::pldm

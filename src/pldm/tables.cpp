@@ -1,5 +1,7 @@
 #include "pldm/tables.h"
 
+#include <algorithm>
+
 #include "bytes/secure.h"
 
 namespace mira::pldm {
@@ -23,16 +25,29 @@ auto Find(const Index& index, std::uint16_t handle) {
 IntBIOSPassword::~IntBIOSPassword() { bytes::Wipe(default_text); }
 IntBIOSPasswordValue::~IntBIOSPasswordValue() { bytes::Wipe(text); }
 
+std::span<const std::uint16_t> Choices(const IntPLDMAttribute& attribute) {
+  if (const auto* const enumeration = dynamic_cast<const IntBIOSEnumeration*>(&attribute)) {
+    return enumeration->possible_handles;
+  }
+  if (const auto* const boot = dynamic_cast<const IntBIOSBootConfigSetting*>(&attribute)) {
+    return boot->possible_handles;
+  }
+  if (const auto* const config_set = dynamic_cast<const IntBIOSConfigSet*>(&attribute)) {
+    return config_set->member_handles;
+  }
+  return {};
+}
+
+BiosString::BiosString(std::string_view whole)
+    : whole_(whole), bracket_(std::min(whole.find('['), whole.size())) {}
+
 void Tables::AddString(std::uint16_t handle, std::string_view whole) {
-  const std::size_t bracket = std::min(whole.find('['), whole.size());
-  BiosString& entry = strings_[handle];
-  entry.text = whole.substr(0, bracket);
-  entry.suffix = whole.substr(bracket);
+  strings_.insert_or_assign(handle, BiosString(whole));
 }
 
 void Tables::AddAttribute(std::unique_ptr<IntPLDMAttribute> attribute) {
   if (const BiosString* const name = FindString(attribute->name_handle)) {
-    handles_[name->text] = attribute->handle;
+    handles_.insert_or_assign(std::string(name->Text()), attribute->handle);
   }
   Put(attributes_, std::move(attribute));
 }
@@ -54,14 +69,14 @@ const IntPLDMAttributeValue* Tables::FindValue(std::uint16_t handle) const {
   return Find(values_, handle);
 }
 
-std::uint16_t Tables::HandleOf(std::string_view name) const {
+std::optional<std::uint16_t> Tables::HandleOf(std::string_view name) const {
   const auto found = handles_.find(name);
-  return found != handles_.end() ? found->second : 0;
+  return found != handles_.end() ? std::optional(found->second) : std::nullopt;
 }
 
 std::string_view Tables::Text(std::uint16_t handle) const {
   const BiosString* const found = FindString(handle);
-  return found != nullptr ? std::string_view(found->text) : std::string_view();
+  return found != nullptr ? found->Text() : std::string_view();
 }
 
 }  // namespace mira::pldm

@@ -7,13 +7,16 @@
 //   Tables tables;
 //   ParseStringTable(strings, tables);
 //   ParseAttributeTable(attributes, tables);
-//   const IntPLDMAttribute* found = tables.FindAttribute(tables.HandleOf("WakeOnLan"));
+//   const auto handle = tables.HandleOf("WakeOnLan");
+//   const IntPLDMAttribute* found = handle ? tables.FindAttribute(*handle) : nullptr;
 
 #include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -120,10 +123,22 @@ struct IntBIOSConfigSetValue : IntPLDMAttributeValue {
   std::uint8_t index = 0;
 };
 
+// The strings among which the value of an attribute chooses by index: an enumeration's possible
+// values, a boot order's sources, a config set's members. Empty for other types.
+std::span<const std::uint16_t> Choices(const IntPLDMAttribute& attribute);
+
 // A string of the string table, split at its first "[".
-struct BiosString {
-  std::string text;
-  std::string suffix;  // from the "[" on
+class BiosString {
+ public:
+  BiosString() = default;
+  explicit BiosString(std::string_view whole);
+  std::string_view Text() const { return std::string_view(whole_).substr(0, bracket_); }
+  // From the "[" on.
+  std::string_view Suffix() const { return std::string_view(whole_).substr(bracket_); }
+
+ private:
+  std::string whole_;
+  std::size_t bracket_ = 0;
 };
 
 class Tables {
@@ -138,16 +153,16 @@ class Tables {
   const BiosString* FindString(std::uint16_t handle) const;
   const IntPLDMAttribute* FindAttribute(std::uint16_t handle) const;
   const IntPLDMAttributeValue* FindValue(std::uint16_t handle) const;
-  // 0 for an unknown name.
-  std::uint16_t HandleOf(std::string_view name) const;
+  // Of the attribute of that name.
+  std::optional<std::uint16_t> HandleOf(std::string_view name) const;
   // The text of a string; empty where there is none.
   std::string_view Text(std::uint16_t handle) const;
 
   using AttributeIndex = std::map<std::uint16_t, std::unique_ptr<IntPLDMAttribute>>;
   const AttributeIndex& Attributes() const { return attributes_; }
 
-  // String handle to text.
-  using WideIndex = std::unordered_map<std::uint16_t, std::wstring>;
+  // String handle to text, as the firmware keeps it.
+  using WideIndex = std::unordered_map<std::uint16_t, std::u16string>;
   WideIndex display_strings;
   WideIndex help_strings;
 

@@ -1,0 +1,241 @@
+#include "pldm/manager.h"
+
+#include <iostream>
+#include <string_view>
+
+#include "bytes/secure.h"
+#include "callif/password.h"
+#include "pldm/attribute_convert.h"
+#include "pldm/table_fetch.h"
+#include "pldm/table_parser.h"
+
+namespace mira::pldm {
+namespace {
+
+using callif::OneCall;
+
+constexpr callif::Command kReadValue = {5, 5};
+constexpr callif::Command kWriteValue = {5, 6};
+
+bool SameType(PLDM::ATTRIBUTE_TYPE a, PLDM::ATTRIBUTE_TYPE b) {
+  return PLDM::WritableForm(a) == PLDM::WritableForm(b);
+}
+
+// Appends the texts of the attribute's choices, each with `end` behind it, until one is missing.
+Outcome AppendChoices(const IntPLDMAttribute* attribute, const std::vector<std::uint8_t>& indices,
+                      const char* end, const Tables& tables, std::string& text) {
+  for (const std::uint8_t index : indices) {
+    const auto choice = ChoiceText(attribute, index, tables);
+    if (!choice) return {Outcome::kFailed};
+    text.append(*choice).append(end);
+  }
+  return {};
+}
+
+}  // namespace
+
+Manager::Manager(const callif::Target& target, bool wants_display_strings, bool wants_help_strings)
+    : target_(target),
+      wants_display_strings_(wants_display_strings),
+      wants_help_strings_(wants_help_strings) {}
+
+Manager::~Manager() { bytes::Wipe(&key_, sizeof(key_)); }
+
+void Manager::Load() { FetchTables(target_, key_, record_); }
+
+const IntPLDMAttribute* Manager::Find(std::uint16_t handle) const {
+  return record_ ? record_->Tables.FindAttribute(handle) : nullptr;
+}
+
+Outcome Manager::Find(std::uint16_t handle, const IntPLDMAttribute*& attribute) const {
+  if (!record_) return {Outcome::kNotSupported};
+  attribute = Find(handle);
+  return {attribute != nullptr ? Outcome::kDone : Outcome::kNotFound};
+}
+
+void Manager::GetAttributeHandlesAndTypes(
+    std::list<std::pair<std::uint16_t, PLDM::ATTRIBUTE_TYPE>>& out) const {
+  if (!record_) return;
+  out.clear();
+  for (const auto& [handle, attribute] : record_->Tables.Attributes()) {
+    out.emplace_back(handle, attribute->type);
+  }
+}
+
+void Manager::GetAttributeNamesAndTypes(
+    std::list<std::pair<std::string, PLDM::ATTRIBUTE_TYPE>>& out) const {
+  if (!record_) return;
+  out.clear();
+  for (const auto& [handle, attribute] : record_->Tables.Attributes()) {
+    out.emplace_back(record_->Tables.Text(attribute->name_handle), attribute->type);
+  }
+}
+
+Outcome Manager::GetAttributeName(std::uint16_t handle, std::string& name) const {
+  const IntPLDMAttribute* attribute = nullptr;
+  const Outcome found = Find(handle, attribute);
+  if (attribute != nullptr) name = record_->Tables.Text(attribute->name_handle);
+  return found;
+}
+
+PLDM::ATTRIBUTE_TYPE Manager::GetAttributeType(std::uint16_t handle) const {
+  const IntPLDMAttribute* const attribute = Find(handle);
+  return attribute != nullptr ? attribute->type : PLDM::BIOSUnknownType;
+}
+
+Outcome Manager::Resolve(PLDM::Attribute& attr) {
+  if (!record_) return {Outcome::kNotSupported};
+  if (attr.Name.empty() && attr.Handle == 0) return {Outcome::kNotFound};
+  if (auto value = MakeValue(attr.Type)) {
+    if (!attr.Name.empty()) attr.Handle = record_->Tables.HandleOf(attr.Name).value_or(0);
+    value->handle = attr.Handle;
+    record_->Exchange = std::move(value);
+  }
+  const IntPLDMAttribute* const attribute = attr.Handle != 0 ? Find(attr.Handle) : nullptr;
+  if (attribute == nullptr) return {Outcome::kNotFound};
+  const bool fits =
+      !PLDM::IsKnown(attr.Type) || (IsOfItsType(attr) && SameType(attr.Type, attribute->type));
+  return {fits ? Outcome::kDone : Outcome::kFailed};
+}
+
+void Manager::FetchStrings(StringKind kind) {
+  if (!record_) return;
+  const bool wanted = kind == kHelpStrings ? wants_help_strings_ : wants_display_strings_;
+  const Tables::WideIndex& index =
+      kind == kHelpStrings ? record_->Tables.help_strings : record_->Tables.display_strings;
+  if (wanted && index.empty()) FetchStringData(target_, key_, kind, record_);
+}
+
+Outcome Manager::Fill(PLDM::Attribute& attr, const IntPLDMAttributeValue* value) {
+  FetchStrings(kDisplayStrings);
+  FetchStrings(kHelpStrings);
+  if (!record_) return {Outcome::kNotSupported};
+  const IntPLDMAttribute& attribute = *Find(attr.Handle);
+  if (!PLDM::IsKnown(attr.Type)) {
+    FillNames(attribute, record_->Tables, attr);
+    return {};
+  }
+  const bool filled = value != nullptr && pldm::Fill(attribute, *value, record_->Tables, attr);
+  return {filled ? Outcome::kDone : Outcome::kFailed};
+}
+
+Outcome Manager::GetAttributeValue(PLDM::Attribute& attr) {
+  if (const Outcome resolved = Resolve(attr); resolved.kind != Outcome::kDone) return resolved;
+  std::uint32_t size = 0;
+  OneCall call(target_, kReadValue, key_, size, *record_);
+  if (!call.Sent()) return {Outcome::kFailed};
+  if (!call.Succeeded()) return {Outcome::kCallFailed, call.CompletionCode()};
+  call.Buffer().ParseOutputBuffer(*record_);
+  if (!record_->ExchangeStatus) return {Outcome::kMalformed};
+  return Fill(attr, record_->Exchange.get());
+}
+
+Outcome Manager::GetAttributeValueAtBoot(PLDM::Attribute& attr) {
+  if (const Outcome resolved = Resolve(attr); resolved.kind != Outcome::kDone) return resolved;
+  return Fill(attr, record_->Tables.FindValue(attr.Handle));
+}
+
+Outcome Manager::GetAttributeValueAtBoot(std::uint16_t handle, std::string& value) const {
+  if (!record_) return {Outcome::kNotSupported};
+  const Tables& tables = record_->Tables;
+  const IntPLDMAttributeValue* const found = tables.FindValue(handle);
+  if (found == nullptr) return {Outcome::kFailed};
+  switch (PLDM::WritableForm(found->type)) {
+    case PLDM::BIOSEnumeration:
+      return AppendChoices(Find(handle),
+                           dynamic_cast<const IntBIOSEnumerationValue&>(*found).indices, "", tables,
+                           value);
+    case PLDM::BIOSBootConfigSetting:
+      return AppendChoices(
+          Find(handle), dynamic_cast<const IntBIOSBootConfigSettingValue&>(*found).ordered_indices,
+          ";", tables, value);
+    case PLDM::BIOSString:
+      value = dynamic_cast<const IntBIOSStringValue&>(*found).text;
+      break;
+    case PLDM::BIOSPassword:
+      value = dynamic_cast<const IntBIOSPasswordValue&>(*found).text;
+      break;
+    case PLDM::BIOSInteger:
+      value = std::to_string(dynamic_cast<const IntBIOSIntegerValue&>(*found).value);
+      break;
+    case PLDM::BIOSCollection:
+      std::cout << "BIOS Collection Value types are not implemented, contact the developer!!"
+                << std::endl;
+      break;
+    case PLDM::BIOSConfigSet:
+      std::cout << "BIOS ConfigSet Value types are not implemented, contact the developer!!"
+                << std::endl;
+      break;
+    default:
+      break;
+  }
+  return {};
+}
+
+bool Manager::ObtainKey(const std::string& password, bool class10, std::uint32_t key) {
+  if (!password.empty()) {
+    CPwdContext context(target_.calling, target_.buffer_size, target_.instance_key);
+    key_ = context.GetSecurityKey(password, class10);
+    return key_ != CPwdContext::kNoKey;
+  }
+  if (key != CPwdContext::kNoKey) key_ = key;
+  return true;
+}
+
+Outcome Manager::SetAttributeValue(PLDM::Attribute& attr, const std::string& password, bool class10,
+                                   std::uint32_t key) {
+  if (!record_) return {Outcome::kNotSupported};
+  const bool writable = PLDM::IsKnown(attr.Type) && !PLDM::IsReadOnly(attr.Type);
+  if (writable && !IsOfItsType(attr)) return {Outcome::kFailed};
+  if (!ObtainKey(password, class10, key)) return {Outcome::kNoKey};
+  if (writable) {
+    if (!attr.Name.empty()) attr.Handle = record_->Tables.HandleOf(attr.Name).value_or(0);
+    auto value = ToValue(attr, record_->Tables);
+    if (!value) return {Outcome::kFailed};
+    record_->Exchange = std::move(value);
+  } else {
+    DiagnoseType();
+  }
+  std::uint32_t size = 0;
+  OneCall call(target_, kWriteValue, key_, size, *record_);
+  if (!call.Sent()) return {Outcome::kFailed};
+  call.Buffer().ParseOutputBuffer(*record_);
+  if (!call.Succeeded()) return {Outcome::kCallFailed, call.CompletionCode()};
+  if (!record_->ExchangeStatus) return {Outcome::kFailed};
+  return {Outcome::kAnswered, *record_->ExchangeStatus};
+}
+
+Outcome Manager::GetAttributeDefault(std::uint16_t handle, std::string& value) const {
+  const IntPLDMAttribute* attribute = nullptr;
+  const Outcome found = Find(handle, attribute);
+  if (attribute == nullptr) return found;
+  value.clear();
+  if (const auto* const enumeration = dynamic_cast<const IntBIOSEnumeration*>(attribute)) {
+    const char* separator = "";
+    for (const std::uint8_t index : enumeration->default_indices) {
+      value.append(separator).append(
+          ChoiceText(attribute, index, record_->Tables).value_or(std::string_view()));
+      separator = ", ";
+    }
+  } else if (const auto* const string = dynamic_cast<const IntBIOSString*>(attribute)) {
+    value = string->default_text;
+  } else if (const auto* const password = dynamic_cast<const IntBIOSPassword*>(attribute)) {
+    value = password->default_text;
+  } else if (const auto* const integer = dynamic_cast<const IntBIOSInteger*>(attribute)) {
+    value = std::to_string(integer->default_value);
+  }
+  return found;
+}
+
+Outcome Manager::GetPossibleValues(std::uint16_t handle, std::list<std::string>& names) const {
+  const IntPLDMAttribute* attribute = nullptr;
+  const Outcome found = Find(handle, attribute);
+  if (attribute == nullptr) return found;
+  names.clear();
+  for (const std::uint16_t choice : Choices(*attribute)) {
+    names.emplace_back(record_->Tables.Text(choice));
+  }
+  return found;
+}
+
+}  // namespace mira::pldm
