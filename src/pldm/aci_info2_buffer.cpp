@@ -224,12 +224,10 @@ void CACIInfo2Buffer::ParseTable(CACIInfo2Record& data) {
 void CACIInfo2Buffer::ParseValue(CACIInfo2Record& data) const {
   data.ExchangeStatus.reset();
   if (!data.Exchange) return;
-  auto value = mira::pldm::MakeValue(data.Exchange->type);
-  if (!value) return;
-  value->handle = data.Exchange->handle;
   Reader in(Record(), kData + kBlockValue);
   const std::uint8_t status = in.U8();
-  if (!mira::pldm::ReadValue(in, *value)) return;
+  auto value = mira::pldm::ReadValue(in, data.Exchange->handle, data.Exchange->type);
+  if (!value) return;
   data.ExchangeStatus = status;
   data.Exchange = std::move(value);
 }

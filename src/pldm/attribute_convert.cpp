@@ -70,11 +70,9 @@ void Fill(const IntBIOSEnumeration& attribute, const IntBIOSEnumerationValue& va
   out.PossibleValues.clear();
   out.SuffixedValues.clear();
   for (const std::uint16_t handle : attribute.possible_handles) {
-    const BiosString* const text = tables.FindString(handle);
-    out.PossibleValues.emplace_back(text != nullptr ? text->Text() : std::string_view());
-    if (text != nullptr && !text->Suffix().empty()) {
-      out.SuffixedValues.emplace_back(text->Text()).append(text->Suffix());
-    }
+    const BiosString name = tables.FindString(handle).value_or(BiosString{});
+    out.PossibleValues.emplace_back(name.text);
+    if (!name.suffix.empty()) out.SuffixedValues.emplace_back(name.text).append(name.suffix);
   }
   out.DefaultValues = ChoiceNames(attribute, attribute.default_indices, tables);
   out.CurrentIndices.assign(value.indices.begin(), value.indices.end());
@@ -207,9 +205,8 @@ std::optional<std::string_view> ChoiceText(const IntPLDMAttribute* attribute, st
                                            const Tables& tables) {
   const auto choices =
       attribute != nullptr ? Choices(*attribute) : std::span<const std::uint16_t>();
-  const BiosString* const text =
-      index < choices.size() ? tables.FindString(choices[index]) : nullptr;
-  return text != nullptr ? std::optional(text->Text()) : std::nullopt;
+  const auto found = index < choices.size() ? tables.FindString(choices[index]) : std::nullopt;
+  return found ? std::optional(found->text) : std::nullopt;
 }
 
 bool IsOfItsType(const PLDM::Attribute& attribute) {
@@ -218,9 +215,9 @@ bool IsOfItsType(const PLDM::Attribute& attribute) {
 }
 
 void FillNames(const IntPLDMAttribute& attribute, const Tables& tables, PLDM::Attribute& out) {
-  const BiosString* const name = tables.FindString(attribute.name_handle);
-  out.Name = name != nullptr ? name->Text() : std::string_view();
-  out.Suffix = name != nullptr ? name->Suffix() : std::string_view();
+  const BiosString name = tables.FindString(attribute.name_handle).value_or(BiosString{});
+  out.Name = name.text;
+  out.Suffix = name.suffix;
   out.DisplayText = WideText(tables.display_strings, attribute.name_handle);
   out.HelpText = WideText(tables.help_strings, attribute.name_handle);
 }

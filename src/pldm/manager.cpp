@@ -57,8 +57,8 @@ void Manager::GetAttributeHandlesAndTypes(
     std::list<std::pair<std::uint16_t, PLDM::ATTRIBUTE_TYPE>>& out) const {
   if (!record_) return;
   out.clear();
-  for (const auto& [handle, attribute] : record_->Tables.Attributes()) {
-    out.emplace_back(handle, attribute->type);
+  for (const IntPLDMAttribute* const attribute : record_->Tables.Attributes()) {
+    out.emplace_back(attribute->handle, attribute->type);
   }
 }
 
@@ -66,7 +66,7 @@ void Manager::GetAttributeNamesAndTypes(
     std::list<std::pair<std::string, PLDM::ATTRIBUTE_TYPE>>& out) const {
   if (!record_) return;
   out.clear();
-  for (const auto& [handle, attribute] : record_->Tables.Attributes()) {
+  for (const IntPLDMAttribute* const attribute : record_->Tables.Attributes()) {
     out.emplace_back(record_->Tables.Text(attribute->name_handle), attribute->type);
   }
 }

@@ -145,21 +145,26 @@ Extent ExtentOf(const IntBIOSConfigSetValue& value) { return {sizeof(value.index
 
 // What the tables need to know of a type; the rows stand in the order of the types' numbers.
 struct Kind {
-  std::unique_ptr<IntPLDMAttribute> (*make_attribute)();
-  void (*read_attribute)(Reader& in, IntPLDMAttribute& attribute);
+  std::unique_ptr<IntPLDMAttribute> (*read_attribute)(Reader& in);
   std::unique_ptr<IntPLDMAttributeValue> (*make_value)();
-  void (*read_value)(Reader& in, IntPLDMAttributeValue& value);
+  std::unique_ptr<IntPLDMAttributeValue> (*read_value)(Reader& in);
   Extent (*extent)(const IntPLDMAttributeValue& value);
   void (*write_value)(const IntPLDMAttributeValue& value, Writer& out);
 };
 
+template <typename T, typename Base>
+std::unique_ptr<Base> ReadNew(Reader& in) {
+  auto object = std::make_unique<T>();
+  Read(in, *object);
+  return object;
+}
+
 template <typename A, typename V>
 constexpr Kind MakeKind() {
   return {
-      []() -> std::unique_ptr<IntPLDMAttribute> { return std::make_unique<A>(); },
-      [](Reader& in, IntPLDMAttribute& attribute) { Read(in, dynamic_cast<A&>(attribute)); },
+      ReadNew<A, IntPLDMAttribute>,
       []() -> std::unique_ptr<IntPLDMAttributeValue> { return std::make_unique<V>(); },
-      [](Reader& in, IntPLDMAttributeValue& value) { Read(in, dynamic_cast<V&>(value)); },
+      ReadNew<V, IntPLDMAttributeValue>,
       [](const IntPLDMAttributeValue& value) { return ExtentOf(dynamic_cast<const V&>(value)); },
       [](const IntPLDMAttributeValue& value, Writer& out) {
         Write(dynamic_cast<const V&>(value), out);
@@ -230,23 +235,20 @@ void ParseAttributeTable(ByteSpan data, Tables& tables) {
     const std::uint16_t name_handle = in.U16();
     const Kind* const kind = FindKind(type);
     if (kind == nullptr) return;
-    std::unique_ptr<IntPLDMAttribute> attribute = kind->make_attribute();
+    std::unique_ptr<IntPLDMAttribute> attribute = kind->read_attribute(in);
+    if (!in.Ok()) return;
     attribute->handle = handle;
     attribute->type = type;
     attribute->name_handle = name_handle;
-    kind->read_attribute(in, *attribute);
-    if (in.Ok()) tables.AddAttribute(std::move(attribute));
+    tables.AddAttribute(std::move(attribute));
   });
 }
 
 void ParseValueTable(ByteSpan data, Tables& tables) {
   Walk(data, [&](Reader& in) {
     const std::uint16_t handle = in.U16();
-    std::unique_ptr<IntPLDMAttributeValue> value =
-        MakeValue(static_cast<PLDM::ATTRIBUTE_TYPE>(in.U8()));
-    if (!value) return;
-    value->handle = handle;
-    if (ReadValue(in, *value)) tables.AddValue(std::move(value));
+    const auto type = static_cast<PLDM::ATTRIBUTE_TYPE>(in.U8());
+    if (auto value = ReadValue(in, handle, type)) tables.AddValue(std::move(value));
   });
 }
 
@@ -258,10 +260,14 @@ std::unique_ptr<IntPLDMAttributeValue> MakeValue(PLDM::ATTRIBUTE_TYPE type) {
   return value;
 }
 
-bool ReadValue(Reader& in, IntPLDMAttributeValue& value) {
-  if (!PLDM::IsKnown(value.type)) return false;
-  kKinds[PLDM::WritableForm(value.type)].read_value(in, value);
-  return in.Ok();
+std::unique_ptr<IntPLDMAttributeValue> ReadValue(Reader& in, std::uint16_t handle,
+                                                 PLDM::ATTRIBUTE_TYPE type) {
+  const Kind* const kind = FindKind(type);
+  if (kind == nullptr) return nullptr;
+  std::unique_ptr<IntPLDMAttributeValue> value = kind->read_value(in);
+  value->handle = handle;
+  value->type = type;
+  return in.Ok() ? std::move(value) : nullptr;
 }
 
 std::size_t EncodedSize(const IntPLDMAttributeValue& value) {

@@ -29,8 +29,10 @@ void ParseStringData(bytes::ByteSpan data, Tables::WideIndex& index);
 // that does not exist.
 std::unique_ptr<IntPLDMAttributeValue> MakeValue(PLDM::ATTRIBUTE_TYPE type);
 
-// What stands behind handle and type in an entry of the value table. Fails when the reader does.
-bool ReadValue(bytes::Reader& in, IntPLDMAttributeValue& value);
+// What stands behind handle and type in an entry of the value table; null when the bytes end within
+// it, and, after that line, for a type that does not exist.
+std::unique_ptr<IntPLDMAttributeValue> ReadValue(bytes::Reader& in, std::uint16_t handle,
+                                                 PLDM::ATTRIBUTE_TYPE type);
 
 // A value as a write request carries it, headed by its type. Of a read-only type nothing follows
 // the type, and a line on standard output says so.

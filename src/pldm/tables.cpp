@@ -1,27 +1,11 @@
 #include "pldm/tables.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "bytes/secure.h"
 
 namespace mira::pldm {
-namespace {
-
-// Tables come in ascending order of handles as a rule; then the place is known without a search.
-template <typename Index, typename Object>
-void Put(Index& index, Object object) {
-  const std::uint16_t handle = object->handle;
-  index.insert_or_assign(index.end(), handle, std::move(object));
-}
-
-template <typename Index>
-auto Find(const Index& index, std::uint16_t handle) {
-  const auto found = index.find(handle);
-  return found != index.end() ? found->second.get() : nullptr;
-}
-
-}  // namespace
-
 IntBIOSPassword::~IntBIOSPassword() { bytes::Wipe(default_text); }
 IntBIOSPasswordValue::~IntBIOSPasswordValue() { bytes::Wipe(text); }
 
@@ -38,35 +22,43 @@ std::span<const std::uint16_t> Choices(const IntPLDMAttribute& attribute) {
   return {};
 }
 
-BiosString::BiosString(std::string_view whole)
-    : whole_(whole), bracket_(std::min(whole.find('['), whole.size())) {}
-
 void Tables::AddString(std::uint16_t handle, std::string_view whole) {
-  strings_.insert_or_assign(handle, BiosString(whole));
+  // All strings that fit into tables stay far below this.
+  constexpr std::size_t kMostCharacters = 0x40000000;
+  constexpr std::size_t kLongestString = std::numeric_limits<std::uint16_t>::max();
+  if (whole.size() > kLongestString || characters_.size() > kMostCharacters) return;
+  strings_[handle] = {static_cast<std::uint32_t>(characters_.size()),
+                      static_cast<std::uint16_t>(whole.size()),
+                      static_cast<std::uint16_t>(std::min(whole.find('['), whole.size()))};
+  characters_ += whole;
 }
 
 void Tables::AddAttribute(std::unique_ptr<IntPLDMAttribute> attribute) {
-  if (const BiosString* const name = FindString(attribute->name_handle)) {
-    handles_.insert_or_assign(std::string(name->Text()), attribute->handle);
+  if (const Place* const name = strings_.Find(attribute->name_handle)) {
+    handles_.insert_or_assign(*name, attribute->handle);
   }
-  Put(attributes_, std::move(attribute));
+  attributes_[attribute->handle] = std::move(attribute);
 }
 
 void Tables::AddValue(std::unique_ptr<IntPLDMAttributeValue> value) {
-  Put(values_, std::move(value));
+  values_[value->handle] = std::move(value);
 }
 
-const BiosString* Tables::FindString(std::uint16_t handle) const {
-  const auto found = strings_.find(handle);
-  return found != strings_.end() ? &found->second : nullptr;
+std::optional<BiosString> Tables::FindString(std::uint16_t handle) const {
+  const Place* const found = strings_.Find(handle);
+  if (found == nullptr) return std::nullopt;
+  const auto whole = std::string_view(characters_).substr(found->offset, found->length);
+  return BiosString{whole.substr(0, found->bracket), whole.substr(found->bracket)};
 }
 
 const IntPLDMAttribute* Tables::FindAttribute(std::uint16_t handle) const {
-  return Find(attributes_, handle);
+  const auto* const found = attributes_.Find(handle);
+  return found != nullptr ? found->get() : nullptr;
 }
 
 const IntPLDMAttributeValue* Tables::FindValue(std::uint16_t handle) const {
-  return Find(values_, handle);
+  const auto* const found = values_.Find(handle);
+  return found != nullptr ? found->get() : nullptr;
 }
 
 std::optional<std::uint16_t> Tables::HandleOf(std::string_view name) const {
@@ -75,8 +67,13 @@ std::optional<std::uint16_t> Tables::HandleOf(std::string_view name) const {
 }
 
 std::string_view Tables::Text(std::uint16_t handle) const {
-  const BiosString* const found = FindString(handle);
-  return found != nullptr ? found->Text() : std::string_view();
+  return FindString(handle).value_or(BiosString{}).text;
+}
+
+std::vector<const IntPLDMAttribute*> Tables::Attributes() const {
+  std::vector<const IntPLDMAttribute*> all;
+  attributes_.ForEach([&all](const auto& attribute) { all.push_back(attribute.get()); });
+  return all;
 }
 
 }  // namespace mira::pldm

@@ -13,7 +13,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <span>
@@ -23,6 +22,7 @@
 #include <vector>
 
 #include "pldm/attribute.h"
+#include "pldm/handle_index.h"
 
 namespace mira::pldm {
 
@@ -127,39 +127,34 @@ struct IntBIOSConfigSetValue : IntPLDMAttributeValue {
 // values, a boot order's sources, a config set's members. Empty for other types.
 std::span<const std::uint16_t> Choices(const IntPLDMAttribute& attribute);
 
-// A string of the string table, split at its first "[".
-class BiosString {
- public:
-  BiosString() = default;
-  explicit BiosString(std::string_view whole);
-  std::string_view Text() const { return std::string_view(whole_).substr(0, bracket_); }
-  // From the "[" on.
-  std::string_view Suffix() const { return std::string_view(whole_).substr(bracket_); }
-
- private:
-  std::string whole_;
-  std::size_t bracket_ = 0;
+// A string of the string table, split at its first "[". Stays until the next string is added.
+struct BiosString {
+  std::string_view text;
+  std::string_view suffix;  // from the "[" on
 };
 
 class Tables {
  public:
+  Tables() : handles_(0, NameHash{&characters_}, NameEqual{&characters_}) {}
+  Tables(const Tables&) = delete;
+  Tables& operator=(const Tables&) = delete;
+
   // Each of these replaces what the handle, or the name, stood for.
   void AddString(std::uint16_t handle, std::string_view whole);
   // Also finds the attribute by name from now on, if its name is in the string table.
   void AddAttribute(std::unique_ptr<IntPLDMAttribute> attribute);
   void AddValue(std::unique_ptr<IntPLDMAttributeValue> value);
 
-  // Null where there is none.
-  const BiosString* FindString(std::uint16_t handle) const;
+  // Nothing where there is none.
+  std::optional<BiosString> FindString(std::uint16_t handle) const;
   const IntPLDMAttribute* FindAttribute(std::uint16_t handle) const;
   const IntPLDMAttributeValue* FindValue(std::uint16_t handle) const;
   // Of the attribute of that name.
   std::optional<std::uint16_t> HandleOf(std::string_view name) const;
   // The text of a string; empty where there is none.
   std::string_view Text(std::uint16_t handle) const;
-
-  using AttributeIndex = std::map<std::uint16_t, std::unique_ptr<IntPLDMAttribute>>;
-  const AttributeIndex& Attributes() const { return attributes_; }
+  // In ascending order of handles.
+  std::vector<const IntPLDMAttribute*> Attributes() const;
 
   // String handle to text, as the firmware keeps it.
   using WideIndex = std::unordered_map<std::uint16_t, std::u16string>;
@@ -167,16 +162,40 @@ class Tables {
   WideIndex help_strings;
 
  private:
-  struct TextHash {
-    using is_transparent = void;
-    std::size_t operator()(std::string_view text) const {
-      return std::hash<std::string_view>{}(text);
+  // Where a string stands among the characters of all; these only grow.
+  struct Place {
+    std::uint32_t offset = 0;
+    std::uint16_t length = 0;
+    std::uint16_t bracket = 0;
+    explicit operator bool() const { return offset != 0; }
+    std::string_view Text(const std::string& characters) const {
+      return std::string_view(characters).substr(offset, bracket);
     }
   };
-  std::unordered_map<std::uint16_t, BiosString> strings_;
-  std::unordered_map<std::string, std::uint16_t, TextHash, std::equal_to<>> handles_;
-  AttributeIndex attributes_;
-  std::map<std::uint16_t, std::unique_ptr<IntPLDMAttributeValue>> values_;
+  // Names are looked up as texts and kept as places.
+  struct NameHash {
+    using is_transparent = void;
+    const std::string* characters;
+    std::size_t operator()(std::string_view name) const {
+      return std::hash<std::string_view>{}(name);
+    }
+    std::size_t operator()(const Place& name) const { return (*this)(name.Text(*characters)); }
+  };
+  struct NameEqual {
+    using is_transparent = void;
+    const std::string* characters;
+    bool operator()(const Place& a, const Place& b) const {
+      return a.Text(*characters) == b.Text(*characters);
+    }
+    bool operator()(std::string_view a, const Place& b) const { return a == b.Text(*characters); }
+    bool operator()(const Place& a, std::string_view b) const { return a.Text(*characters) == b; }
+  };
+
+  std::string characters_ = std::string(1, '\0');  // so that no string begins at 0
+  HandleIndex<Place> strings_;
+  std::unordered_map<Place, std::uint16_t, NameHash, NameEqual> handles_;
+  HandleIndex<std::unique_ptr<IntPLDMAttribute>> attributes_;
+  HandleIndex<std::unique_ptr<IntPLDMAttributeValue>> values_;
 };
 
 }  // namespace mira::pldm

@@ -48,9 +48,9 @@ TEST(StringTable, SplitsTextsAtTheFirstBracket) {
     SCOPED_TRACE(c.whole);
     Tables tables;
     ParseStringTable(ByteBuilder().String(7, c.whole).Table(), tables);
-    ASSERT_NE(tables.FindString(7), nullptr);
-    EXPECT_EQ(tables.FindString(7)->Text(), c.text);
-    EXPECT_EQ(tables.FindString(7)->Suffix(), c.suffix);
+    ASSERT_TRUE(tables.FindString(7));
+    EXPECT_EQ(tables.FindString(7)->text, c.text);
+    EXPECT_EQ(tables.FindString(7)->suffix, c.suffix);
   }
 }
 
@@ -81,10 +81,10 @@ TEST(StringTable, StopsWhereItsEntriesEnd) {
     Tables tables;
     ParseStringTable(c.data, tables);
     for (std::uint16_t handle = 1; handle <= c.texts.size(); ++handle) {
-      ASSERT_NE(tables.FindString(handle), nullptr);
+      ASSERT_TRUE(tables.FindString(handle));
       EXPECT_EQ(tables.Text(handle), c.texts[handle - 1u]);
     }
-    EXPECT_EQ(tables.FindString(static_cast<std::uint16_t>(c.texts.size() + 1)), nullptr);
+    EXPECT_FALSE(tables.FindString(static_cast<std::uint16_t>(c.texts.size() + 1)));
   }
 }
 
@@ -170,7 +170,7 @@ TEST(AttributeTable, LetsLaterEntriesReplaceEarlierOnes) {
                           "09 00 06 02 00 01 0A 00 00 00 00 00"),
                       tables);
   ASSERT_EQ(tables.Attributes().size(), 2u);
-  EXPECT_EQ(tables.Attributes().begin()->first, 8) << "ascending";
+  EXPECT_EQ(tables.Attributes().front()->handle, 8) << "ascending";
   EXPECT_EQ(tables.FindAttribute(9)->type, PLDM::BIOSConfigSet);
   EXPECT_EQ(tables.HandleOf("Name1"), 8);
   EXPECT_EQ(tables.HandleOf("Name2"), 9);
@@ -230,9 +230,9 @@ TEST(Values, AreReadAndEncoded) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.value);
     const Bytes bytes = Hex(c.value);
-    const auto value = MakeValue(Type(c.type));
     bytes::Reader in(bytes);
-    ASSERT_TRUE(ReadValue(in, *value));
+    const auto value = ReadValue(in, 1, Type(c.type));
+    ASSERT_NE(value, nullptr);
     EXPECT_EQ(in.Left(), 0u);
     Bytes encoded(EncodedSize(*value), 0xEE);
     bytes::Writer out(encoded);
@@ -244,7 +244,7 @@ TEST(Values, AreReadAndEncoded) {
     for (std::size_t length = 0; length < bytes.size(); ++length) {
       const Bytes cut(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(length));
       bytes::Reader short_in(cut);
-      EXPECT_FALSE(ReadValue(short_in, *value)) << length;
+      EXPECT_EQ(ReadValue(short_in, 1, Type(c.type)), nullptr) << length;
     }
   }
 }
@@ -331,11 +331,9 @@ class Request : public ::testing::Test {
     return AllBytes(*buffer);
   }
   void Exchange(int type, std::uint16_t handle, const char* value) {
-    record_.Exchange = MakeValue(Type(type));
-    record_.Exchange->handle = handle;
     const Bytes bytes = Hex(value);
     bytes::Reader in(bytes);
-    EXPECT_TRUE(ReadValue(in, *record_.Exchange));
+    record_.Exchange = ReadValue(in, handle, Type(type));
   }
   CACIInfo2Record record_;
 };
