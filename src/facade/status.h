@@ -12,7 +12,8 @@ enum Status {
   // The command class is not announced, the command has no buffer, or no attribute tables are
   // loaded.
   STATUS_NOT_SUPPORTED = 3,
-  // An attribute read or write ended with completion code -3, -5, -6 (or status byte 4), -7.
+  // An attribute read or write ended with completion code -3, -5 (or an answer that ends within the
+  // value), -6 (or status byte 4), -7.
   STATUS_FUNCTION_NOT_EXECUTED = 4,
   STATUS_OUTPUT_MALFORMED = 5,
   STATUS_OUTPUT_TOO_SMALL = 6,

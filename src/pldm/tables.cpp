@@ -23,8 +23,8 @@ std::span<const std::uint16_t> Choices(const IntPLDMAttribute& attribute) {
 }
 
 void Tables::AddString(std::uint16_t handle, std::string_view whole) {
-  // All strings that fit into tables stay far below this.
-  constexpr std::size_t kMostCharacters = 0x40000000;
+  // Strings that were replaced still count; real tables stay far below this.
+  constexpr std::size_t kMostCharacters = 64 * 1024 * 1024;
   constexpr std::size_t kLongestString = std::numeric_limits<std::uint16_t>::max();
   if (whole.size() > kLongestString || characters_.size() > kMostCharacters) return;
   strings_[handle] = {static_cast<std::uint32_t>(characters_.size()),

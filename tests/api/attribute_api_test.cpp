@@ -37,21 +37,16 @@ struct Table {
 };
 
 Bytes Strings() {
-  return ByteBuilder()
-      .String(1, "Wake")
-      .String(2, "Label[new]")
-      .String(3, "Fan")
-      .String(4, "BootOrder")
-      .String(5, "Disk")
-      .String(6, "Net")
-      .String(7, "Secret")
-      .String(8, "Group")
-      .String(9, "Profile")
-      .String(10, "Locked")
-      .String(20, "Off")
+  ByteBuilder table;
+  std::uint16_t handle = 0;
+  for (const char* const name : {"Wake", "Label[new]", "Fan", "BootOrder", "Disk", "Net", "Secret",
+                                 "Group", "Profile", "Locked"}) {
+    table.String(++handle, name);
+  }
+  return table.String(20, "Off")
       .String(21, "On[fast]")
       .String(22, "Auto")
-      .String(23, "All of them")
+      .String(23, "All")
       .Table();
 }
 
@@ -94,9 +89,9 @@ std::vector<Table> ThreeTables() {
 
 std::vector<Table> TablesWithTexts() {
   std::vector<Table> tables = ThreeTables();
-  tables.push_back({3, 0, ByteBuilder().WideString(1, u"Lets the LAN wake the machine").Table()});
-  tables.push_back({3, 1, ByteBuilder().WideString(1, u"Wake on LAN").Table()});
-  tables.push_back({3, 7, ByteBuilder().WideString(1, u"Neither").Table()});
+  tables.push_back({3, 0, ByteBuilder().String(1, u"Lets the LAN wake the machine").Table()});
+  tables.push_back({3, 1, ByteBuilder().String(1, u"Wake on LAN").Table()});
+  tables.push_back({3, 7, ByteBuilder().String(1, u"Neither").Table()});
   return tables;
 }
 
@@ -196,6 +191,9 @@ class Host {
     machine_.GetFirmware().SetHandler(5, std::move(handler));
   }
   Status Start(bool display = false, bool help = false) { return mira_.Init(true, display, help); }
+  Status Set(PLDM::Attribute& attribute) {
+    return mira_.SetAttributeValue(attribute, "", PwdInfo::PWD_NONE, kNoKey);
+  }
   CMiraIntf* operator->() { return &mira_; }
   CMiraIntf& mira() { return mira_; }
   AttributeFirmware& firmware() { return *firmware_; }
@@ -221,6 +219,22 @@ class Host {
   AttributeFirmware* firmware_ = nullptr;
   CMiraIntf mira_;
 };
+
+// A host with the tables loaded and the calls for it forgotten.
+class LoadedHost : public Host {
+ public:
+  explicit LoadedHost(const sim::Profile& profile = sim::Profile()) : Host(ThreeTables(), profile) {
+    EXPECT_EQ(Start(), STATUS_SUCCESS);
+    Calls();
+  }
+};
+
+PLDM::Integer Fan(std::uint64_t value = 0) {
+  PLDM::Integer fan;
+  fan.Name = "Fan";
+  fan.Value = value;
+  return fan;
+}
 
 std::size_t Count(CMiraIntf& mira) {
   std::list<std::pair<std::uint16_t, PLDM::ATTRIBUTE_TYPE>> list;
@@ -259,8 +273,7 @@ TEST(AttributeLoad, MakesTheseCallsInThisOrder) {
        140,
        {{16, 1, attributes}},
        "3/0+0 (0)->-6 3/0+0 (40)->0 4/0+0 (0)->-6 4/0+0 (16)->0 ",
-       0},
-  };
+       0}};
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
     Host host(c.tables, WithBuffer(c.buffer_size));
@@ -293,37 +306,32 @@ TEST(AttributeLoad, LeavesTheMachineUnsupportedWhenAFetchFails) {
     sim::Fault fault;
     bool supported;
   };
-  const auto answers = [](std::uint32_t length) {
-    return [length](Bytes& reply) { bytes::Writer(reply, 44).U32(length); };
+  const auto table_says = [](int nth, std::uint32_t length) {
+    return sim::Fault{.operation = "firmware 5/4", .nth = nth, .corrupt = [length](Bytes& reply) {
+                        bytes::Writer(reply, 44).U32(length);
+                      }};
+  };
+  const auto fails = [](const char* operation, int nth, std::int32_t completion) {
+    return sim::Fault{.operation = operation, .nth = nth, .completion = completion};
   };
   const Case cases[] = {
-      {"the directory's probe fails", {.operation = "firmware 5/3", .completion = -1}, false},
-      {"it is not supported", {.operation = "firmware 5/3", .completion = -2}, false},
-      {"its read fails", {.operation = "firmware 5/3", .nth = 2, .completion = -5}, false},
-      {"a probe may fail otherwise", {.operation = "firmware 5/4", .completion = -3}, false},
-      {"a table's probe fails", {.operation = "firmware 5/4", .completion = -1}, false},
-      {"the first chunk fails", {.operation = "firmware 5/4", .nth = 2, .completion = 7}, false},
-      {"a later chunk fails", {.operation = "firmware 5/4", .nth = 3, .completion = -1}, false},
-      {"the attributes fail", {.operation = "firmware 5/4", .nth = 5, .completion = -1}, false},
-      {"a chunk is empty", {.operation = "firmware 5/4", .nth = 3, .corrupt = answers(0)}, false},
-      {"a chunk is shorter than asked",
-       {.operation = "firmware 5/4", .nth = 2, .corrupt = answers(20)},
-       true},
-      {"a chunk is longer than asked",
-       {.operation = "firmware 5/4", .nth = 2, .corrupt = answers(109)},
-       false},
-      {"the last chunk has too much",
-       {.operation = "firmware 5/4", .nth = 3, .corrupt = answers(108)},
-       false},
-      {"a table is larger than anything",
-       {.operation = "firmware 5/4", .corrupt = answers(16 * 1024 * 1024 + 1)},
-       false},
-      {"a directory is", {.operation = "firmware 5/3", .corrupt = answers(0xFFFFFFFF)}, false},
+      {"the directory's probe fails", fails("firmware 5/3", 1, -1), false},
+      {"it is not supported", fails("firmware 5/3", 1, -2), false},
+      {"its read fails", fails("firmware 5/3", 2, -5), false},
+      {"a table's probe fails", fails("firmware 5/4", 1, -1), false},
+      {"it fails otherwise and says nothing", fails("firmware 5/4", 1, -3), false},
+      {"the first chunk fails", fails("firmware 5/4", 2, 7), false},
+      {"a later chunk fails", fails("firmware 5/4", 3, -1), false},
+      {"the attributes fail", fails("firmware 5/4", 5, -1), false},
+      {"a chunk is empty", table_says(3, 0), false},
+      {"a chunk is shorter than asked", table_says(2, 20), true},
+      {"a chunk is longer than asked", table_says(2, 109), false},
+      {"the last chunk has too much", table_says(3, 108), false},
+      {"a table is larger than anything", table_says(1, 16 * 1024 * 1024 + 1), false},
       {"the transport fails",
        {.operation = "IWbemServices::ExecMethod", .nth = 4, .result = -1},
        false},
-      {"none", {.operation = "none"}, true},
-  };
+      {"none", {.operation = "none"}, true}};
   const Bytes strings = ByteBuilder().String(3, std::string(140, 's')).Table();
   const Bytes attributes = ByteBuilder().U16(3).U8(6).U16(3).U8(0).Table();
   for (const Case& c : cases) {
@@ -404,8 +412,7 @@ TEST(AttributeStore, AnswersWithoutTables) {
   EXPECT_EQ(host->GetAttributeValue(attribute), STATUS_NOT_SUPPORTED);
   EXPECT_EQ(host->GetAttributeValueAtBoot(attribute), STATUS_NOT_SUPPORTED);
   EXPECT_EQ(host->GetAttributeValueAtBoot(3, text), STATUS_NOT_SUPPORTED);
-  EXPECT_EQ(host->SetAttributeValue(attribute, "", PwdInfo::PWD_NONE, kNoKey),
-            STATUS_NOT_SUPPORTED);
+  EXPECT_EQ(host.Set(attribute), STATUS_NOT_SUPPORTED);
   EXPECT_EQ(host->GetAttributeDefault(3, text), STATUS_NOT_SUPPORTED);
   EXPECT_EQ(host->GetPossibleValues(3, list), STATUS_NOT_SUPPORTED);
   EXPECT_EQ(text, "kept");
@@ -413,8 +420,7 @@ TEST(AttributeStore, AnswersWithoutTables) {
 }
 
 TEST(AttributeStore, IsSharedByCopies) {
-  Host host;
-  host.Start();
+  LoadedHost host;
   {
     CMiraIntf copy(host.mira());
     EXPECT_EQ(Count(copy), 11u);
@@ -424,8 +430,7 @@ TEST(AttributeStore, IsSharedByCopies) {
 }
 
 TEST(AttributeQuery, ListsInOrderOfHandles) {
-  Host host;
-  host.Start();
+  LoadedHost host;
   std::list<std::pair<std::string, PLDM::ATTRIBUTE_TYPE>> names = {{"gone", PLDM::BIOSInteger}};
   host->GetAttributeNamesAndTypes(names);
   const std::list<std::pair<std::string, PLDM::ATTRIBUTE_TYPE>> expected = {
@@ -466,11 +471,8 @@ TEST(AttributeQuery, GivesValuesAtBootDefaultsAndChoicesAsText) {
       {10, STATUS_SUCCESS, "was;On", STATUS_SUCCESS, "Off", {"Off", "On"}},
       {11, STATUS_FAILURE, "was;", STATUS_SUCCESS, "0", {}},                 // no value
       {12, STATUS_SUCCESS, "was;", STATUS_ATTRIBUTE_NOT_FOUND, "-", {"-"}},  // a value alone
-      {77, STATUS_FAILURE, "was;", STATUS_ATTRIBUTE_NOT_FOUND, "-", {"-"}},
-  };
-  Host host;
-  host.Start();
-  host.Calls();
+      {77, STATUS_FAILURE, "was;", STATUS_ATTRIBUTE_NOT_FOUND, "-", {"-"}}};
+  LoadedHost host;
   for (const Case& c : cases) {
     SCOPED_TRACE(c.handle);
     std::string text = "was;";
@@ -492,28 +494,33 @@ std::string Text(const PLDM::Attribute& attribute) {
   out << attribute.Handle << ' ' << attribute.Name << attribute.Suffix;
   const auto list = [&out](const char* what, const auto& values) {
     out << ' ' << what;
-    for (const auto& value : values) out << ' ' << +value;
+    for (auto value : values) {
+      if constexpr (std::is_same_v<decltype(value), std::string>) {
+        out << ' ' << value;
+      } else {
+        out << ' ' << unsigned{value};
+      }
+    }
   };
-  const auto texts = [&out](const char* what, const std::list<std::string>& values) {
-    out << ' ' << what;
-    for (const auto& value : values) out << ' ' << value;
+  const auto text = [&out](const auto& a) {
+    out << ' ' << a.MinLength << '-' << a.MaxLength << ' ' << a.Value;
   };
   if (const auto* const e = dynamic_cast<const PLDM::Enumeration*>(&attribute)) {
-    texts("of", e->PossibleValues);
-    texts("suffixed", e->SuffixedValues);
-    texts("default", e->DefaultValues);
+    list("of", e->PossibleValues);
+    list("suffixed", e->SuffixedValues);
+    list("default", e->DefaultValues);
     list("is", e->CurrentIndices);
   } else if (const auto* const s = dynamic_cast<const PLDM::String*>(&attribute)) {
-    out << ' ' << s->MinLength << '-' << s->MaxLength << ' ' << s->Value;
+    text(*s);
   } else if (const auto* const p = dynamic_cast<const PLDM::Password*>(&attribute)) {
-    out << ' ' << p->MinLength << '-' << p->MaxLength << ' ' << p->Value;
+    text(*p);
   } else if (const auto* const i = dynamic_cast<const PLDM::Integer*>(&attribute)) {
-    out << ' ' << i->LowerBound << '-' << i->UpperBound << '/' << i->ScalarIncrement << ' '
-        << i->Value;
+    out << ' ' << i->LowerBound << '-' << i->UpperBound << '/' << i->ScalarIncrement << ' ';
+    out << i->Value;
   } else if (const auto* const b = dynamic_cast<const PLDM::BootConfigSetting*>(&attribute)) {
-    out << ' ' << b->BootConfigType << ' ' << b->FailThroughMode << ' ' << +b->MinSources << '-'
-        << +b->MaxSources;
-    texts("order", b->OrderedSources);
+    out << ' ' << +b->MinSources << '-' << +b->MaxSources << ' ' << b->BootConfigType << ' '
+        << b->FailThroughMode;
+    list("order", b->OrderedSources);
   } else if (const auto* const c = dynamic_cast<const PLDM::Collection*>(&attribute)) {
     out << ' ' << c->CollectionName << ' ' << +c->CollectionType;
     list("members", c->Members);
@@ -525,64 +532,43 @@ std::string Text(const PLDM::Attribute& attribute) {
 
 TEST(AttributeRead, FillsEachType) {
   struct Case {
-    PLDM::ATTRIBUTE_TYPE type;
+    std::uint16_t handle;
     const char* name;
+    const char* fixed;  // what is alike at boot and now
     const char* at_boot;
     Bytes live;
     const char* now;
   };
   const Case cases[] = {
-      {PLDM::BIOSEnumeration,
+      {1,
        "Wake",
-       "1 Wake of Off On Auto suffixed On[fast] default On Auto is 0 2",
+       "1 Wake of Off On Auto suffixed On[fast] default On Auto is",
+       " 0 2",
        {1, 1},
-       "1 Wake of Off On Auto suffixed On[fast] default On Auto is 1"},
-      {PLDM::BIOSString,
-       "Label",
-       "2 Label[new] 2-40 at boot",
-       {3, 0, 'n', 'o', 'w'},
-       "2 Label[new] 2-40 now"},
-      {PLDM::BIOSInteger,
-       "Fan",
-       "3 Fan 10-90/5 18446744073709551615",
-       {60, 1, 0, 0, 0, 0, 0, 0},
-       "3 Fan 10-90/5 316"},
-      {PLDM::BIOSBootConfigSetting,
-       "BootOrder",
-       "4 BootOrder 1 2 0-2 order Net Disk",
-       {3, 4, 1, 0},
-       "4 BootOrder 3 4 0-2 order Disk"},
-      {PLDM::BIOSPassword, "Secret", "7 Secret 4-16 hush", {0, 0}, "7 Secret 4-16 "},
-      {PLDM::BIOSCollection,
-       "Group",
-       "8 Group All of them 9 members 1 3",
-       {1, 2, 1},
-       "8 Group All of them 9 members 258"},
-      {PLDM::BIOSConfigSet, "Profile", "9 Profile Net", {0}, "9 Profile Disk"},
-      {PLDM::BIOSEnumerationReadOnly,
-       "Locked",
-       "10 Locked of Off On suffixed On[fast] default Off is 1",
-       {1, 0},
-       "10 Locked of Off On suffixed On[fast] default Off is 0"},
-  };
+       " 1"},
+      {2, "Label", "2 Label[new] 2-40 ", "at boot", {3, 0, 'n', 'o', 'w'}, "now"},
+      {3, "Fan", "3 Fan 10-90/5 ", "18446744073709551615", {60, 1, 0, 0, 0, 0, 0, 0}, "316"},
+      {4, "BootOrder", "4 BootOrder 0-2 ", "1 2 order Net Disk", {3, 4, 1, 0}, "3 4 order Disk"},
+      {7, "Secret", "7 Secret 4-16 ", "hush", {0, 0}, ""},
+      {8, "Group", "8 Group All 9 members", " 1 3", {1, 2, 1}, " 258"},
+      {9, "Profile", "9 Profile ", "Net", {0}, "Disk"},
+      {10, "Locked", "10 Locked of Off On suffixed On[fast] default Off is", " 1", {1, 0}, " 0"}};
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
-    Host host;
-    host.Start();
-    host.Calls();
-    const auto attribute = PLDM::MakeAttribute(c.type);
+    LoadedHost host;
+    const auto attribute = PLDM::MakeAttribute(host->GetAttributeType(c.handle));
     attribute->Name = c.name;
-    attribute->Handle = 3;  // the name wins
+    attribute->Handle = 77;  // the name wins
     EXPECT_EQ(host->GetAttributeValueAtBoot(*attribute), STATUS_SUCCESS);
-    EXPECT_EQ(Text(*attribute), c.at_boot);
+    EXPECT_EQ(Text(*attribute), std::string(c.fixed) + c.at_boot);
     EXPECT_EQ(host.Calls(), "");
     host.firmware().live[attribute->Handle] = c.live;
     attribute->Name.clear();  // by handle
     EXPECT_EQ(host->GetAttributeValue(*attribute), STATUS_SUCCESS);
-    EXPECT_EQ(Text(*attribute), c.now);
+    EXPECT_EQ(Text(*attribute), std::string(c.fixed) + c.now);
     EXPECT_EQ(host.Calls(), "5/0+0 (162)->0 ");
     EXPECT_EQ(host->GetAttributeValueAtBoot(*attribute), STATUS_SUCCESS);
-    EXPECT_EQ(Text(*attribute), c.at_boot) << "boot values stay";
+    EXPECT_EQ(Text(*attribute), std::string(c.fixed) + c.at_boot) << "boot values stay";
   }
 }
 
@@ -593,32 +579,27 @@ TEST(AttributeRead, RefusesWithoutACall) {
     const char* name;
     std::uint16_t handle;
     Status status;
+    std::uint16_t resolved;
   };
   const Case cases[] = {
-      {"neither name nor handle", PLDM::BIOSInteger, "", 0, STATUS_ATTRIBUTE_NOT_FOUND},
-      {"unknown name, known handle", PLDM::BIOSInteger, "Fann", 3, STATUS_ATTRIBUTE_NOT_FOUND},
-      {"unknown handle", PLDM::BIOSInteger, "", 77, STATUS_ATTRIBUTE_NOT_FOUND},
-      {"an object of another class", PLDM::BIOSString, "Label", 0, STATUS_FAILURE},
-      {"an attribute of another type", PLDM::BIOSInteger, "Label", 0, STATUS_FAILURE},
-      {"a type that does not exist", static_cast<PLDM::ATTRIBUTE_TYPE>(7), "", 3, STATUS_FAILURE},
-  };
-  Host host;
-  host.Start();
-  host.Calls();
+      // First: nothing was exchanged yet that could be read again.
+      {"a type that does not exist", static_cast<PLDM::ATTRIBUTE_TYPE>(7), "", 3, STATUS_FAILURE,
+       3},
+      {"neither name nor handle", PLDM::BIOSInteger, "", 0, STATUS_ATTRIBUTE_NOT_FOUND, 0},
+      {"unknown name, known handle", PLDM::BIOSInteger, "Fann", 3, STATUS_ATTRIBUTE_NOT_FOUND, 0},
+      {"unknown handle", PLDM::BIOSInteger, "", 77, STATUS_ATTRIBUTE_NOT_FOUND, 77},
+      {"an object of another class", PLDM::BIOSString, "Label", 0, STATUS_FAILURE, 2},
+      {"an attribute of another type", PLDM::BIOSInteger, "Label", 0, STATUS_FAILURE, 2}};
+  LoadedHost host;
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
-    Host fresh;
-    fresh.Start();
-    fresh.Calls();
     PLDM::Integer attribute;
     attribute.Type = c.type;
     attribute.Name = c.name;
     attribute.Handle = c.handle;
-    EXPECT_EQ(fresh->GetAttributeValue(attribute), c.status);
-    EXPECT_EQ(fresh.Calls(), "");
-    if (attribute.Name == "Fann") {
-      EXPECT_EQ(attribute.Handle, 0) << "written back";
-    }
+    EXPECT_EQ(host->GetAttributeValue(attribute), c.status);
+    EXPECT_EQ(host.Calls(), "");
+    EXPECT_EQ(attribute.Handle, c.resolved);
   }
   PLDM::Integer without_value;
   without_value.Handle = 11;
@@ -668,35 +649,30 @@ TEST(AttributeCall, MapsCompletionCodes) {
     std::int32_t completion;
     Status status;
   };
-  const Case cases[] = {
-      {-1, STATUS_FUNCTION_ERROR},
-      {-2, STATUS_NOT_SUPPORTED},
-      {-3, STATUS_FUNCTION_NOT_EXECUTED},
-      {-4, STATUS_FAILURE},
-      {-5, STATUS_OUTPUT_MALFORMED},
-      {-6, STATUS_OUTPUT_TOO_SMALL},
-      {-7, STATUS_INVALID_SECURITY_KEY},
-      {-8, STATUS_FAILURE},
-      {-2000000000, STATUS_FAILURE},
-      {-2000000001, STATUS_TRANSPORT_ERROR},
-      {-2147483647 - 1, STATUS_TRANSPORT_ERROR},
-      {1, STATUS_FAILURE},
-  };
+  const Case cases[] = {{-1, STATUS_FUNCTION_ERROR},
+                        {-2, STATUS_NOT_SUPPORTED},
+                        {-3, STATUS_FUNCTION_NOT_EXECUTED},
+                        {-4, STATUS_FAILURE},
+                        {-5, STATUS_OUTPUT_MALFORMED},
+                        {-6, STATUS_OUTPUT_TOO_SMALL},
+                        {-7, STATUS_INVALID_SECURITY_KEY},
+                        {-8, STATUS_FAILURE},
+                        {-2000000000, STATUS_FAILURE},
+                        {-2000000001, STATUS_TRANSPORT_ERROR},
+                        {-2147483647 - 1, STATUS_TRANSPORT_ERROR},
+                        {1, STATUS_FAILURE}};
   for (const Case& c : cases) {
     SCOPED_TRACE(c.completion);
-    Host host;
-    host.Start();
+    LoadedHost host;
     host.machine().GetFaults().Add({.operation = "firmware", .nth = 0, .completion = c.completion});
-    PLDM::Integer attribute;
-    attribute.Name = "Fan";
+    PLDM::Integer attribute = Fan();
     EXPECT_EQ(host->GetAttributeValue(attribute), c.status);
-    EXPECT_EQ(host->SetAttributeValue(attribute, "", PwdInfo::PWD_NONE, kNoKey), c.status);
+    EXPECT_EQ(host.Set(attribute), c.status);
   }
 }
 
 TEST(AttributeRead, NoticesAnAnswerThatEndsWithinTheValue) {
-  Host host;
-  host.Start();
+  LoadedHost host;
   host.firmware().live[2] = {200, 0, 'a'};  // the record has no room for 200 characters
   PLDM::String attribute;
   attribute.Handle = 2;
@@ -705,76 +681,64 @@ TEST(AttributeRead, NoticesAnAnswerThatEndsWithinTheValue) {
 }
 
 TEST(AttributeWrite, MapsTheFirmwaresStatus) {
-  const Status statuses[] = {STATUS_SUCCESS,
-                             STATUS_ATTRIBUTE_REFUSED_1,
-                             STATUS_ATTRIBUTE_REFUSED_2,
-                             STATUS_ATTRIBUTE_NOT_FOUND,
-                             STATUS_OUTPUT_TOO_SMALL,
-                             STATUS_ATTRIBUTE_REFUSED_5,
-                             STATUS_SUCCESS};
-  Host host;
-  host.Start();
-  for (std::uint8_t status = 0; status < std::size(statuses); ++status) {
-    SCOPED_TRACE(+status);
-    host.firmware().status = status;
-    PLDM::Integer attribute;
-    attribute.Handle = 3;
-    EXPECT_EQ(host->SetAttributeValue(attribute, "", PwdInfo::PWD_NONE, kNoKey), statuses[status]);
+  LoadedHost host;
+  std::vector<int> statuses;
+  for (host.firmware().status = 0; host.firmware().status < 7; ++host.firmware().status) {
+    PLDM::Integer attribute = Fan();
+    statuses.push_back(host.Set(attribute));
   }
+  EXPECT_EQ(statuses, (std::vector<int>{0, 17, 18, 19, 6, 20, 0}));
+}
+
+// An object of the type, made known by `set`.
+template <typename T, typename Set>
+std::shared_ptr<PLDM::Attribute> Make(const char* name, Set set) {
+  auto attribute = std::make_shared<T>();
+  attribute->Name = name;
+  set(*attribute);
+  return attribute;
 }
 
 TEST(AttributeWrite, SendsEachType) {
-  PLDM::Enumeration wake;
-  wake.Name = "Wake";
-  wake.CurrentIndices = {2, 0};
-  PLDM::String label;
-  label.Name = "Label";
-  label.Value = "abc";
-  PLDM::Integer fan;
-  fan.Name = "Fan";
-  fan.Value = 0x1FF;  // beyond its bounds: that is for the firmware to say
-  PLDM::BootConfigSetting boot;
-  boot.Name = "BootOrder";
-  boot.BootConfigType = 1;
-  boot.FailThroughMode = 3;
-  boot.OrderedSources = {"Net", "Floppy", "Disk", "Fan"};
-  PLDM::Password secret;
-  secret.Name = "Secret";
-  secret.Value = "pst";
-  PLDM::Collection group;
-  group.Name = "Group";
-  group.Members = {0x102, 3};
-  PLDM::ConfigSet profile;
-  profile.Name = "Profile";
-  profile.SelectedMember = "Net";
-  PLDM::ConfigSet by_handle = profile;
-  by_handle.Name = "";
-  by_handle.Handle = 9;
-  by_handle.SelectedMember = "Floppy";
-  PLDM::Integer unknown;
-  unknown.Name = "Fann";
-  unknown.Handle = 3;
   struct Case {
-    PLDM::Attribute* attribute;
+    std::shared_ptr<PLDM::Attribute> attribute;
     std::uint16_t handle;
     Bytes encoded;
   };
   const Case cases[] = {
-      {&wake, 1, {0, 2, 2, 0}},
-      {&label, 2, {1, 3, 0, 'a', 'b', 'c'}},
-      {&fan, 3, {3, 0xFF, 1, 0, 0, 0, 0, 0, 0}},
-      {&boot, 4, {4, 1, 3, 4, 1, 2, 0, 2}},
-      {&secret, 7, {2, 3, 0, 'p', 's', 't'}},
-      {&group, 8, {5, 2, 2, 1, 3, 0}},
-      {&profile, 9, {6, 1}},
-      {&by_handle, 9, {6, 2}},
-      {&unknown, 0, {3, 0, 0, 0, 0, 0, 0, 0, 0}},
-  };
+      {Make<PLDM::Enumeration>("Wake",
+                               [](auto& a) {
+                                 a.CurrentIndices = {2, 0};
+                               }),
+       1,
+       {0, 2, 2, 0}},
+      {Make<PLDM::String>("Label", [](auto& a) { a.Value = "ab"; }), 2, {1, 2, 0, 'a', 'b'}},
+      // Beyond its bounds: that is for the firmware to say.
+      {Make<PLDM::Integer>("Fan", [](auto& a) { a.Value = 511; }),
+       3,
+       {3, 255, 1, 0, 0, 0, 0, 0, 0}},
+      {Make<PLDM::BootConfigSetting>("BootOrder",
+                                     [](auto& a) {
+                                       a.BootConfigType = 1;
+                                       a.FailThroughMode = 3;
+                                       a.OrderedSources = {"Net", "Floppy", "Disk", "Fan"};
+                                     }),
+       4,
+       {4, 1, 3, 4, 1, 2, 0, 2}},
+      {Make<PLDM::Password>("Secret", [](auto& a) { a.Value = "ps"; }), 7, {2, 2, 0, 'p', 's'}},
+      {Make<PLDM::Collection>("Group",
+                              [](auto& a) {
+                                a.Members = {0x102, 3};
+                              }),
+       8,
+       {5, 2, 2, 1, 3, 0}},
+      {Make<PLDM::ConfigSet>("Profile", [](auto& a) { a.SelectedMember = "Net"; }), 9, {6, 1}},
+      {Make<PLDM::ConfigSet>("", [](auto& a) { a.Handle = 9; }), 9, {6, 2}},
+      {Make<PLDM::Integer>("Fann", [](auto& a) { a.Handle = 3; }), 0, {3, 0, 0, 0, 0, 0, 0, 0, 0}}};
   for (const Case& c : cases) {
-    SCOPED_TRACE(c.attribute->Name);
-    Host host;
-    host.Start();
-    EXPECT_EQ(host->SetAttributeValue(*c.attribute, "", PwdInfo::PWD_NONE, kNoKey), STATUS_SUCCESS);
+    SCOPED_TRACE(c.handle);
+    LoadedHost host;
+    EXPECT_EQ(host.Set(*c.attribute), STATUS_SUCCESS);
     EXPECT_EQ(host.firmware().last_handle, c.handle);
     EXPECT_EQ(host.firmware().written, c.encoded);
     EXPECT_EQ(c.attribute->Handle, c.handle) << "written back";
@@ -782,12 +746,9 @@ TEST(AttributeWrite, SendsEachType) {
 }
 
 TEST(AttributeWrite, IsSeenByTheNextReadOnly) {
-  Host host;
-  host.Start();
-  PLDM::Integer fan;
-  fan.Name = "Fan";
-  fan.Value = 35;
-  EXPECT_EQ(host->SetAttributeValue(fan, "", PwdInfo::PWD_NONE, kNoKey), STATUS_SUCCESS);
+  LoadedHost host;
+  PLDM::Integer fan = Fan(35);
+  EXPECT_EQ(host.Set(fan), STATUS_SUCCESS);
   EXPECT_EQ(host->GetAttributeValueAtBoot(fan), STATUS_SUCCESS);
   EXPECT_EQ(fan.Value, 18446744073709551615u);
   EXPECT_EQ(host->GetAttributeValue(fan), STATUS_SUCCESS);
@@ -795,40 +756,28 @@ TEST(AttributeWrite, IsSeenByTheNextReadOnly) {
 }
 
 TEST(AttributeWrite, RefusesWhatNoRequestCanCarry) {
-  PLDM::Integer of_another_class;
-  of_another_class.Type = PLDM::BIOSString;
-  PLDM::Enumeration too_many;
-  too_many.CurrentIndices.assign(256, 0);
-  PLDM::String too_long;
-  too_long.Value.assign(65533, 'x');
-  PLDM::BootConfigSetting too_large;
-  too_large.BootConfigType = 256;
-  for (PLDM::Attribute* const attribute : std::initializer_list<PLDM::Attribute*>{
-           &of_another_class, &too_many, &too_long, &too_large}) {
-    Host host;
-    host.Start();
-    host.Calls();
-    attribute->Handle = 3;
-    EXPECT_EQ(host->SetAttributeValue(*attribute, "", PwdInfo::PWD_NONE, kNoKey), STATUS_FAILURE);
+  for (const auto& attribute :
+       {Make<PLDM::Integer>("Fan", [](auto& a) { a.Type = PLDM::BIOSString; }),
+        Make<PLDM::Enumeration>("Wake", [](auto& a) { a.CurrentIndices.assign(256, 0); }),
+        Make<PLDM::String>("Label", [](auto& a) { a.Value.assign(65533, 'x'); }),
+        Make<PLDM::BootConfigSetting>("BootOrder", [](auto& a) { a.BootConfigType = 256; })}) {
+    LoadedHost host;
+    EXPECT_EQ(host.Set(*attribute), STATUS_FAILURE);
     EXPECT_EQ(host.Calls(), "");
   }
 }
 
 TEST(AttributeWrite, OfAReadOnlyTypeSendsWhatWasExchangedLast) {
-  Host host;
-  host.Start();
-  host.Calls();
+  LoadedHost host;
   PLDM::Enumeration locked;
   locked.Type = PLDM::BIOSEnumerationReadOnly;
   locked.Name = "Locked";
-  locked.CurrentIndices = {0};
-  EXPECT_EQ(host->SetAttributeValue(locked, "", PwdInfo::PWD_NONE, kNoKey), STATUS_FAILURE);
+  EXPECT_EQ(host.Set(locked), STATUS_FAILURE);
   EXPECT_EQ(host.Calls(), "") << "nothing was exchanged yet";
   host.firmware().live[3] = {7, 0, 0, 0, 0, 0, 0, 0};
-  PLDM::Integer fan;
-  fan.Handle = 3;
+  PLDM::Integer fan = Fan();
   EXPECT_EQ(host->GetAttributeValue(fan), STATUS_SUCCESS);
-  EXPECT_EQ(host->SetAttributeValue(locked, "", PwdInfo::PWD_NONE, kNoKey), STATUS_SUCCESS);
+  EXPECT_EQ(host.Set(locked), STATUS_SUCCESS);
   EXPECT_EQ(host.firmware().last_handle, 3);
   EXPECT_EQ(host.firmware().written, (Bytes{3, 7, 0, 0, 0, 0, 0, 0, 0}));
 }
@@ -837,10 +786,8 @@ TEST(AttributeWrite, TakesAKeyAndKeepsIt) {
   sim::Profile profile;
   profile.class9.text = "setup1";
   profile.class10.text = "system1";
-  Host host(ThreeTables(), profile);
-  host.Start();
-  PLDM::Integer fan;
-  fan.Handle = 3;
+  LoadedHost host(profile);
+  PLDM::Integer fan = Fan();
   struct Case {
     const char* what;
     const char* password;
@@ -859,8 +806,7 @@ TEST(AttributeWrite, TakesAKeyAndKeepsIt) {
       {"of class 10", "system1", PwdInfo::PWD_CLASS10, kNoKey, STATUS_SUCCESS, 0, true},
       {"of the wrong class", "system1", PwdInfo::PWD_CLASS12, 0x99, STATUS_SECURITY_KEY_FAILED, 0,
        false},
-      {"another one given", "", PwdInfo::PWD_NONE, 0x55, STATUS_SUCCESS, 0x55, false},
-  };
+      {"another one given", "", PwdInfo::PWD_NONE, 0x55, STATUS_SUCCESS, 0x55, false}};
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
     host.machine().GetFirmware().ClearJournal();

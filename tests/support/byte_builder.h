@@ -39,7 +39,7 @@ class ByteBuilder {
   ByteBuilder& String(std::uint16_t handle, std::string_view text) {
     return U16(handle).Text(text);
   }
-  ByteBuilder& WideString(std::uint16_t handle, std::u16string_view text) {
+  ByteBuilder& String(std::uint16_t handle, std::u16string_view text) {
     U16(handle).U16(text.size());
     for (const char16_t unit : text) U16(unit);
     return *this;

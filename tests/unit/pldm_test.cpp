@@ -91,7 +91,7 @@ TEST(StringTable, StopsWhereItsEntriesEnd) {
 TEST(StringData, HoldsWideTexts) {
   Tables::WideIndex index;
   ParseStringData(
-      ByteBuilder().WideString(3, u"Gr\u00FC\u00DFe").WideString(0x104, u"\u65E5").Table(), index);
+      ByteBuilder().String(3, u"Gr\u00FC\u00DFe").WideString(0x104, u"\u65E5").Table(), index);
   EXPECT_EQ(index.size(), 2u);
   EXPECT_EQ(index[3], u"Gr\u00FC\u00DFe");
   EXPECT_EQ(index[0x104], u"\u65E5");
