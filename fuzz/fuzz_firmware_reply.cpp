@@ -30,7 +30,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const mira::sim::Session session(machine);
   std::ostringstream diagnostics;
   CMiraIntf mira(diagnostics);
-  mira.Init(false, false, false);
+  mira.Init(true, true, true);
+  PLDM::Enumeration attribute;
+  attribute.Handle = 1;
+  mira.GetAttributeValue(attribute);
+  mira.SetAttributeValue(attribute, "", PwdInfo::PWD_NONE, 1);
   CHDDPwd request;
   request.Password = "secret";
   mira.ExecuteDACI(command.cls, command.select, request, "", PwdInfo::PWD_NONE);

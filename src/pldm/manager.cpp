@@ -86,16 +86,18 @@ PLDM::ATTRIBUTE_TYPE Manager::GetAttributeType(std::uint16_t handle) const {
 Outcome Manager::Resolve(PLDM::Attribute& attr) {
   if (!record_) return {Outcome::kNotSupported};
   if (attr.Name.empty() && attr.Handle == 0) return {Outcome::kNotFound};
-  if (auto value = MakeValue(attr.Type)) {
-    if (!attr.Name.empty()) attr.Handle = record_->Tables.HandleOf(attr.Name).value_or(0);
+  auto value = MakeValue(attr.Type);
+  if (value && !attr.Name.empty()) attr.Handle = record_->Tables.HandleOf(attr.Name).value_or(0);
+  const IntPLDMAttribute* const attribute = attr.Handle != 0 ? Find(attr.Handle) : nullptr;
+  if (value) {
+    // What cannot be read leaves what was exchanged last as it is.
+    const bool fits =
+        attribute == nullptr || (IsOfItsType(attr) && SameType(attr.Type, attribute->type));
+    if (!fits) return {Outcome::kFailed};
     value->handle = attr.Handle;
     record_->Exchange = std::move(value);
   }
-  const IntPLDMAttribute* const attribute = attr.Handle != 0 ? Find(attr.Handle) : nullptr;
-  if (attribute == nullptr) return {Outcome::kNotFound};
-  const bool fits =
-      !PLDM::IsKnown(attr.Type) || (IsOfItsType(attr) && SameType(attr.Type, attribute->type));
-  return {fits ? Outcome::kDone : Outcome::kFailed};
+  return {attribute != nullptr ? Outcome::kDone : Outcome::kNotFound};
 }
 
 void Manager::FetchStrings(StringKind kind) {

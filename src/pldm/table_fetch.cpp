@@ -21,6 +21,9 @@ constexpr std::int32_t kNotSupported = -2;
 // What a record with a chunk needs of the transfer buffer beside the chunk.
 constexpr std::uint32_t kChunkOverhead = 92;
 
+// A machine whose table trickles in more pieces than this is given up.
+constexpr int kMostChunks = 0x10000;
+
 Progress told = nullptr;
 
 // One fetch: what is read, and where its bytes go.
@@ -68,7 +71,7 @@ class Fetch {
     record_->Expected = required_;
     record_->Assembly = transport::MakeRecord(command_.cls, command_.select, required_ + kHeader);
     bool receives = true;
-    while (receives && record_->Received < required_) {
+    for (int chunk = 0; receives && record_->Received < required_ && chunk < kMostChunks; ++chunk) {
       const std::uint32_t before = record_->Received;
       std::uint32_t size = ChunkRoom();
       OneCall call(target_, command_, 0, size, *record_);
