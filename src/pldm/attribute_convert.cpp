@@ -43,8 +43,8 @@ std::string ChoiceName(const IntPLDMAttribute& attribute, std::size_t index, con
   return std::string(ChoiceText(&attribute, index, tables).value_or(std::string_view()));
 }
 
-std::list<std::string> ChoiceNames(const IntPLDMAttribute& attribute,
-                                   std::span<const std::uint8_t> indices, const Tables& tables) {
+std::list<std::string> ChoiceNames(const IntPLDMAttribute& attribute, const Indices& indices,
+                                   const Tables& tables) {
   std::list<std::string> names;
   for (const std::uint8_t index : indices) names.push_back(ChoiceName(attribute, index, tables));
   return names;
@@ -54,7 +54,7 @@ std::list<std::string> ChoiceNames(const IntPLDMAttribute& attribute,
 // name has; their number when there is none.
 std::uint8_t PlaceOf(const std::string& name, std::uint16_t attribute, const Tables& tables) {
   const IntPLDMAttribute* const found = tables.FindAttribute(attribute);
-  const auto choices = found != nullptr ? Choices(*found) : std::span<const std::uint16_t>();
+  const auto choices = found != nullptr ? Choices(*found) : std::span<const char16_t>();
   const auto handle = tables.HandleOf(name);
   const auto place = handle ? std::find(choices.begin(), choices.end(), *handle) : choices.end();
   return static_cast<std::uint8_t>(place - choices.begin());
@@ -203,8 +203,7 @@ const Kind* FindKind(PLDM::ATTRIBUTE_TYPE type) {
 
 std::optional<std::string_view> ChoiceText(const IntPLDMAttribute* attribute, std::size_t index,
                                            const Tables& tables) {
-  const auto choices =
-      attribute != nullptr ? Choices(*attribute) : std::span<const std::uint16_t>();
+  const auto choices = attribute != nullptr ? Choices(*attribute) : std::span<const char16_t>();
   const auto found = index < choices.size() ? tables.FindString(choices[index]) : std::nullopt;
   return found ? std::optional(found->text) : std::nullopt;
 }

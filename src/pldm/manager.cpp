@@ -22,8 +22,8 @@ bool SameType(PLDM::ATTRIBUTE_TYPE a, PLDM::ATTRIBUTE_TYPE b) {
 }
 
 // Appends the texts of the attribute's choices, each with `end` behind it, until one is missing.
-Outcome AppendChoices(const IntPLDMAttribute* attribute, const std::vector<std::uint8_t>& indices,
-                      const char* end, const Tables& tables, std::string& text) {
+Outcome AppendChoices(const IntPLDMAttribute* attribute, const Indices& indices, const char* end,
+                      const Tables& tables, std::string& text) {
   for (const std::uint8_t index : indices) {
     const auto choice = ChoiceText(attribute, index, tables);
     if (!choice) return {Outcome::kFailed};

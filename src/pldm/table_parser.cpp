@@ -20,15 +20,15 @@ constexpr std::size_t kCountByte = 1;
 constexpr std::size_t kLengthWord = 2;
 
 // Fields that both attributes and values have.
-void ReadBytes(Reader& in, std::size_t count, std::vector<std::uint8_t>& list) {
+void ReadBytes(Reader& in, std::size_t count, Indices& list) {
   const ByteSpan taken = in.Take(count);
   list.assign(taken.begin(), taken.end());
 }
 
-void ReadHandles(Reader& in, std::size_t count, std::vector<std::uint16_t>& list) {
+void ReadHandles(Reader& in, std::size_t count, Handles& list) {
   Reader handles(in.Take(count * sizeof(std::uint16_t)));
   list.resize(handles.Left() / sizeof(std::uint16_t));
-  for (std::uint16_t& handle : list) handle = handles.U16();
+  for (char16_t& handle : list) handle = handles.U16();
 }
 
 void ReadText(Reader& in, std::string& text) {
@@ -91,9 +91,9 @@ void Read(Reader& in, IntBIOSBootConfigSettingValue& value) {
 void Read(Reader& in, IntBIOSCollectionValue& value) { ReadHandles(in, in.U8(), value.members); }
 void Read(Reader& in, IntBIOSConfigSetValue& value) { value.index = in.U8(); }
 
-void WriteIndices(const std::vector<std::uint8_t>& indices, Writer& out) {
+void WriteIndices(const Indices& indices, Writer& out) {
   out.U8(static_cast<std::uint8_t>(indices.size()));
-  out.Bytes(indices);
+  for (const std::uint8_t index : indices) out.U8(index);
 }
 
 void WriteText(const std::string& text, Writer& out) {

@@ -9,7 +9,7 @@ namespace mira::pldm {
 IntBIOSPassword::~IntBIOSPassword() { bytes::Wipe(default_text); }
 IntBIOSPasswordValue::~IntBIOSPasswordValue() { bytes::Wipe(text); }
 
-std::span<const std::uint16_t> Choices(const IntPLDMAttribute& attribute) {
+std::span<const char16_t> Choices(const IntPLDMAttribute& attribute) {
   if (const auto* const enumeration = dynamic_cast<const IntBIOSEnumeration*>(&attribute)) {
     return enumeration->possible_handles;
   }
@@ -35,7 +35,7 @@ void Tables::AddString(std::uint16_t handle, std::string_view whole) {
 
 void Tables::AddAttribute(std::unique_ptr<IntPLDMAttribute> attribute) {
   if (const Place* const name = strings_.Find(attribute->name_handle)) {
-    handles_.insert_or_assign(*name, attribute->handle);
+    handles_.Put(characters_, {name->offset, name->bracket}, attribute->handle);
   }
   attributes_[attribute->handle] = std::move(attribute);
 }
@@ -62,8 +62,7 @@ const IntPLDMAttributeValue* Tables::FindValue(std::uint16_t handle) const {
 }
 
 std::optional<std::uint16_t> Tables::HandleOf(std::string_view name) const {
-  const auto found = handles_.find(name);
-  return found != handles_.end() ? std::optional(found->second) : std::nullopt;
+  return handles_.Find(characters_, name);
 }
 
 std::string_view Tables::Text(std::uint16_t handle) const {

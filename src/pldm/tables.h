@@ -12,7 +12,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -23,8 +22,14 @@
 
 #include "pldm/attribute.h"
 #include "pldm/handle_index.h"
+#include "pldm/name_index.h"
 
 namespace mira::pldm {
+
+// Lists of handles and of indices. These are strings of numbers, because those keep a list as short
+// as most are inside themselves.
+using Handles = std::u16string;
+using Indices = std::u8string;
 
 // An entry of the attribute table. A read-only type keeps its mark.
 struct IntPLDMAttribute {
@@ -38,8 +43,8 @@ struct IntPLDMAttribute {
 };
 
 struct IntBIOSEnumeration : IntPLDMAttribute {
-  std::vector<std::uint16_t> possible_handles;  // strings
-  std::vector<std::uint8_t> default_indices;    // into possible_handles
+  Handles possible_handles;  // strings
+  Indices default_indices;   // into possible_handles
 };
 
 struct IntBIOSString : IntPLDMAttribute {
@@ -69,7 +74,7 @@ struct IntBIOSBootConfigSetting : IntPLDMAttribute {
   std::uint8_t supported_modes = 0;  // ordered and fail-through
   std::uint8_t min_sources = 0;
   std::uint8_t max_sources = 0;
-  std::vector<std::uint16_t> possible_handles;  // strings
+  Handles possible_handles;  // strings
 };
 
 struct IntBIOSCollection : IntPLDMAttribute {
@@ -79,7 +84,7 @@ struct IntBIOSCollection : IntPLDMAttribute {
 };
 
 struct IntBIOSConfigSet : IntPLDMAttribute {
-  std::vector<std::uint16_t> member_handles;  // strings
+  Handles member_handles;  // strings
 };
 
 // An entry of the attribute value table.
@@ -93,7 +98,7 @@ struct IntPLDMAttributeValue {
 };
 
 struct IntBIOSEnumerationValue : IntPLDMAttributeValue {
-  std::vector<std::uint8_t> indices;
+  Indices indices;
 };
 
 struct IntBIOSStringValue : IntPLDMAttributeValue {
@@ -112,11 +117,11 @@ struct IntBIOSIntegerValue : IntPLDMAttributeValue {
 struct IntBIOSBootConfigSettingValue : IntPLDMAttributeValue {
   std::uint8_t boot_config_type = 0;
   std::uint8_t fail_through_mode = 0;
-  std::vector<std::uint8_t> ordered_indices;
+  Indices ordered_indices;
 };
 
 struct IntBIOSCollectionValue : IntPLDMAttributeValue {
-  std::vector<std::uint16_t> members;  // attribute handles
+  Handles members;  // attribute handles
 };
 
 struct IntBIOSConfigSetValue : IntPLDMAttributeValue {
@@ -125,7 +130,7 @@ struct IntBIOSConfigSetValue : IntPLDMAttributeValue {
 
 // The strings among which the value of an attribute chooses by index: an enumeration's possible
 // values, a boot order's sources, a config set's members. Empty for other types.
-std::span<const std::uint16_t> Choices(const IntPLDMAttribute& attribute);
+std::span<const char16_t> Choices(const IntPLDMAttribute& attribute);
 
 // A string of the string table, split at its first "[". Stays until the next string is added.
 struct BiosString {
@@ -135,10 +140,6 @@ struct BiosString {
 
 class Tables {
  public:
-  Tables() : handles_(0, NameHash{&characters_}, NameEqual{&characters_}) {}
-  Tables(const Tables&) = delete;
-  Tables& operator=(const Tables&) = delete;
-
   // Each of these replaces what the handle, or the name, stood for.
   void AddString(std::uint16_t handle, std::string_view whole);
   // Also finds the attribute by name from now on, if its name is in the string table.
@@ -168,32 +169,11 @@ class Tables {
     std::uint16_t length = 0;
     std::uint16_t bracket = 0;
     explicit operator bool() const { return offset != 0; }
-    std::string_view Text(const std::string& characters) const {
-      return std::string_view(characters).substr(offset, bracket);
-    }
-  };
-  // Names are looked up as texts and kept as places.
-  struct NameHash {
-    using is_transparent = void;
-    const std::string* characters;
-    std::size_t operator()(std::string_view name) const {
-      return std::hash<std::string_view>{}(name);
-    }
-    std::size_t operator()(const Place& name) const { return (*this)(name.Text(*characters)); }
-  };
-  struct NameEqual {
-    using is_transparent = void;
-    const std::string* characters;
-    bool operator()(const Place& a, const Place& b) const {
-      return a.Text(*characters) == b.Text(*characters);
-    }
-    bool operator()(std::string_view a, const Place& b) const { return a == b.Text(*characters); }
-    bool operator()(const Place& a, std::string_view b) const { return a.Text(*characters) == b; }
   };
 
   std::string characters_ = std::string(1, '\0');  // so that no string begins at 0
   HandleIndex<Place> strings_;
-  std::unordered_map<Place, std::uint16_t, NameHash, NameEqual> handles_;
+  NameIndex handles_;
   HandleIndex<std::unique_ptr<IntPLDMAttribute>> attributes_;
   HandleIndex<std::unique_ptr<IntPLDMAttributeValue>> values_;
 };

@@ -148,6 +148,26 @@ TEST(AttributeTable, LetsLaterEntriesReplaceEarlierOnes) {
   EXPECT_EQ(tables.HandleOf("Name2"), 9);
 }
 
+TEST(Tables, FindEachOfMany) {
+  constexpr unsigned kCount = 60000;
+  ByteBuilder strings;
+  ByteBuilder attributes;
+  for (unsigned i = 1; i <= kCount; ++i) {
+    strings.String(static_cast<std::uint16_t>(i), "Attribute" + std::to_string(i) + "[x]");
+    attributes.U16(kCount + 1 - i).U8(6).U16(i).U8(0);
+  }
+  Tables tables;
+  ParseStringTable(strings.Table(), tables);
+  ParseAttributeTable(attributes.Table(), tables);
+  unsigned found = 0;
+  for (unsigned i = 1; i <= kCount; ++i) {
+    found += tables.HandleOf("Attribute" + std::to_string(i)) == kCount + 1 - i ? 1u : 0u;
+  }
+  EXPECT_EQ(found, kCount);
+  EXPECT_EQ(tables.HandleOf("Attribute60001"), std::nullopt);
+  EXPECT_EQ(tables.Attributes().front()->handle, 1);
+}
+
 TEST(Tables, SurviveBeingCutAnywhere) {
   const Bytes whole = EachAttribute().Done();
   std::size_t before = 0;
