@@ -18,8 +18,7 @@ SMBiosCI* CAuxMACBuffer::FillInputBuffer(std::uint32_t securityKey, std::uint32_
                                          IBIOSData& data) {
   const CMACAddr& request = dynamic_cast<CMACAddr&>(data);
   constexpr std::uint32_t kTextSize = std::tuple_size_v<decltype(request.MAC)> + 1;
-  SMBiosCI* const record =
-      NewRecord(std::uint64_t{size} + kData + kTextSize, request, securityKey);
+  SMBiosCI* const record = NewRecord(std::uint64_t{size} + kData + kTextSize, request, securityKey);
   if (record == nullptr) return nullptr;
   mira::transport::SetArgOffset(*record, 1, kArea);
   if (m_wSelect == kRead) {

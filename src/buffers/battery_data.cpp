@@ -11,9 +11,7 @@ constexpr unsigned kQuartersPerHour = 4;
 constexpr unsigned kMinutesPerQuarter = 15;
 constexpr std::uint8_t kLastQuarter = 24 * kQuartersPerHour;
 
-std::string TwoDigits(unsigned number) {
-  return (number < 10 ? "0" : "") + std::to_string(number);
-}
+std::string TwoDigits(unsigned number) { return (number < 10 ? "0" : "") + std::to_string(number); }
 
 }  // namespace
 
@@ -42,8 +40,7 @@ std::string DayText(std::uint32_t word) {
   const std::optional<DayTimes> times = UnpackDay(word);
   if (!times) return "unknown";
   const std::string text = TimeText(times->begin) + " - " + TimeText(times->end);
-  return times->charge_from == 0 ? text
-                                 : text + ", charging from " + TimeText(times->charge_from);
+  return times->charge_from == 0 ? text : text + ", charging from " + TimeText(times->charge_from);
 }
 
 std::string VersionText(std::uint32_t version) {

@@ -3,28 +3,10 @@
 
 #include <cstdint>
 
-#include "buffers/battery_data.h"
-#include "buffers/extended_buffer.h"
-
-// What reading and writing a battery's configuration have in common.
-class CBatteryInfoBuffer : public CExtendedBuffer {
- public:
-  using CExtendedBuffer::CExtendedBuffer;
-
- protected:
-  static constexpr std::uint32_t kConfigArea = 36;  // a length, then version and seven days
-
-  // A record whose first argument names command and battery.
-  SMBiosCI* NewBatteryRecord(std::uint32_t length, const BATTERY_INFO& data);
-  // Names the area by an argument and prepares it.
-  void AddConfigArea(unsigned argument);
-  // Asks for command and battery.
-  static bool Ask(BATTERY_INFO& data);
-  static bool Ask(std::uint16_t& command, std::uint16_t& battery);
-};
+#include "buffers/battery_info_buffer.h"
 
 // Class 8 select 18. The request is a record of the kind that the command asks for
-// (buffers/battery_data.h).
+// (buffers/battery_data.h); for commands without a configuration, a BATTERY_INFO.
 class CBatteryInfoGetBuffer : public CBatteryInfoBuffer {
  public:
   using CBatteryInfoBuffer::CBatteryInfoBuffer;
@@ -35,10 +17,10 @@ class CBatteryInfoGetBuffer : public CBatteryInfoBuffer {
   void DisplayOutputBuffer() override;
 
  private:
+  static constexpr std::uint16_t kRead = 18;
+
   void Decode(ADV_BATT_CONFIG& config) const;
   void Decode(PEAK_SHIFT_CONFIG& config) const;
-  template <typename Config>
-  void ReadSchedule(Config& config) const;
 };
 
 #endif  // MIRA_BUFFERS_BATTERY_INFO_GET_BUFFER_H_

@@ -3,10 +3,22 @@
 #include <iostream>
 #include <new>
 
+#include "buffers/asset_svc_tag_buffer.h"
+#include "buffers/aux_mac_buffer.h"
+#include "buffers/battery_info_get_buffer.h"
+#include "buffers/battery_info_set_buffer.h"
+#include "buffers/c17_buffer.h"
+#include "buffers/eppid_buffer.h"
 #include "buffers/generic_buffer.h"
 #include "buffers/hdd_pwd_buffer.h"
+#include "buffers/image_server_data_buffer.h"
 #include "buffers/legacy_bbs_buffer.h"
+#include "buffers/log_entry_buffer.h"
+#include "buffers/ownership_tag_buffer.h"
 #include "buffers/pba_buffer.h"
+#include "buffers/skyport_buffer.h"
+#include "buffers/tag_ex_buffer.h"
+#include "buffers/thin_client_info_buffer.h"
 #include "buffers/uefi_boot_buffer.h"
 #include "pldm/aci_info2_buffer.h"
 
@@ -58,7 +70,10 @@ constexpr Row kRows[] = {
     {6, 6, 5, 5, Make<CGenericBuffer>},
     {6, 6, 6, kAny, kPlain},
     {7, 7, 4, 4, kPlain},
+    {7, 7, 5, 9, Make<CSkyportBuffer>},
     {8, 8, 0, 17, kPlain},
+    {8, 8, 18, 18, Make<CBatteryInfoGetBuffer>},
+    {8, 8, 19, 19, Make<CBatteryInfoSetBuffer>},
     {9, 9, 4, 5, Make<CPBABuffer>},
     {9, 9, 0, kAny, kPlain},
     {10, 10, 4, 5, Make<CPBABuffer>},
@@ -70,17 +85,28 @@ constexpr Row kRows[] = {
     {10, 10, 28, 28, Make<CHDDPwdBuffer>},
     {10, 10, 30, 31, Make<CHDDPwdBuffer>},
     {10, 10, 0, kAny, kPlain},
+    {11, 11, 0, 3, Make<CAssetSvcTagBuffer>},
+    {11, 11, 4, 5, Make<CImageServerDataBuffer>},
+    {11, 11, 6, 7, Make<CAuxMACBuffer>},
+    {11, 11, 8, 9, Make<CTagEx>},
     {12, 12, 4, 5, Make<CPBABuffer>},
     {12, 12, 0, kAny, kPlain},
     {16, 16, 0, kAny, kPlain},
-    {17, 17, 4, 5, MakeNone},
-    {17, 17, 14, 16, MakeNone},
-    {17, 17, 18, 18, MakeNone},
-    {17, 17, 22, 22, MakeNone},
-    {17, 17, 24, 24, MakeNone},
+    {17, 17, 4, 4, MakeNone},
+    {17, 17, 5, 5, Make<C17Buffer>},
+    {17, 17, 14, 14, Make<C17Buffer>},
+    {17, 17, 15, 15, MakeNone},
+    {17, 17, 16, 16, Make<C17Buffer>},
+    {17, 17, 18, 18, Make<C17Buffer>},
+    {17, 17, 22, 22, Make<C17Buffer>},
+    {17, 17, 24, 24, Make<CLogEntryBuffer>},
     {17, 17, 0, kAny, kPlain},
     {18, 19, 0, kAny, kPlain},
+    {20, 20, 0, kAny, Make<COwnershipTagBuffer>},
+    {21, 21, 1, 2, Make<CEPPIDBuffer>},
     {22, 22, 0, kAny, kPlain},
+    {23, 23, 0, kAny, Make<COwnershipTagBuffer>},
+    {26, 26, 1, 1, Make<CThinClientInfoBuffer>},
     {28, 28, 2, 2, kPlain},
     {30, 30, 0, kAny, kPlain},
 };

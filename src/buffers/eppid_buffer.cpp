@@ -49,6 +49,6 @@ void CEPPIDBuffer::ParseOutputBuffer(IBIOSData& data) {
 
 void CEPPIDBuffer::DisplayOutputBuffer() {
   CBuffer::DisplayOutputBuffer();
-  std::cout << "ePPID is : "
-            << mira::bytes::AsText(mira::bytes::Slice(Record(), kText, kTextSize)) << std::endl;
+  std::cout << "ePPID is : " << mira::bytes::AsText(mira::bytes::Slice(Record(), kText, kTextSize))
+            << std::endl;
 }

@@ -13,8 +13,8 @@ SMBiosCI* CTagEx::FillInputBuffer(std::uint32_t securityKey, std::uint32_t& size
     if (record != nullptr) record->cbArg1 = request.Arg1;
     return Sized(size);
   }
-  // The text stands where the area begins, without a length.
-  const std::uint64_t length = std::uint64_t{kArea} + request.Tag.size() + 1;
+  // The text stands where the area begins, without a length, yet the record is as long as with one.
+  const std::uint64_t length = std::uint64_t{kData} + request.Tag.size() + 1;
   SMBiosCI* const record = NewKeyedRecord(length, request, securityKey, 3);
   if (record == nullptr) return nullptr;
   mira::transport::SetArgOffset(*record, 2, kArea);
@@ -26,9 +26,8 @@ SMBiosCI* CTagEx::PromptInputBuffer(std::uint32_t securityKey, std::uint32_t& si
   CTagData data;
   if (prompt) {
     if (!mira::console_io::AskNumber("Enter the Tag Command value :", data.Arg1)) return nullptr;
-    if (m_wSelect != kRead &&
-        !mira::console_io::AskText("Enter the Tag to be set : ", data.Tag,
-                                   std::numeric_limits<std::size_t>::max())) {
+    if (m_wSelect != kRead && !mira::console_io::AskText("Enter the Tag to be set : ", data.Tag,
+                                                         std::numeric_limits<std::size_t>::max())) {
       return nullptr;
     }
   }
