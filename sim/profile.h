@@ -8,7 +8,9 @@
 //   profile.is_administrator = false;
 //   mira::sim::Machine machine(profile);
 
+#include <array>
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -57,6 +59,51 @@ struct PreBoot {
   std::string credential = "logon credential";  // what the operating system may fetch once
 };
 
+// A battery with its charging configuration. Day words are as docs/identity.md lays them out.
+struct Battery {
+  std::uint8_t number = 1;  // of the battery's SMBIOS structure, counted from 1
+  std::uint16_t charge_cycles = 143;
+  std::uint32_t design_capacity = 63000;  // mWh, as the next
+  std::uint32_t full_charge_capacity = 58170;
+  std::uint32_t config_version = 0x00010000;
+  std::uint8_t charging_mode = 1;  // 1 to 5
+  std::uint8_t start_limit = 50;   // percent, as all limits and thresholds
+  std::uint8_t stop_limit = 90;
+  std::array<std::uint32_t, 7> charging_days = {0, 0x4420, 0x4420, 0x4420, 0x4420, 0x4420, 0};
+  bool peak_shift = false;
+  std::uint8_t peak_threshold = 30;
+  std::uint8_t lowest_peak_threshold = 15;
+  std::uint8_t highest_peak_threshold = 100;
+  std::array<std::uint32_t, 7> peak_days = {0, 0, 0, 0, 0, 0, 0};
+};
+
+struct FirmwareMessage {
+  std::uint16_t number;
+  std::uint8_t severity;  // 0 information, 1 warning, 2 error
+  std::string text;
+  bool seen = false;
+};
+
+struct ThermalSensor {
+  std::uint16_t number;
+  std::int16_t temperature;  // tenths of a degree Celsius, as the limit
+  std::int16_t limit;
+  std::string location;
+};
+
+struct TabletButton {
+  std::uint16_t scan_code;
+  std::string name;
+};
+
+struct LogEntry {
+  std::uint16_t year;
+  std::array<std::uint8_t, 5> time;  // month, day, hour, minute, second
+  std::uint8_t severity;             // as a message's
+  std::uint16_t code;
+  std::string text;
+};
+
 struct Profile {
   std::string name = "laptop";
   std::string description = "a business laptop with a calling interface";
@@ -103,8 +150,30 @@ struct Profile {
   std::string product = "Meridian 14 G3";
   std::string service_tag = "7KX2M91";
   std::string asset_tag = "NF-004711";
+  std::string ownership_tag = "Property of the Northfield Library";
+  std::map<std::uint32_t, std::string> extended_tags = {{0, "Reading room, desk 12"}, {1, ""}};
+  std::string image_server = "images.northfield.example";
+  std::string mac_address = "02A1B2C3D4E5";       // 12 hexadecimal digits
+  std::string eppid = "NF0F4D1K4873461Q0012A00";  // 23 characters
+  std::string thin_client = "kiosk-07";           // at most 19 characters
   std::string bios_version = "1.8.2";
   std::string bios_date = "03/14/2026";
+
+  // Batteries, and what class 17 tells
+  std::vector<Battery> batteries = {{}};
+  std::vector<FirmwareMessage> messages = {
+      {1, 0, "The firmware was updated to 1.8.2."},
+      {2, 1, "The battery has lost a tenth of its capacity."},
+  };
+  std::vector<TabletButton> tablet_buttons = {
+      {0xE05B, "Home"}, {0xE02E, "Volume -"}, {0xE030, "Volume +"}};
+  std::vector<ThermalSensor> thermal_sensors = {
+      {1, 473, 1000, "CPU"}, {2, 391, 850, "Memory"}, {3, -55, 700, "Wireless card"}};
+  std::vector<LogEntry> log = {
+      {2026, {3, 16, 7, 58, 3}, 0, 0x0101, "Firmware updated"},
+      {2026, {4, 2, 12, 30, 41}, 1, 0x0207, "Fan 1 stalled once"},
+      {2026, {4, 9, 23, 5, 0}, 2, 0x0302, "Shut down: too hot"},
+  };
 };
 
 // The profiles by name, for listing and for FindProfile().

@@ -4,8 +4,12 @@
 #include <string>
 #include <utility>
 
+#include "sim/firmware/batteries.h"
+#include "sim/firmware/identity.h"
+#include "sim/firmware/lists.h"
 #include "sim/firmware/passwords.h"
 #include "sim/firmware/security.h"
+#include "sim/firmware/skyport.h"
 #include "sim/firmware/tokens.h"
 
 namespace mira::sim {
@@ -21,9 +25,19 @@ Firmware::Firmware(const Profile& profile) : supported_classes_(profile.supporte
   auto tokens = std::make_shared<TokenStore>(profile.tokens);
   SetHandler(0, std::make_unique<TokenReadHandler>(tokens));
   SetHandler(1, std::make_unique<TokenWriteHandler>(tokens, security));
+  SetHandler(7, std::make_unique<SkyportHandler>());
+  SetHandler(8, std::make_unique<BatteryHandler>(profile.batteries));
   SetHandler(9, std::make_unique<PasswordHandler>(security));
   SetHandler(10, std::make_unique<SystemPasswordHandler>(security, profile));
+  SetHandler(11, std::make_unique<TagHandler>(security, profile));
   SetHandler(12, std::make_unique<PasswordHandler>(security));
+  SetHandler(17, std::make_unique<ListHandler>(profile));
+  // Two classes serve the one ownership tag.
+  auto ownership_tag = std::make_shared<std::string>(profile.ownership_tag);
+  SetHandler(20, std::make_unique<OwnershipTagHandler>(security, ownership_tag));
+  SetHandler(21, std::make_unique<EppidHandler>(profile.eppid));
+  SetHandler(23, std::make_unique<OwnershipTagHandler>(security, ownership_tag));
+  SetHandler(26, std::make_unique<ThinClientHandler>(profile.thin_client));
 }
 
 Firmware::~Firmware() = default;
