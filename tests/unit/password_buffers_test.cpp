@@ -15,40 +15,16 @@
 #include "bytes/writer.h"
 #include "callif/password.h"
 #include "tests/support/console_capture.h"
+#include "tests/support/expected_record.h"
 
 namespace mira {
 namespace {
 
+using test::Area;
 using test::ConsoleCapture;
-
-// What a record is expected to hold: argument words, kinds, length, and the bytes behind the fixed
-// part.
-struct Expected {
-  std::vector<std::uint32_t> args;
-  std::uint32_t kinds;
-  std::uint32_t length;
-  std::string area;
-};
-
-void ExpectRecord(const CBuffer& buffer, const Expected& expected) {
-  const auto bytes = buffer.Record();
-  ASSERT_EQ(bytes.size(), expected.length);
-  bytes::Reader in(bytes, 4);
-  EXPECT_EQ((std::vector<std::uint32_t>{in.U32(), in.U32(), in.U32(), in.U32()}), expected.args);
-  in.Seek(36);
-  EXPECT_EQ(in.U32(), expected.kinds);
-  EXPECT_EQ(in.U32(), expected.length);
-  EXPECT_EQ(bytes::AsText(in.Rest()), expected.area);
-}
-
-std::string Nul(const std::string& text) { return text + std::string(1, '\0'); }
-
-std::string Area(std::uint32_t length, int words) {
-  std::string area(4, '\0');
-  for (unsigned i = 0; i < 4; ++i) area[i] = static_cast<char>(length >> (8 * i));
-  for (int i = 0; i < words; ++i) area += "DSCI";
-  return area;
-}
+using test::Expected;
+using test::ExpectRecord;
+using test::Nul;
 
 TEST(DrivePasswords, BuildTheirRecords) {
   struct Case {
