@@ -1,5 +1,8 @@
 #include "console/changes.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "console/terminal.h"
 
 namespace mira::console {
@@ -52,6 +55,28 @@ Json ToJson(const Changes& changes) {
                     {"after", ToUtf8(change.after)}});
   }
   return list;
+}
+
+ExitStatus MakeChanges(Context& context, const Changes& changes, const Json& document,
+                       const std::function<void()>& write) {
+  Changes real;
+  std::copy_if(changes.begin(), changes.end(), std::back_inserter(real),
+               [](const Change& change) { return change.before != change.after; });
+  if (!real.empty()) {
+    if (!Approve(context, real)) return ReportWhatIf(context, real);
+    write();
+  }
+  if (context.IsJson()) {
+    Json whole = document;
+    whole["changed"] = !real.empty();
+    whole["changes"] = ToJson(real);
+    context.Print(whole);
+  } else if (real.empty()) {
+    context.Out() << "It is so already.\n";
+  } else {
+    Write(context.Out(), real);
+  }
+  return kDone;
 }
 
 }  // namespace mira::console

@@ -7,6 +7,7 @@
 //   if (!Approve(context, changes)) return ReportWhatIf(context, changes);
 //   ... write ...
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -29,6 +30,11 @@ bool Approve(Context& context, const Changes& changes);
 ExitStatus ReportWhatIf(Context& context, const Changes& changes);
 
 Json ToJson(const Changes& changes);
+
+// From the question to the report: approves, writes and says what was changed. `document` has what
+// a program is told beyond that. Nothing is written or asked where there is nothing to change.
+ExitStatus MakeChanges(Context& context, const Changes& changes, const Json& document,
+                       const std::function<void()>& write);
 
 }  // namespace mira::console
 

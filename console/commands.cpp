@@ -12,6 +12,11 @@ const std::vector<Noun>& Nouns() {
       {"call", "Make one calling-interface call", AddCall},
       {"password", "Show, verify or change the BIOS passwords", AddPassword},
       {"hdd", "List drives; verify, set or clear their passwords", AddHdd},
+      {"tag", "Show or set the asset, service, ownership and extended tags", AddTag},
+      {"id", "Show or set MAC address, ePPID, image server and thin client", AddId},
+      {"battery", "Show or set how the batteries are charged", AddBattery},
+      {"log", "Show the firmware's log, its messages, a tablet's scan codes", AddLog},
+      {"thermal", "Show the thermal sensors", AddThermal},
       {"console", "Make calls interactively, with the commands' own prompts and displays",
        AddConsole},
   };
