@@ -64,12 +64,9 @@ std::uint8_t ParsePercent(const std::string& text) {
   return static_cast<std::uint8_t>(ParseNumber(text, "percentage", kWhole));
 }
 
-constexpr char kDayHint[] =
-    "A schedule is DAY=off or DAY=08:00-17:30, in quarter hours; DAY is a day's name, its first\n"
-    "three letters or 'all'.";
+constexpr char kDayHint[] = "A schedule is DAY=off or DAY=08:00-17:30, in quarter hours.";
 constexpr char kPeakDayHint[] =
-    "A schedule is DAY=off, DAY=08:00-17:30 or DAY=08:00-17:30,21:00 with the time from which the\n"
-    "battery may charge again; DAY is a day's name, its first three letters or 'all'.";
+    "A schedule is DAY=off, DAY=08:00-17:30 or DAY=08:00-17:30,21:00, in quarter hours.";
 
 // A time in quarter hours.
 std::optional<std::uint8_t> ParseTime(std::string_view text) {
@@ -388,9 +385,14 @@ void AddBattery(CLI::App& app, Command& command) {
                  "percent down to which the battery serves in peak hours");
   set.add_option("--peak-day", arguments->peak_days, "a day's peak hours; may be repeated")
       ->allow_extra_args(false);
-  set.footer(std::string(kPeakDayHint) +
-             "\nExample:\n  mira --sim battery set --peak-shift on --peak-day "
-             "mon=08:00-17:30,21:00 --day all=off --yes");
+  set.footer(
+      "A day's schedule is DAY=off or DAY=08:00-17:30, in quarter hours; DAY is the day's name, "
+      "its\n"
+      "first three letters, or 'all'. Peak hours may add the time from which the battery may "
+      "charge\n"
+      "again: DAY=08:00-17:30,21:00.\n"
+      "Example:\n  mira --sim battery set --peak-shift on --peak-day "
+      "mon=08:00-17:30,21:00 --day all=off --yes");
   command.Run(set, [arguments](Context& c) { return Set(c, *arguments); });
 }
 
