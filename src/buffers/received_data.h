@@ -43,9 +43,9 @@ struct MIRA_API CExtBatteryLife : CReceivedData {
 
 // How much a message or a log entry matters. Other numbers have no name.
 enum EntrySeverity : std::uint8_t {
-  SEVERITY_INFORMATION = 0,
-  SEVERITY_WARNING = 1,
-  SEVERITY_ERROR = 2,
+  ENTRY_INFORMATION = 0,
+  ENTRY_WARNING = 1,
+  ENTRY_ERROR = 2,
 };
 
 // Select 16: the firmware's messages to the user. Select 14 takes a message's number in Arg1 and
