@@ -180,205 +180,79 @@ const std::string kLongTag(100, 'T');
 const std::string kEppid = "ABCDEFGHIJKLMNOPQRSTUVW";  // adds up to 0x6D4
 
 TEST(Identity, BuildsItsRecords) {
-  struct Case {
-    const char* what;
-    std::uint16_t cls;
-    std::uint16_t select;
-    std::shared_ptr<IBIOSData> data;
-    std::uint32_t key;
-    std::uint32_t room;
-    Expected expected;
-    bool is_plain = false;  // the size argument gives back 0, not the record's length
-  };
   const std::string ppid = "PPID\x1E\0"s;
-  const std::vector<Case> cases = {
-      {"asset tag read", 11, 0, Tag("x", 7), 9, 5, {{7, 0xA2, 0xA3, 0xA4}, 0, 44, ""}, true},
-      {"key as the request says",
-       11,
-       2,
-       Tag("", 7, 3),
-       9,
-       0,
-       {{7, 0xA2, 9, 0xA4}, 0, 44, ""},
-       true},
-      {"asset tag", 11, 1, Tag("ABCDE"), 9, 0, {{0x44434241, 0x45, 0, 9}, 0, 44, ""}, true},
-      {"without key",
-       11,
-       3,
-       Tag("ABCDEFGHIJKLM", 0, 2),
-       0,
-       0,
-       {{0x44434241, 0x48474645, 0x4C4B4A49, 0xA4}, 0, 44, ""},
-       true},
-      {"sign-extended",
-       11,
-       1,
-       Tag("A\x80"s + "BCDE\xFF"),
-       0,
-       0,
-       {{0xFFFF8041, 0xFFFF4544 | 0xFF0000, 0, 0xA4}, 0, 44, ""},
-       true},
-      {"image server read", 11, 4, Tag("", 7), 9, 0, {{7, 0xA2, 0xA3, 0xA4}, 0, 44, ""}, true},
-      {"MAC read", 11, 6, Mac(""), 9, 0, {{44, 0, 0, 0}, 1, 61, Area(13, 3) + "\0"s}},
-      {"MAC read with room", 11, 6, Mac(""), 0, 3, {{44, 0, 0, 0}, 1, 64, Area(16, 4)}},
-      {"MAC",
-       11,
-       7,
-       Mac("02A1B2C3D4E5"),
-       0,
-       0,
-       {{44, 0, 0, 0}, 1, 61, "\15\0\0\0"s + "02A1B2C3D4E5" + "\0"s}},
-      {"extended tag probe", 11, 8, Tag("", 3), 0, 0, {{3, 44, 0xA3, 0xA4}, 0x100, 48, Area(0, 0)}},
-      {"extended tag read",
-       11,
-       8,
-       Tag("", 3),
-       9,
-       9,
-       {{3, 44, 0xA3, 0xA4}, 0x100, 57, Area(9, 2) + "\0"s}},
-      {"extended tag",
-       11,
-       9,
-       Tag("abc", 3),
-       9,
-       0,
-       {{3, 44, 9, 0xA4}, 0x100, 52, Nul("abc") + "\0\0\0\0"s}},
-      {"extended tag without key",
-       11,
-       9,
-       Tag("", 3),
-       0,
-       77,
-       {{3, 44, 0xA3, 0xA4}, 0x100, 49, "\0\0\0\0\0"s}},
-      {"ownership tag read",
-       20,
-       0,
-       Tag("x", 3),
-       9,
-       0,
-       {{44, 9, 0xA3, 0xA4}, 1, 129, Area(81, 20) + "\0"s}},
-      {"ownership tag",
-       23,
-       1,
-       Tag("Desk 12"),
-       0,
-       0,
-       {{44, 0xA2, 0xA3, 0xA4}, 1, 129, "Desk 12" + std::string(77, ' ') + "\0"s}},
-      {"ownership tag, cut",
-       20,
-       1,
-       Tag(kLongTag),
-       9,
-       0,
-       {{44, 9, 0xA3, 0xA4}, 1, 129, std::string(80, 'T') + "    " + "\0"s}},
-      {"ePPID read",
-       21,
-       1,
-       Eppid(kEppid),
-       9,
-       0,
-       {{44, 0, 0, 0}, 1, 74, ppid + std::string(24, '\0')}},
-      {"ePPID", 21, 2, Eppid(kEppid), 0, 0, {{44, 0, 0, 0}, 1, 74, ppid + kEppid + "\x81"}},
-      {"ePPID that adds up to 0x55",
-       21,
-       2,
-       Eppid("T\1"),
-       0,
-       0,
-       {{44, 0, 0, 0}, 1, 74, ppid + "T\1" + std::string(22, '\0')}},
-      {"thin client read", 26, 1, Tag("x"), 9, 0, {{0, 0xA2, 44, 0xA4}, 0x10000, 68, Area(20, 5)}},
-      {"thin client",
-       26,
-       1,
-       Tag("abc", 2),
-       0,
-       0,
-       {{2, 0xA2, 44, 0xA4}, 0x10000, 68, "\4\0\0\0"s + "abc" + std::string(17, '\0')}},
-      {"thin client, 19 characters",
-       26,
-       1,
-       Tag("1234567890123456789", 2),
-       0,
-       0,
-       {{2, 0xA2, 44, 0xA4}, 0x10000, 68, "\24\0\0\0"s + "1234567890123456789" + "\0"s}},
-      {"thin client with room",
-       26,
-       1,
-       Tag("12345678901234567890", 2),
-       0,
-       1,
-       {{2, 0xA2, 44, 0xA4}, 0x10000, 69, "\25\0\0\0"s + "12345678901234567890" + "\0"s}},
-      {"battery, nothing",
-       8,
-       18,
-       Battery<BATTERY_INFO>(2, 1),
-       9,
-       0,
-       {{0x102, 0, 0, 0}, 0, 48, Area(0, 0)}},
-      {"battery, advanced",
-       8,
-       18,
-       Battery<ADV_BATT_CONFIG>(0x300, 0x102),
-       9,
-       0,
-       {{0x200, 44, 0, 0}, 0x100, 80, Area(32, 8)}},
-      {"battery, advanced 3",
-       8,
-       18,
-       Battery<ADV_BATT_CONFIG>(3, 1),
-       9,
-       0,
-       {{0x103, 44, 0, 0}, 0x100, 80, Area(32, 8)}},
-      {"battery, peak shift",
-       8,
-       18,
-       Battery<PEAK_SHIFT_CONFIG>(4, 1),
-       9,
-       0,
-       {{0x104, 44, 0, 0}, 0x100, 80, Area(32, 8)}},
-      {"set advanced",
-       8,
-       19,
-       Charging(0),
-       9,
-       0,
-       {{0x200, 0xC83C05, 44, 0}, 0x10000, 80, "\40\0\0\0"s + kDays}},
-      {"set peak shift",
-       8,
-       19,
-       PeakShift(1),
-       9,
-       0,
-       {{0x101, 0x1E140A01, 44, 0}, 0x10000, 80, "\40\0\0\0"s + kPeakDays}},
-      {"set nothing",
-       8,
-       19,
-       Battery<BATTERY_INFO>(4, 1),
-       9,
-       0,
-       {{0x104, 0, 44, 0}, 0x10000, 80, Area(32, 8)}},
-      {"class 17 probe", 17, 22, Tag("", 1, 2), 0, 0, {{44, 0, 0xA3, 0xA4}, 1, 48, Area(0, 0)}},
-      {"class 17 read",
-       17,
-       5,
-       Tag("", 1, 2),
-       9,
-       6,
-       {{44, 9, 0xA3, 0xA4}, 1, 54, Area(6, 1) + "\0\0"s}},
-      {"log", 17, 24, Tag(""), 9, 4, {{44, 0xA2, 0xA3, 0xA4}, 1, 52, Area(4, 1)}},
-      {"message seen", 17, 14, Tag("", 1, 4), 9, 6, {{1, 0xA2, 0xA3, 9}, 0, 44, ""}, true},
-      {"class 7", 7, 5, Tag("", 1, 4), 9, 0, {{1, 0xA2, 0xA3, 9}, 0, 44, ""}, true},
-      {"class 7 with room", 7, 9, Tag("", 1), 9, 4, {{44, 0xA2, 0xA3, 0xA4}, 1, 52, Area(4, 1)}},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.what);
-    const std::unique_ptr<CBuffer> buffer(CreateBuffer(c.cls, c.select, 4096));
+  // A plain record's size argument gives back 0, others' the record's length.
+  const auto check = [](const char* what, std::uint16_t cls, std::uint16_t select,
+                        const std::shared_ptr<IBIOSData>& data, std::uint32_t key,
+                        std::uint32_t room, const Expected& expected, bool is_plain = false) {
+    SCOPED_TRACE(what);
+    const std::unique_ptr<CBuffer> buffer(CreateBuffer(cls, select, 4096));
     ASSERT_NE(buffer, nullptr);
-    std::uint32_t size = c.room;
-    ASSERT_NE(buffer->FillInputBuffer(c.key, size, *c.data), nullptr);
-    ExpectRecord(*buffer, c.expected);
-    EXPECT_EQ(size, c.is_plain ? 0 : c.expected.length);
-  }
+    std::uint32_t size = room;
+    ASSERT_NE(buffer->FillInputBuffer(key, size, *data), nullptr);
+    ExpectRecord(*buffer, expected);
+    EXPECT_EQ(size, is_plain ? 0 : expected.length);
+  };
+  check("asset tag read", 11, 0, Tag("x", 7), 9, 5, {{7, 0xA2, 0xA3, 0xA4}, 0, 44, ""}, true);
+  check("key as the request says", 11, 2, Tag("", 7, 3), 9, 0, {{7, 0xA2, 9, 0xA4}, 0, 44, ""},
+        true);
+  check("asset tag", 11, 1, Tag("ABCDE"), 9, 0, {{0x44434241, 0x45, 0, 9}, 0, 44, ""}, true);
+  check("without key", 11, 3, Tag("ABCDEFGHIJKLM", 0, 2), 0, 0,
+        {{0x44434241, 0x48474645, 0x4C4B4A49, 0xA4}, 0, 44, ""}, true);
+  check("sign-extended", 11, 1, Tag("A\x80"s + "BCDE\xFF"), 0, 0,
+        {{0xFFFF8041, 0xFFFF4544, 0, 0xA4}, 0, 44, ""}, true);
+  check("image server read", 11, 4, Tag("", 7), 9, 0, {{7, 0xA2, 0xA3, 0xA4}, 0, 44, ""}, true);
+  check("MAC read", 11, 6, Mac(""), 9, 0, {{44, 0, 0, 0}, 1, 61, Area(13, 3) + "\0"s});
+  check("MAC read with room", 11, 6, Mac(""), 0, 3, {{44, 0, 0, 0}, 1, 64, Area(16, 4)});
+  check("MAC", 11, 7, Mac("02A1B2C3D4E5"), 0, 0,
+        {{44, 0, 0, 0}, 1, 61, "\15\0\0\0"s + "02A1B2C3D4E5" + "\0"s});
+  check("extended tag probe", 11, 8, Tag("", 3), 0, 0,
+        {{3, 44, 0xA3, 0xA4}, 0x100, 48, Area(0, 0)});
+  check("extended tag read", 11, 8, Tag("", 3), 9, 9,
+        {{3, 44, 0xA3, 0xA4}, 0x100, 57, Area(9, 2) + "\0"s});
+  check("extended tag", 11, 9, Tag("abc", 3), 9, 0,
+        {{3, 44, 9, 0xA4}, 0x100, 52, Nul("abc") + "\0\0\0\0"s});
+  check("extended tag without key", 11, 9, Tag("", 3), 0, 77,
+        {{3, 44, 0xA3, 0xA4}, 0x100, 49, "\0\0\0\0\0"s});
+  check("ownership tag read", 20, 0, Tag("x", 3), 9, 0,
+        {{44, 9, 0xA3, 0xA4}, 1, 129, Area(81, 20) + "\0"s});
+  check("ownership tag", 23, 1, Tag("Desk 12"), 0, 0,
+        {{44, 0xA2, 0xA3, 0xA4}, 1, 129, "Desk 12" + std::string(77, ' ') + "\0"s});
+  check("ownership tag, cut", 20, 1, Tag(kLongTag), 9, 0,
+        {{44, 9, 0xA3, 0xA4}, 1, 129, std::string(80, 'T') + "    " + "\0"s});
+  check("ePPID read", 21, 1, Eppid(kEppid), 9, 0,
+        {{44, 0, 0, 0}, 1, 74, ppid + std::string(24, '\0')});
+  check("ePPID", 21, 2, Eppid(kEppid), 0, 0, {{44, 0, 0, 0}, 1, 74, ppid + kEppid + "\x81"});
+  check("ePPID that adds up to 0x55", 21, 2, Eppid("T\1"), 0, 0,
+        {{44, 0, 0, 0}, 1, 74, ppid + "T\1" + std::string(22, '\0')});
+  check("thin client read", 26, 1, Tag("x"), 9, 0, {{0, 0xA2, 44, 0xA4}, 0x10000, 68, Area(20, 5)});
+  check("thin client", 26, 1, Tag("abc", 2), 0, 0,
+        {{2, 0xA2, 44, 0xA4}, 0x10000, 68, "\4\0\0\0"s + "abc" + std::string(17, '\0')});
+  check("thin client, 19 characters", 26, 1, Tag("1234567890123456789", 2), 0, 0,
+        {{2, 0xA2, 44, 0xA4}, 0x10000, 68, "\24\0\0\0"s + "1234567890123456789" + "\0"s});
+  check("thin client with room", 26, 1, Tag("12345678901234567890", 2), 0, 1,
+        {{2, 0xA2, 44, 0xA4}, 0x10000, 69, "\25\0\0\0"s + "12345678901234567890" + "\0"s});
+  check("battery, nothing", 8, 18, Battery<BATTERY_INFO>(2, 1), 9, 0,
+        {{0x102, 0, 0, 0}, 0, 48, Area(0, 0)});
+  check("battery, advanced", 8, 18, Battery<ADV_BATT_CONFIG>(0x300, 0x102), 9, 0,
+        {{0x200, 44, 0, 0}, 0x100, 80, Area(32, 8)});
+  check("battery, advanced 3", 8, 18, Battery<ADV_BATT_CONFIG>(3, 1), 9, 0,
+        {{0x103, 44, 0, 0}, 0x100, 80, Area(32, 8)});
+  check("battery, peak shift", 8, 18, Battery<PEAK_SHIFT_CONFIG>(4, 1), 9, 0,
+        {{0x104, 44, 0, 0}, 0x100, 80, Area(32, 8)});
+  check("set advanced", 8, 19, Charging(0), 9, 0,
+        {{0x200, 0xC83C05, 44, 0}, 0x10000, 80, "\40\0\0\0"s + kDays});
+  check("set peak shift", 8, 19, PeakShift(1), 9, 0,
+        {{0x101, 0x1E140A01, 44, 0}, 0x10000, 80, "\40\0\0\0"s + kPeakDays});
+  check("set nothing", 8, 19, Battery<BATTERY_INFO>(4, 1), 9, 0,
+        {{0x104, 0, 44, 0}, 0x10000, 80, Area(32, 8)});
+  check("class 17 probe", 17, 22, Tag("", 1, 2), 0, 0, {{44, 0, 0xA3, 0xA4}, 1, 48, Area(0, 0)});
+  check("class 17 read", 17, 5, Tag("", 1, 2), 9, 6,
+        {{44, 9, 0xA3, 0xA4}, 1, 54, Area(6, 1) + "\0\0"s});
+  check("log", 17, 24, Tag(""), 9, 4, {{44, 0xA2, 0xA3, 0xA4}, 1, 52, Area(4, 1)});
+  check("message seen", 17, 14, Tag("", 1, 4), 9, 6, {{1, 0xA2, 0xA3, 9}, 0, 44, ""}, true);
+  check("class 7", 7, 5, Tag("", 1, 4), 9, 0, {{1, 0xA2, 0xA3, 9}, 0, 44, ""}, true);
+  check("class 7 with room", 7, 9, Tag("", 1), 9, 4, {{44, 0xA2, 0xA3, 0xA4}, 1, 52, Area(4, 1)});
 }
 
 TEST(Identity, RefusesWhatDoesNotFit) {
@@ -442,73 +316,41 @@ std::unique_ptr<CBuffer> Answered(std::uint16_t cls, std::uint16_t select, IBIOS
 }
 
 TEST(Identity, DecodesItsAnswers) {
-  struct Case {
-    const char* what;
-    std::uint16_t cls;
-    std::uint16_t select;
-    std::uint32_t room;
-    Answer answer;
-    const std::string tag;
-  };
   // The request's text is "old" before.
-  const Case cases[] = {
-      {"words end one by one", 11, 2, 0, {{0x00434241, 0x44, 0}, ""}, "ABCD"},
-      {"all twelve", 11, 0, 0, {{0x44434241, 0x48474645, 0x4C4B4A49}, ""}, "ABCDEFGHIJKL"},
-      {"a NUL ends its word", 11, 0, 0, {{0x41004241, 0x00410000, 0x80FF}, ""}, "AB\xFF\x80"},
-      {"empty", 11, 0, 0, {{0, 0, 0}, ""}, ""},
-      {"a write leaves it", 11, 1, 0, {{0x41, 0, 0}, ""}, "old"},
-      {"image server", 11, 4, 0, {{0x41, 0, 0}, ""}, "old"},
-      {"extended tag", 11, 8, 5, {{0, 0, 0}, "\3\0\0\0abcde"s}, "oldabc"},
-      {"extended tag beyond the record", 11, 8, 2, {{0, 0, 0}, "\xFF\xFF\xFF\xFF\1\2"s}, "old\1\2"},
-      {"extended tag without an answer", 11, 8, 0, {{0, 0, 0}, "\5\0\0\0"s}, "old"},
-      {"extended tag write", 11, 9, 0, {{0, 0, 0}, "\2\0\0\0"s}, "old"},
-      {"ownership tag",
-       20,
-       0,
-       0,
-       {{0, 0, 0}, "\x50\0\0\0"s + "ABC" + std::string(77, ' ')},
-       "oldABC"},
-      {"ownership tag with NUL",
-       23,
-       0,
-       0,
-       {{0, 0, 0}, "\x51\0\0\0"s + " A B " + std::string(75, ' ') + "\0"s},
-       "old A B"},
-      {"ownership tag, full",
-       20,
-       0,
-       0,
-       {{0, 0, 0}, "\x50\0\0\0"s + kLongTag.substr(0, 80)},
-       "old" + std::string(80, 'T')},
-      {"ownership tag, short", 20, 0, 0, {{0, 0, 0}, "\2\0\0\0ABCD"s}, "oldAB"},
-      {"ownership tag beyond the record",
-       20,
-       0,
-       0,
-       {{0, 0, 0}, "\xFF\xFF\xFF\xFF"s + kLongTag.substr(0, 81)},
-       "old" + std::string(81, 'T')},
-      {"ownership tag of blanks",
-       20,
-       0,
-       0,
-       {{0, 0, 0}, "\x51\0\0\0"s + std::string(81, ' ')},
-       "old"},
-      {"thin client", 26, 1, 0, {{0, 0, 0}, "\xFF\0\0\0kiosk\0x"s}, "kiosk"},
-      {"thin client without NUL",
-       26,
-       1,
-       0,
-       {{0, 0, 0}, "\0\0\0\0"s + std::string(20, 'k')},
-       std::string(20, 'k')},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.what);
+  const auto check = [](const char* what, std::uint16_t cls, std::uint16_t select,
+                        std::uint32_t room, const Answer& answer, const std::string& tag) {
+    SCOPED_TRACE(what);
     CTagData data;
     data.Tag = "old";
-    Answered(c.cls, c.select, data, c.room, c.answer)->ParseOutputBuffer(data);
-    EXPECT_EQ(data.Tag, c.tag);
-    EXPECT_EQ(data.Res2, c.answer.results[0]);
-  }
+    Answered(cls, select, data, room, answer)->ParseOutputBuffer(data);
+    EXPECT_EQ(data.Tag, tag);
+    EXPECT_EQ(data.Res2, answer.results[0]);
+  };
+  check("words end one by one", 11, 2, 0, {{0x00434241, 0x44, 0}, ""}, "ABCD");
+  check("all twelve", 11, 0, 0, {{0x44434241, 0x48474645, 0x4C4B4A49}, ""}, "ABCDEFGHIJKL");
+  check("a NUL ends its word", 11, 0, 0, {{0x41004241, 0x00410000, 0x80FF}, ""}, "AB\xFF\x80");
+  check("empty", 11, 0, 0, {{0, 0, 0}, ""}, "");
+  check("a write leaves it", 11, 1, 0, {{0x41, 0, 0}, ""}, "old");
+  check("image server", 11, 4, 0, {{0x41, 0, 0}, ""}, "old");
+  check("extended tag", 11, 8, 5, {{0, 0, 0}, "\3\0\0\0abcde"s}, "oldabc");
+  check("extended tag beyond the record", 11, 8, 2, {{0, 0, 0}, "\xFF\xFF\xFF\xFF\1\2"s},
+        "old\1\2");
+  check("extended tag without an answer", 11, 8, 0, {{0, 0, 0}, "\5\0\0\0"s}, "old");
+  check("extended tag write", 11, 9, 0, {{0, 0, 0}, "\2\0\0\0"s}, "old");
+  check("ownership tag", 20, 0, 0, {{0, 0, 0}, "\x50\0\0\0"s + "ABC" + std::string(77, ' ')},
+        "oldABC");
+  check("ownership tag with NUL", 23, 0, 0,
+        {{0, 0, 0}, "\x51\0\0\0"s + " A B " + std::string(75, ' ') + "\0"s}, "old A B");
+  check("ownership tag, full", 20, 0, 0, {{0, 0, 0}, "\x50\0\0\0"s + kLongTag.substr(0, 80)},
+        "old" + std::string(80, 'T'));
+  check("ownership tag, short", 20, 0, 0, {{0, 0, 0}, "\2\0\0\0ABCD"s}, "oldAB");
+  check("ownership tag beyond the record", 20, 0, 0,
+        {{0, 0, 0}, "\xFF\xFF\xFF\xFF"s + kLongTag.substr(0, 81)}, "old" + std::string(81, 'T'));
+  check("ownership tag of blanks", 20, 0, 0, {{0, 0, 0}, "\x51\0\0\0"s + std::string(81, ' ')},
+        "old");
+  check("thin client", 26, 1, 0, {{0, 0, 0}, "\xFF\0\0\0kiosk\0x"s}, "kiosk");
+  check("thin client without NUL", 26, 1, 0, {{0, 0, 0}, "\0\0\0\0"s + std::string(20, 'k')},
+        std::string(20, 'k'));
   CTagData written;
   written.Arg1 = 1;
   written.Tag = "new";
@@ -528,67 +370,44 @@ TEST(Identity, DecodesItsAnswers) {
 }
 
 TEST(Identity, AsksForWhatItWrites) {
-  struct Case {
-    std::uint16_t cls;
-    std::uint16_t select;
-    std::string answers;
-    Expected expected;
-    std::string asked;
-  };
   const std::string asset = "Enter the Asset Tag ( <= 12 Characters ) : ";
   const std::string image = "Enter the Image Sever Data : ";
   const std::string battery =
       "Enter the Battery Command (cbArg1, byte 0) : Enter the Battery Number (see Table Type 22) "
       ": ";
-  const std::vector<Case> cases = {
-      {11, 0, "", {{0, 0, 0, 0}, 0, 44, ""}, ""},
-      {11, 1, "1234567890123\nA B\n", {{0x422041, 0, 0, 9}, 0, 44, ""}, asset + asset},
-      {11, 3, "\n", {{0, 0, 0, 9}, 0, 44, ""}, "Enter the Service Tag ( <= 12 Characters ) : "},
-      {11, 4, "", {{44, 0, 0, 0}, 1, 560, Area(512, 128)}, ""},
-      {11,
-       5,
-       "s 1\n",
-       {{44, 0, 0, 0}, 1, 560, Area(512, 0) + Nul("s 1") + Area(512, 128).substr(8)},
-       image},
-      {11,
-       5,
-       std::string(600, 'x') + "\n",
-       {{44, 0, 0, 0}, 1, 560, Area(512, 0) + Nul(std::string(511, 'x'))},
-       image},
-      {11, 8, "10\n", {{10, 44, 0, 0}, 0x100, 48, Area(0, 0)}, "Enter the Tag Command value :"},
-      {11,
-       9,
-       "1\na b\n",
-       {{1, 44, 9, 0}, 0x100, 52, Nul("a b") + "\0\0\0\0"s},
-       "Enter the Tag Command value :Enter the Tag to be set : "},
-      {8, 18, "4\n1\n", {{0x104, 44, 0, 0}, 0x100, 80, Area(32, 8)}, battery},
-      {8, 18, "2\n1\n", {{0x102, 0, 0, 0}, 0, 48, Area(0, 0)}, battery},
-      {8,
-       19,
-       "1\n1\n",
-       {{0x101, 0, 44, 0}, 0x10000, 80, Area(32, 0) + std::string(32, '\0')},
-       battery},
-      {8, 19, "2\n3\n", {{0x302, 0, 44, 0}, 0x10000, 80, Area(32, 8)}, battery},
-      {17,
-       22,
-       "1\n2\n3\n4\n",
-       {{44, 2, 3, 4}, 1, 48, Area(0, 0)},
-       "Arg1 : 0xArg2 : 0xArg3 : 0xArg4 : 0x"},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(std::to_string(c.cls) + "/" + std::to_string(c.select) + " " + c.answers);
-    const std::unique_ptr<CBuffer> buffer(CreateBuffer(c.cls, c.select, 4096));
+  const auto check = [](std::uint16_t cls, std::uint16_t select, const std::string& answers,
+                        const Expected& expected, const std::string& asked) {
+    SCOPED_TRACE(std::to_string(cls) + "/" + std::to_string(select) + " " + answers);
+    const std::unique_ptr<CBuffer> buffer(CreateBuffer(cls, select, 4096));
     std::uint32_t size = 0;
-    ConsoleCapture console(c.answers);
+    ConsoleCapture console(answers);
     ASSERT_NE(buffer->PromptInputBuffer(9, size, true), nullptr);
-    ExpectRecord(*buffer, c.expected);
-    EXPECT_EQ(console.Output(), c.asked);
-    if (c.answers.empty()) continue;
+    ExpectRecord(*buffer, expected);
+    EXPECT_EQ(console.Output(), asked);
+    if (answers.empty()) return;
     ConsoleCapture ended;
     EXPECT_EQ(buffer->PromptInputBuffer(9, size, true), nullptr) << "the input ended";
     EXPECT_NE(buffer->PromptInputBuffer(9, size, false), nullptr) << "nothing is asked";
-    EXPECT_EQ(ended.Output(), c.asked.substr(0, ended.Output().size()));
-  }
+    EXPECT_EQ(ended.Output(), asked.substr(0, ended.Output().size()));
+  };
+  check(11, 0, "", {{0, 0, 0, 0}, 0, 44, ""}, "");
+  check(11, 1, "1234567890123\nA B\n", {{0x422041, 0, 0, 9}, 0, 44, ""}, asset + asset);
+  check(11, 3, "\n", {{0, 0, 0, 9}, 0, 44, ""}, "Enter the Service Tag ( <= 12 Characters ) : ");
+  check(11, 4, "", {{44, 0, 0, 0}, 1, 560, Area(512, 128)}, "");
+  check(11, 5, "s 1\n",
+        {{44, 0, 0, 0}, 1, 560, Area(512, 0) + Nul("s 1") + Area(512, 128).substr(8)}, image);
+  check(11, 5, std::string(600, 'x') + "\n",
+        {{44, 0, 0, 0}, 1, 560, Area(512, 0) + Nul(std::string(511, 'x'))}, image);
+  check(11, 8, "10\n", {{10, 44, 0, 0}, 0x100, 48, Area(0, 0)}, "Enter the Tag Command value :");
+  check(11, 9, "1\na b\n", {{1, 44, 9, 0}, 0x100, 52, Nul("a b") + "\0\0\0\0"s},
+        "Enter the Tag Command value :Enter the Tag to be set : ");
+  check(8, 18, "4\n1\n", {{0x104, 44, 0, 0}, 0x100, 80, Area(32, 8)}, battery);
+  check(8, 18, "2\n1\n", {{0x102, 0, 0, 0}, 0, 48, Area(0, 0)}, battery);
+  check(8, 19, "1\n1\n", {{0x101, 0, 44, 0}, 0x10000, 80, Area(32, 0) + std::string(32, '\0')},
+        battery);
+  check(8, 19, "2\n3\n", {{0x302, 0, 44, 0}, 0x10000, 80, Area(32, 8)}, battery);
+  check(17, 22, "1\n2\n3\n4\n", {{44, 2, 3, 4}, 1, 48, Area(0, 0)},
+        "Arg1 : 0xArg2 : 0xArg3 : 0xArg4 : 0x");
 }
 
 // What a buffer shows behind the result words.
