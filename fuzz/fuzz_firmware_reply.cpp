@@ -8,9 +8,61 @@
 #include <sstream>
 #include <vector>
 
+#include "buffers/aux_mac_buffer.h"
+#include "buffers/battery_data.h"
+#include "buffers/eppid_buffer.h"
 #include "buffers/hdd_pwd_buffer.h"
+#include "buffers/received_data.h"
+#include "buffers/tag_data.h"
 #include "facade/mira_intf.h"
 #include "sim/machine.h"
+
+namespace {
+
+template <typename Request>
+std::unique_ptr<IBIOSData> Make() {
+  return std::make_unique<Request>();
+}
+
+std::unique_ptr<IBIOSData> MakeDrive() {
+  auto request = std::make_unique<CHDDPwd>();
+  request->Password = "secret";
+  return request;
+}
+
+std::unique_ptr<IBIOSData> MakePeakShift() {
+  auto request = std::make_unique<PEAK_SHIFT_CONFIG>();
+  request->Command = BATTERY_GET_PEAK_SHIFT;
+  return request;
+}
+
+struct Command {
+  std::uint16_t cls;
+  std::uint16_t select;
+  std::unique_ptr<IBIOSData> (*make)();
+};
+constexpr Command kCommands[] = {
+    {0, 0, Make<CSimpleTokenData>},
+    {10, 11, MakeDrive},
+    {10, 28, MakeDrive},
+    {10, 13, MakeDrive},
+    {10, 14, MakeDrive},
+    {11, 0, Make<CTagData>},
+    {11, 6, Make<CMACAddr>},
+    {11, 8, Make<CTagData>},
+    {20, 0, Make<CTagData>},
+    {21, 1, Make<CEPPID>},
+    {26, 1, Make<CThinClientInfo>},
+    {8, 18, Make<ADV_BATT_CONFIG>},
+    {8, 18, MakePeakShift},
+    {17, 5, Make<CExtBatteryLife>},
+    {17, 16, Make<CFirmwareMessages>},
+    {17, 18, Make<CTabletScanCodes>},
+    {17, 22, Make<CThermalSensors>},
+    {17, 24, Make<CLogEntries>},
+};
+
+}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   struct Command {
@@ -39,6 +91,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   CHDDPwd request;
   request.Password = "secret";
   mira.ExecuteDACI(command.cls, command.select, request, "", PwdInfo::PWD_NONE);
+  mira.Init(false, false, false);
+  const std::unique_ptr<IBIOSData> request = command.make();
+  mira.ExecuteDACI(command.cls, command.select, *request, "", PwdInfo::PWD_NONE);
   PwdInfo info;
   mira.GetPwdInfo(info);
   mira.ValidatePwd("secret", PwdInfo::PWD_CLASS10);
