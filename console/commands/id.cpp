@@ -9,10 +9,10 @@
 #include "buffers/tag_data.h"
 #include "bytes/reader.h"
 #include "bytes/writer.h"
-#include "console/ascii.h"
 #include "console/changes.h"
 #include "console/commands.h"
 #include "console/passwords.h"
+#include "console/text_checks.h"
 
 namespace mira::console {
 namespace {

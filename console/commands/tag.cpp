@@ -2,11 +2,11 @@
 #include <iterator>
 
 #include "buffers/tag_data.h"
-#include "console/ascii.h"
 #include "console/changes.h"
 #include "console/commands.h"
 #include "console/key_password.h"
 #include "console/passwords.h"
+#include "console/text_checks.h"
 
 namespace mira::console {
 namespace {

@@ -1,5 +1,5 @@
-#ifndef MIRA_CONSOLE_ASCII_H_
-#define MIRA_CONSOLE_ASCII_H_
+#ifndef MIRA_CONSOLE_TEXT_CHECKS_H_
+#define MIRA_CONSOLE_TEXT_CHECKS_H_
 
 #include <algorithm>
 #include <string>
@@ -27,4 +27,4 @@ inline void RequireLength(const std::string& text, std::size_t longest, const st
 
 }  // namespace mira::console
 
-#endif  // MIRA_CONSOLE_ASCII_H_
+#endif  // MIRA_CONSOLE_TEXT_CHECKS_H_
