@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <iostream>
+#include <iterator>
 #include <memory>
 #include <sstream>
 #include <vector>
@@ -65,14 +66,9 @@ constexpr Command kCommands[] = {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  struct Command {
-    std::uint16_t cls;
-    std::uint16_t select;
-  };
-  static constexpr Command kCommands[] = {{0, 0}, {10, 11}, {10, 28}, {10, 13}, {10, 14}};
   std::cout.setstate(std::ios::failbit);  // diagnostics of types are not looked at
   if (size < 1) return 0;
-  const Command command = kCommands[data[0] % std::size(kCommands)];
+  const Command& command = kCommands[data[0] % std::size(kCommands)];
   const std::vector<std::uint8_t> bytes(data + 1, data + size);
 
   mira::sim::Machine machine;
@@ -88,10 +84,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   attribute.Handle = 1;
   mira.GetAttributeValue(attribute);
   mira.SetAttributeValue(attribute, "", PwdInfo::PWD_NONE, 1);
-  CHDDPwd request;
-  request.Password = "secret";
-  mira.ExecuteDACI(command.cls, command.select, request, "", PwdInfo::PWD_NONE);
-  mira.Init(false, false, false);
   const std::unique_ptr<IBIOSData> request = command.make();
   mira.ExecuteDACI(command.cls, command.select, *request, "", PwdInfo::PWD_NONE);
   PwdInfo info;
