@@ -16,6 +16,8 @@
 #include <string_view>
 #include <vector>
 
+#include "sim/boot_lists.h"
+
 namespace mira::sim {
 
 struct Token {
@@ -144,6 +146,12 @@ struct Profile {
   std::uint32_t key_seed = 0x1D872B41;   // security keys follow from it
   std::vector<Drive> drives = {{0x01, "M.2 PCIe SSD-0"}, {0x82, "SATA-1"}};
   PreBoot pre_boot;
+
+  // What it boots from, and the blocks of data that its firmware keeps
+  std::vector<BootList> boot_lists = LaptopBootLists();
+  std::uint8_t boots_from = 1;  // one of the lists
+  LegacyBoot legacy_boot = LaptopLegacyBoot();
+  std::vector<DataBlock> data_blocks = LaptopDataBlocks();
 
   // The machine's identity
   std::string manufacturer = "Northfield Systems";

@@ -5,6 +5,8 @@
 #include <utility>
 
 #include "sim/firmware/batteries.h"
+#include "sim/firmware/boot.h"
+#include "sim/firmware/data_block.h"
 #include "sim/firmware/identity.h"
 #include "sim/firmware/lists.h"
 #include "sim/firmware/passwords.h"
@@ -27,6 +29,9 @@ Firmware::Firmware(const Profile& profile) : supported_classes_(profile.supporte
   SetHandler(1, std::make_unique<TokenWriteHandler>(tokens, security));
   SetHandler(7, std::make_unique<SkyportHandler>());
   SetHandler(8, std::make_unique<BatteryHandler>(profile.batteries));
+  SetHandler(2, std::make_unique<DataBlockHandler>(0, 1, profile.data_blocks, security));
+  SetHandler(3, std::make_unique<BootHandler>(security, profile));
+  SetHandler(6, std::make_unique<DataBlockHandler>(4, 5, profile.data_blocks, security));
   SetHandler(9, std::make_unique<PasswordHandler>(security));
   SetHandler(10, std::make_unique<SystemPasswordHandler>(security, profile));
   SetHandler(11, std::make_unique<TagHandler>(security, profile));

@@ -1,0 +1,36 @@
+#include "sim/firmware/data_block.h"
+
+#include <algorithm>
+
+namespace mira::sim {
+
+std::uint32_t BlockName(std::string_view name) { return bytes::Reader(bytes::AsBytes(name)).U32(); }
+
+void DataBlockHandler::Handle(Call& call) {
+  if (call.Select() != size_select_ && call.Select() != data_select_) {
+    return call.Complete(kNotSupported);
+  }
+  const auto block = std::find_if(blocks_.begin(), blocks_.end(), [&](const DataBlock& b) {
+    return b.cls == call.Class() && BlockName(b.name) == call.Arg(2);
+  });
+  if (block == blocks_.end()) return call.Complete(kError);
+  if (call.Select() == size_select_) {
+    call.SetResult(2, static_cast<std::uint32_t>(block->bytes.size()));
+    call.SetResult(3, static_cast<std::uint32_t>(block->capacity));
+  } else if (call.Arg(3) == 0) {
+    call.AnswerData(block->bytes, 1);
+  } else {
+    Write(call, *block);
+  }
+}
+
+void DataBlockHandler::Write(Call& call, DataBlock& block) {
+  if (!security_->Accepts(call.Arg(4))) return call.Complete(kInvalidKey);
+  bytes::Reader in(call.Record(), call.Arg(1));
+  const bytes::ByteSpan bytes = in.Take(call.Arg(3));
+  if (!call.IsOffset(1) || !in.Ok()) return call.Complete(kBadFormat);
+  if (bytes.size() > block.capacity) return call.Complete(kError);
+  block.bytes.assign(bytes.begin(), bytes.end());
+}
+
+}  // namespace mira::sim
