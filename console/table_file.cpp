@@ -6,6 +6,7 @@
 
 #include "bytes/reader.h"
 #include "console/command.h"
+#include "console/input_file.h"
 #include "console/table_text.h"
 #include "smbios/table.h"
 
@@ -18,7 +19,6 @@ using bytes::ByteSpan;
 constexpr std::size_t kHeaderSize = smbios::kFirmwareHeaderSize;
 constexpr std::size_t kLengthOffset = 4;
 constexpr std::size_t kDumpTableOffset = 32;
-constexpr std::size_t kLargestFile = 64 * 1024 * 1024;
 
 // A structure begins here as far as one can tell: a length of at least its header, and a string set
 // behind it.
@@ -106,17 +106,7 @@ Bytes NormalizeTable(Bytes bytes) {
 }
 
 Bytes LoadTableFile(const std::string& path) {
-  std::ifstream file(ToPath(path), std::ios::binary);
-  if (!file) {
-    throw CommandError(kNotFound, "no-file", "The file '" + path + "' cannot be read.", path);
-  }
-  Bytes content;
-  content.reserve(64 * 1024);
-  for (std::istreambuf_iterator<char> next(file), end; next != end; ++next) {
-    if (content.size() == kLargestFile) break;
-    content.push_back(static_cast<std::uint8_t>(*next));
-  }
-  Bytes table = NormalizeTable(std::move(content));
+  Bytes table = NormalizeTable(LoadFile(path));
   if (table.empty()) {
     throw CommandError(kInvalidValue, "no-table", "'" + path + "' holds no SMBIOS table.", path,
                        "A table saved by 'mira smbios --save', a dump with its entry point, a bare "

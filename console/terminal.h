@@ -8,6 +8,9 @@ namespace mira::console {
 
 bool StandardInputIsTerminal();
 
+// Standard input gives its bytes as they are, line ends included.
+void MakeStandardInputBinary();
+
 // Writes to the terminal itself, so that a question is seen although the outputs are redirected.
 void WriteToTerminal(const std::string& text);
 

@@ -14,6 +14,8 @@ struct NoEcho::Mode {
 
 bool StandardInputIsTerminal() { return isatty(STDIN_FILENO) != 0; }
 
+void MakeStandardInputBinary() {}  // it always does
+
 void WriteToTerminal(const std::string& text) { std::ofstream("/dev/tty") << text << std::flush; }
 
 namespace {

@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <io.h>
 #include <stdio.h>
 
@@ -17,6 +18,8 @@ bool StandardInputIsTerminal() {
   DWORD mode = 0;
   return _isatty(_fileno(stdin)) != 0 && GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &mode) != 0;
 }
+
+void MakeStandardInputBinary() { _setmode(_fileno(stdin), _O_BINARY); }
 
 void WriteToTerminal(const std::string& text) { std::ofstream("CONOUT$") << text << std::flush; }
 
