@@ -17,6 +17,7 @@ const std::vector<Noun>& Nouns() {
       {"battery", "Show or set how the batteries are charged", AddBattery},
       {"log", "Show the firmware's log, its messages, a tablet's scan codes", AddLog},
       {"thermal", "Show the thermal sensors", AddThermal},
+      {"boot", "Show and change the boot order, decode load options", AddBoot},
       {"console", "Make calls interactively, with the commands' own prompts and displays",
        AddConsole},
   };
