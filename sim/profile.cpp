@@ -47,8 +47,16 @@ const std::vector<Profile>& Profiles() {
     pre_boot.class10.text = "system1";
     pre_boot.pre_boot.users = {{.id = "anna", .passphrase = "sesame"}};
     pre_boot.pre_boot.authenticates = "anna";
-    return std::vector<Profile>{laptop, no_wmi, probed,     refused,
-                                user,   locked, scan_codes, pre_boot};
+    Profile no_attributes = laptop;
+    no_attributes.name = "no-attributes";
+    no_attributes.description = "older firmware without BIOS attributes (class 5)";
+    no_attributes.supported_classes &= ~(1u << 5);
+    Profile pending = laptop;
+    pending.name = "pending-attributes";
+    pending.description = "the laptop, two of whose BIOS attributes were changed since it started";
+    pending.pending_attributes = {{"WakeOnLan", "LAN"}, {"PanelBrightnessBattery", "55"}};
+    return std::vector<Profile>{laptop, no_wmi,     probed,   refused,       user,
+                                locked, scan_codes, pre_boot, no_attributes, pending};
   }();
   return profiles;
 }

@@ -14,9 +14,11 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "sim/boot_lists.h"
+#include "sim/setup_attribute.h"
 
 namespace mira::sim {
 
@@ -152,6 +154,11 @@ struct Profile {
   std::uint8_t boots_from = 1;  // one of the lists
   LegacyBoot legacy_boot = LaptopLegacyBoot();
   std::vector<DataBlock> data_blocks = LaptopDataBlocks();
+  // Class 5. Empty: the laptop's own, for which clear bit 5 of supported_classes if none are
+  // wanted.
+  std::vector<SetupAttribute> attributes;
+  // Names and values, written since the machine has started.
+  std::vector<std::pair<std::string, std::string>> pending_attributes;
 
   // The machine's identity
   std::string manufacturer = "Northfield Systems";

@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 
+#include "sim/firmware/attributes.h"
 #include "sim/firmware/batteries.h"
 #include "sim/firmware/boot.h"
 #include "sim/firmware/data_block.h"
@@ -32,6 +33,7 @@ Firmware::Firmware(const Profile& profile) : supported_classes_(profile.supporte
   SetHandler(2, std::make_unique<DataBlockHandler>(0, 1, profile.data_blocks, security));
   SetHandler(3, std::make_unique<BootHandler>(security, profile));
   SetHandler(6, std::make_unique<DataBlockHandler>(4, 5, profile.data_blocks, security));
+  SetHandler(5, std::make_unique<AttributeHandler>(security, profile));
   SetHandler(9, std::make_unique<PasswordHandler>(security));
   SetHandler(10, std::make_unique<SystemPasswordHandler>(security, profile));
   SetHandler(11, std::make_unique<TagHandler>(security, profile));

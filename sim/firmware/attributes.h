@@ -1,0 +1,85 @@
+#ifndef MIRA_SIM_FIRMWARE_ATTRIBUTES_H_
+#define MIRA_SIM_FIRMWARE_ATTRIBUTES_H_
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "sim/attribute_tables.h"
+#include "sim/firmware/handler.h"
+#include "sim/firmware/security.h"
+#include "sim/profile.h"
+
+namespace mira::sim {
+
+// The verdict on a write, a byte of its answer.
+enum class WriteStatus : std::uint8_t {
+  kDone = 0,
+  kBadValue = 1,  // bounds, increment, length, characters, no possible value
+  kReadOnly = 2,
+  kUnknown = 3,    // no attribute has this handle
+  kMalformed = 4,  // of another type, or the entry's own lengths do not fit
+  kNoKey = 5,      // a password is installed and the security key is none or wrong
+};
+
+// The parts of a text of SetupAttribute.
+std::vector<std::string> Parts(std::string_view text);
+
+// The setup attributes of the laptop.
+std::vector<SetupAttribute> LaptopAttributes(const Profile& profile);
+
+// Class 5: the list of the BIOS tables (select 3), a table or a part of it (4), an attribute's
+// value in force (5), a new value (6; argument 2 is the security key). A new value shows at once;
+// the tables keep those of the last start.
+class AttributeHandler : public CommandHandler {
+ public:
+  // Throws std::invalid_argument for attributes whose texts do not fit together.
+  AttributeHandler(std::shared_ptr<Security> security, const Profile& profile);
+  void Handle(Call& call) override;
+  void Reboot() override;
+
+ private:
+  // A value as the tables and the answers hold it, behind handle and type.
+  using Value = std::vector<std::uint8_t>;
+  struct Stored {
+    SetupAttribute setup;
+    std::uint16_t handle = 0;
+    std::uint16_t name_handle = 0;
+    std::vector<std::uint16_t> choice_handles;
+    Value value;
+  };
+  // The block in which an attribute is named and its value travels.
+  struct Request {
+    std::span<std::uint8_t> block;
+    std::uint16_t handle;
+    std::uint16_t size;  // of the value, or the room for it
+  };
+
+  void BuildTables();
+  void BuildValueTable();
+  void ReadTable(Call& call) const;
+  void ReadValue(Call& call) const;
+  void WriteValue(Call& call);
+  WriteStatus Write(const Request& request, std::uint32_t key);
+  // Nothing, the call being completed, when the record holds no sound block.
+  static std::optional<Request> ReadRequest(Call& call);
+
+  const Stored* Find(std::uint16_t handle) const;
+  std::uint16_t HandleOf(std::string_view name) const;
+  // What stands for a text of SetupAttribute.
+  Value Encode(const Stored& attribute, const std::string& text) const;
+  std::vector<std::uint8_t> Positions(const Stored& attribute, const std::string& text) const;
+  WriteStatus Check(const Stored& attribute, bytes::ByteSpan value) const;
+
+  std::shared_ptr<Security> security_;
+  std::vector<Stored> attributes_;
+  std::vector<ListedTable> tables_;
+};
+
+}  // namespace mira::sim
+
+#endif  // MIRA_SIM_FIRMWARE_ATTRIBUTES_H_
