@@ -71,10 +71,11 @@ class Context {
   // The simulated machine; null on a real one.
   sim::Machine* Machine() { return machine_.get(); }
 
-  // Runs Init once and gives the facade, whatever Init said.
-  Opened& Open(bool load_attributes = false);
+  // Runs Init once and gives the facade, whatever Init said. Attributes may come with their display
+  // and help texts.
+  Opened& Open(bool load_attributes = false, bool load_texts = false);
   // The same, but a failed Init is an error.
-  CMiraIntf& Ready(bool load_attributes = false);
+  CMiraIntf& Ready(bool load_attributes = false, bool load_texts = false);
   // The lines that the facade has written since this was last asked, or since Init.
   std::vector<std::string> TakeDiagnostics();
 
@@ -133,6 +134,10 @@ std::string CompletionText(std::int32_t code);
 // the error.
 std::uint32_t ParseNumber(const std::string& text, const std::string& what,
                           std::uint32_t largest = 0xFFFFFFFF, std::uint32_t smallest = 0);
+
+// "Did you mean 'smbios'?", or `otherwise` when none of the names is near.
+std::string Suggest(const std::string& word, const std::vector<std::string>& names,
+                    const std::string& otherwise);
 
 // {"code", "name", "message", "target", "hint"}
 Json ErrorJson(const CommandError& error);

@@ -10,6 +10,7 @@ const std::vector<Noun>& Nouns() {
       {"smbios", "Show, save or decode the SMBIOS table", AddSmbios},
       {"tokens", "List the calling interface's tokens", AddTokens},
       {"call", "Make one calling-interface call", AddCall},
+      {"attr", "List, show, change, save and restore BIOS attributes", AddAttr},
       {"password", "Show, verify or change the BIOS passwords", AddPassword},
       {"hdd", "List drives; verify, set or clear their passwords", AddHdd},
       {"tag", "Show or set the asset, service, ownership and extended tags", AddTag},

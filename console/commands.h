@@ -8,6 +8,7 @@ namespace mira::console {
 // One source in console/commands/ each.
 void AddBattery(CLI::App& app, Command& command);
 void AddBoot(CLI::App& app, Command& command);
+void AddAttr(CLI::App& app, Command& command);
 void AddCall(CLI::App& app, Command& command);
 void AddConsole(CLI::App& app, Command& command);
 void AddHdd(CLI::App& app, Command& command);

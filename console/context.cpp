@@ -33,16 +33,16 @@ bool Context::IsInteractive() const {
   return !options_.json && &in_ == &std::cin && StandardInputIsTerminal();
 }
 
-Opened& Context::Open(bool load_attributes) {
+Opened& Context::Open(bool load_attributes, bool load_texts) {
   if (opened_.mira) return opened_;
   opened_.mira = std::make_unique<CMiraIntf>(diagnostics_);
-  opened_.status = opened_.mira->Init(load_attributes, load_attributes, load_attributes);
+  opened_.status = opened_.mira->Init(load_attributes, load_texts, load_texts);
   opened_.diagnostics = TakeDiagnostics();
   return opened_;
 }
 
-CMiraIntf& Context::Ready(bool load_attributes) {
-  Opened& opened = Open(load_attributes);
+CMiraIntf& Context::Ready(bool load_attributes, bool load_texts) {
+  Opened& opened = Open(load_attributes, load_texts);
   if (opened.status != STATUS_SUCCESS) throw InitError(opened);
   return *opened.mira;
 }

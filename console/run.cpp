@@ -89,19 +89,6 @@ std::size_t Distance(const std::string& a, const std::string& b) {
   return row.back();
 }
 
-// "Did you mean 'smbios'?", or where to find the names when none is near.
-std::string Suggest(const std::string& word, const std::vector<std::string>& names,
-                    const std::string& otherwise) {
-  constexpr std::size_t kNear = 2;
-  constexpr std::size_t kLongestWord = 64;
-  if (word.size() > kLongestWord) return otherwise;
-  const auto nearest = std::min_element(
-      names.begin(), names.end(),
-      [&word](const auto& a, const auto& b) { return Distance(word, a) < Distance(word, b); });
-  if (nearest == names.end() || Distance(word, *nearest) > kNear) return otherwise;
-  return "Did you mean '" + *nearest + "'?";
-}
-
 std::string FullName(const CLI::App& app) {
   const CLI::App* const parent = app.get_parent();
   return parent != nullptr ? FullName(*parent) + " " + app.get_name() : app.get_name();
@@ -231,6 +218,18 @@ void PrintError(const CommandError& error, const Options& options, std::ostream&
 }
 
 }  // namespace
+
+std::string Suggest(const std::string& word, const std::vector<std::string>& names,
+                    const std::string& otherwise) {
+  constexpr std::size_t kNear = 2;
+  constexpr std::size_t kLongestWord = 64;
+  if (word.size() > kLongestWord) return otherwise;
+  const auto nearest = std::min_element(
+      names.begin(), names.end(),
+      [&word](const auto& a, const auto& b) { return Distance(word, a) < Distance(word, b); });
+  if (nearest == names.end() || Distance(word, *nearest) > kNear) return otherwise;
+  return "Did you mean '" + *nearest + "'?";
+}
 
 int RunConsole(const std::vector<std::string>& arguments, std::istream& in, std::ostream& out,
                std::ostream& err) {
