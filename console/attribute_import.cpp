@@ -44,7 +44,8 @@ struct Item {
 };
 
 CommandError Malformed(const std::string& file, const std::string& what) {
-  return CommandError(kInvalidValue, "malformed-file", "'" + file + "' " + what, file,
+  const std::string name = file == "-" ? "Standard input" : "'" + file + "'";
+  return CommandError(kInvalidValue, "malformed-file", name + " " + what, file,
                       "'mira attr export' shows the form.");
 }
 
@@ -260,14 +261,12 @@ class Import {
     std::ostream& out = context_.Out();
     for (const Item& item : items_) {
       if (item.outcome == Outcome::kUnchanged) continue;
-      out << ToUtf8(item.name) << ": ";
+      out << NameOf(item.outcome, is_dry_) << ": ";
       if (item.error) {
-        out << "failed: " << ToUtf8(std::string_view(item.error->what())) << '\n';
-        continue;
-      }
-      out << NameOf(item.outcome, is_dry_);
-      if (item.setting.entry != nullptr) {
-        out << ": '" << ValueText(item.before) << "' -> '" << ValueText(item.after) << "'";
+        out << ToUtf8(std::string_view(item.error->what()));
+      } else {
+        out << ToUtf8(item.name) << ": '" << ValueText(item.before) << "' -> '"
+            << ValueText(item.after) << "'";
       }
       out << '\n';
     }

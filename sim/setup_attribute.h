@@ -22,14 +22,14 @@ enum class AttributeKind : std::uint8_t {
 // of several parts with "|" between them.
 struct SetupAttribute {
   AttributeKind kind = AttributeKind::kEnumeration;
-  std::string name;  // the "[…]" behind a name or a choice is its suffix
-  std::u16string display;
-  std::u16string help;
+  std::string name = {};  // the "[…]" behind a name or a choice is its suffix
+  std::u16string display = {};
+  std::u16string help = {};
   // Possible values, boot sources, or the members of a set. Sources and members are names of other
   // attributes.
-  std::vector<std::string> choices;
-  std::string value;          // in force when the machine starts first; a password shows none
-  std::string default_value;  // enumerations, strings, integers
+  std::vector<std::string> choices = {};
+  std::string value = {};          // in force when the machine starts first; a password shows none
+  std::string default_value = {};  // enumerations, strings, integers
   // Smallest and largest: integer, length of a text, number of boot sources, of a collection's
   // members, of an enumeration's values at a time.
   std::uint64_t lower = 0;

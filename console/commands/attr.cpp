@@ -288,17 +288,24 @@ ExitStatus Set(Context& context, const SetArguments& a) {
   if (!Approve(context, changes)) return ReportWhatIf(context, changes);
   attributes.Write(setting, key);
 
-  const Json after = attributes.Value(attributes.ReadLive(entry));
-  const bool is_pending = attributes.IsRestartPending(entry);
-  document.update({{"after", after}, {"changed", true}, {"restartPending", is_pending}});
-  std::string sentence = title + ": " + Quoted(before) + " -> " + Quoted(after) + ".";
-  if (entry.IsPassword()) sentence = title + " was changed.";
-  if (is_pending) sentence += " It differs from the value at boot: a restart is pending.";
-  if (after != wanted) {
-    sentence += " The firmware took " + Quoted(wanted) +
-                " and does not show it yet: a restart "
-                "may be needed.";
+  Json after = wanted;
+  bool is_pending = false;
+  std::string note;
+  try {
+    after = attributes.Value(attributes.ReadLive(entry));
+    is_pending = attributes.IsRestartPending(entry);
+  } catch (const CommandError& error) {
+    note = std::string(" It was written but cannot be read again: ") + error.what();
   }
+  if (is_pending) note = " It differs from the value at boot: a restart is pending.";
+  if (after != wanted) {
+    note =
+        " The firmware took " + Quoted(wanted) + " but does not show it: a restart may be needed.";
+  }
+  document.update({{"after", after}, {"changed", true}, {"restartPending", is_pending}});
+  const std::string sentence =
+      entry.IsPassword() ? title + " was changed."
+                         : title + ": " + Quoted(before) + " -> " + Quoted(after) + "." + note;
   return ReportDone(context, sentence, document);
 }
 
