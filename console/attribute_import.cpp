@@ -183,7 +183,8 @@ class Import {
         attributes_.Write(item.setting, key);
         item.outcome = Outcome::kChanged;
         if (!is_restart_pending_) {
-          is_restart_pending_ = attributes_.IsRestartPending(*item.setting.entry);
+          const Setting live = attributes_.ReadLive(*item.setting.entry);
+          is_restart_pending_ = attributes_.IsRestartPending(live);
         }
       } catch (const CommandError& error) {
         // A value that was written stays so, although it could not be read again.

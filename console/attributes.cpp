@@ -349,8 +349,12 @@ Setting Attributes::ReadAtBoot(const AttributeEntry& entry) {
   return Read(entry, &CMiraIntf::GetAttributeValueAtBoot);
 }
 
-bool Attributes::IsRestartPending(const AttributeEntry& entry) {
-  return Value(ReadLive(entry)) != Value(ReadAtBoot(entry));
+bool Attributes::IsRestartPending(const Setting& live) {
+  try {
+    return Value(live) != Value(ReadAtBoot(*live.entry));
+  } catch (const CommandError&) {
+    return false;
+  }
 }
 
 void Attributes::Write(Setting& setting, unsigned int security_key) {

@@ -55,8 +55,8 @@ class Attributes {
   // Throw CommandError.
   Setting ReadLive(const AttributeEntry& entry);
   Setting ReadAtBoot(const AttributeEntry& entry);
-  // The value in force differs from the one at start-up.
-  bool IsRestartPending(const AttributeEntry& entry);
+  // Whether this live value differs from the one at start-up, where the tables tell that.
+  bool IsRestartPending(const Setting& live);
   // Throws CommandError when the firmware refuses.
   void Write(Setting& setting, unsigned int security_key);
 

@@ -143,13 +143,12 @@ ExitStatus Get(Context& context, const std::string& name) {
   Attributes attributes(context, Attributes::Texts::kAll);
   const Setting live = attributes.ReadLive(attributes.Find(name));
   const Json value = attributes.Value(live);
-  // A firmware may list an attribute without a value in its tables.
-  Json at_boot;
+  Json at_boot;  // null where the tables list an attribute without a value
   try {
     at_boot = attributes.Value(attributes.ReadAtBoot(*live.entry));
   } catch (const CommandError&) {
   }
-  const bool is_pending = !at_boot.is_null() && value != at_boot;
+  const bool is_pending = attributes.IsRestartPending(live);
   const Json default_value = attributes.Default(live);
   attributes.GetProgress().Clear();
   if (context.IsJson()) {
@@ -271,13 +270,12 @@ ExitStatus Set(Context& context, const SetArguments& a) {
                        "--force sends the value anyway.");
   }
   const Json before = attributes.Value(setting);
+  bool is_pending = attributes.IsRestartPending(setting);
   TakeValue(context, attributes, a, setting);
   const Json wanted = attributes.Value(setting);
   Json document = {{"handle", entry.handle}, {"name", title}, {"before", before}};
   if (!entry.IsPassword() && wanted == before && !a.force) {
-    document.update({{"after", before},
-                     {"changed", false},
-                     {"restartPending", attributes.IsRestartPending(entry)}});
+    document.update({{"after", before}, {"changed", false}, {"restartPending", is_pending}});
     return ReportDone(context, title + " is " + Quoted(before) + " already.", document);
   }
   const unsigned int key =
@@ -289,15 +287,16 @@ ExitStatus Set(Context& context, const SetArguments& a) {
   attributes.Write(setting, key);
 
   Json after = wanted;
-  bool is_pending = false;
   std::string note;
   try {
-    after = attributes.Value(attributes.ReadLive(entry));
-    is_pending = attributes.IsRestartPending(entry);
+    const Setting live = attributes.ReadLive(entry);
+    after = attributes.Value(live);
+    is_pending = attributes.IsRestartPending(live);
   } catch (const CommandError& error) {
     note = std::string(" It was written but cannot be read again: ") + error.what();
   }
-  if (is_pending) note = " It differs from the value at boot: a restart is pending.";
+  if (is_pending && note.empty())
+    note = " It differs from the value at boot: a restart is pending.";
   if (after != wanted) {
     note =
         " The firmware took " + Quoted(wanted) + " but does not show it: a restart may be needed.";
