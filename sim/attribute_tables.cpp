@@ -1,5 +1,6 @@
 #include "sim/attribute_tables.h"
 
+#include <array>
 #include <numeric>
 
 namespace mira::sim {
@@ -43,12 +44,18 @@ std::vector<std::uint8_t> BiosTable::Finish() const {
 }
 
 std::uint32_t Crc32(bytes::ByteSpan bytes) {
-  constexpr std::uint32_t kPolynomial = 0xEDB88320;  // lowest bit first
+  // What each value of a byte adds, lowest bit first.
+  static constexpr auto kSteps = [] {
+    std::array<std::uint32_t, 256> steps{};
+    for (std::uint32_t value = 0; value < steps.size(); ++value) {
+      std::uint32_t step = value;
+      for (int bit = 0; bit < 8; ++bit) step = step >> 1 ^ ((step & 1) != 0 ? 0xEDB88320 : 0);
+      steps[value] = step;
+    }
+    return steps;
+  }();
   std::uint32_t crc = 0xFFFFFFFF;
-  for (const std::uint8_t byte : bytes) {
-    crc ^= byte;
-    for (int bit = 0; bit < 8; ++bit) crc = crc >> 1 ^ ((crc & 1) != 0 ? kPolynomial : 0);
-  }
+  for (const std::uint8_t byte : bytes) crc = crc >> 8 ^ kSteps[(crc ^ byte) & 0xFF];
   return ~crc;
 }
 

@@ -85,10 +85,16 @@ std::vector<std::string> Parts(std::string_view text) {
 }
 
 AttributeHandler::AttributeHandler(std::shared_ptr<Security> security, const Profile& profile)
-    : security_(std::move(security)) {
+    : security_(std::move(security)), profile_(std::make_unique<const Profile>(profile)) {
+  if (!profile.attributes.empty() || !profile.pending_attributes.empty()) Prepare();
+}
+
+void AttributeHandler::Prepare() {
+  if (!profile_) return;
+  const std::unique_ptr<const Profile> profile = std::move(profile_);
   std::uint16_t handle = kFirstAttribute;
   for (const SetupAttribute& setup :
-       profile.attributes.empty() ? LaptopAttributes(profile) : profile.attributes) {
+       profile->attributes.empty() ? LaptopAttributes(*profile) : profile->attributes) {
     attributes_.emplace_back().setup = setup;
     attributes_.back().handle = handle++;
   }
@@ -96,7 +102,7 @@ AttributeHandler::AttributeHandler(std::shared_ptr<Security> security, const Pro
     attribute.value = Encode(attribute, attribute.setup.value);
   }
   BuildTables();
-  for (const auto& [name, value] : profile.pending_attributes) {
+  for (const auto& [name, value] : profile->pending_attributes) {
     const Stored* const changed = Find(HandleOf(name));
     if (changed == nullptr) throw std::invalid_argument("No setup attribute is called " + name);
     attributes_[changed->handle - kFirstAttribute].value = Encode(*changed, value);
@@ -104,6 +110,7 @@ AttributeHandler::AttributeHandler(std::shared_ptr<Security> security, const Pro
 }
 
 void AttributeHandler::Handle(Call& call) {
+  Prepare();
   switch (call.Select()) {
     case 3:
       call.AnswerData(BuildTableList(tables_));
@@ -119,7 +126,9 @@ void AttributeHandler::Handle(Call& call) {
   }
 }
 
-void AttributeHandler::Reboot() { BuildValueTable(); }
+void AttributeHandler::Reboot() {
+  if (!profile_) BuildValueTable();
+}
 
 const AttributeHandler::Stored* AttributeHandler::Find(std::uint16_t handle) const {
   const std::size_t place = std::size_t{handle} - kFirstAttribute;

@@ -37,7 +37,7 @@ std::vector<SetupAttribute> LaptopAttributes(const Profile& profile);
 // the tables keep those of the last start.
 class AttributeHandler : public CommandHandler {
  public:
-  // Throws std::invalid_argument for attributes whose texts do not fit together.
+  // Throws std::invalid_argument for attributes of the profile whose texts do not fit together.
   AttributeHandler(std::shared_ptr<Security> security, const Profile& profile);
   void Handle(Call& call) override;
   void Reboot() override;
@@ -59,6 +59,8 @@ class AttributeHandler : public CommandHandler {
     std::uint16_t size;  // of the value, or the room for it
   };
 
+  // Takes the profile's attributes, at the first call at the latest: most machines get none.
+  void Prepare();
   void BuildTables();
   void BuildValueTable();
   void ReadTable(Call& call) const;
@@ -76,6 +78,7 @@ class AttributeHandler : public CommandHandler {
   WriteStatus Check(const Stored& attribute, bytes::ByteSpan value) const;
 
   std::shared_ptr<Security> security_;
+  std::unique_ptr<const Profile> profile_;  // until it is prepared
   std::vector<Stored> attributes_;
   std::vector<ListedTable> tables_;
 };
