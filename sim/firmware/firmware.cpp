@@ -28,12 +28,12 @@ Firmware::Firmware(const Profile& profile) : supported_classes_(profile.supporte
   auto tokens = std::make_shared<TokenStore>(profile.tokens);
   SetHandler(0, std::make_unique<TokenReadHandler>(tokens));
   SetHandler(1, std::make_unique<TokenWriteHandler>(tokens, security));
-  SetHandler(7, std::make_unique<SkyportHandler>());
-  SetHandler(8, std::make_unique<BatteryHandler>(profile.batteries));
   SetHandler(2, std::make_unique<DataBlockHandler>(0, 1, profile.data_blocks, security));
   SetHandler(3, std::make_unique<BootHandler>(security, profile));
   SetHandler(6, std::make_unique<DataBlockHandler>(4, 5, profile.data_blocks, security));
   SetHandler(5, std::make_unique<AttributeHandler>(security, profile));
+  SetHandler(7, std::make_unique<SkyportHandler>());
+  SetHandler(8, std::make_unique<BatteryHandler>(profile.batteries));
   SetHandler(9, std::make_unique<PasswordHandler>(security));
   SetHandler(10, std::make_unique<SystemPasswordHandler>(security, profile));
   SetHandler(11, std::make_unique<TagHandler>(security, profile));

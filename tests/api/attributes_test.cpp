@@ -18,7 +18,8 @@
 #include "sim/attribute_tables.h"
 #include "sim/machine.h"
 #include "tests/support/byte_builder.h"
-#include "tests/support/console_run.h"
+#include "tests/support/console_program.h"
+#include "tests/support/host.h"
 
 namespace mira {
 namespace {
@@ -28,7 +29,7 @@ using sim::AttributeKind;
 using sim::SetupAttribute;
 using test::ByteBuilder;
 using test::Bytes;
-using test::ConsoleResult;
+using test::ProgramResult;
 using test::Document;
 using test::Mira;
 using test::TemporaryFile;
@@ -393,20 +394,10 @@ TEST(AttributeFirmware, RefusesASetupThatDoesNotFitTogether) {
 }
 
 // A host with the attributes of a machine loaded.
-class Host {
- public:
-  explicit Host(const sim::Profile& profile = sim::Profile())
-      : machine_(profile), session_(machine_), mira_(std::make_unique<CMiraIntf>(diagnostics_)) {
-    EXPECT_EQ(mira_->Init(true, true, true), STATUS_SUCCESS);
+struct Host : test::Host {
+  explicit Host(const sim::Profile& profile = sim::Profile()) : test::Host(profile, true) {
+    EXPECT_EQ(init_status(), STATUS_SUCCESS);
   }
-  sim::Machine& machine() { return machine_; }
-  CMiraIntf* operator->() { return mira_.get(); }
-
- private:
-  std::ostringstream diagnostics_;
-  sim::Machine machine_;
-  sim::Session session_;
-  std::unique_ptr<CMiraIntf> mira_;
 };
 
 TEST(LaptopAttributes, AreReadByTheLibrary) {
@@ -541,14 +532,14 @@ TEST(AttrCommand, EndsWithTheStatusAndASentence) {
     Words arguments = {"--sim", "attr"};
     arguments.insert(arguments.end(), c.arguments.begin(), c.arguments.end());
     SCOPED_TRACE(testing::PrintToString(arguments));
-    const ConsoleResult result = Mira(arguments, c.input);
+    const ProgramResult result = Mira(arguments, c.input);
     EXPECT_EQ(result.status, c.status);
     const std::string& said = c.status == 0 ? result.out : result.err;
     EXPECT_NE(said.find(c.said), std::string::npos) << said;
     EXPECT_EQ(result.err.empty(), c.status == 0);
 
     arguments.push_back("--json");
-    const ConsoleResult as_json = Mira(arguments, c.input);
+    const ProgramResult as_json = Mira(arguments, c.input);
     EXPECT_EQ(as_json.status, c.status);
     EXPECT_EQ(Document(as_json).contains("error"), c.status != 0);
   }
@@ -624,7 +615,7 @@ TEST(AttrCommand, TakesPasswordsAndNeverShowsThem) {
       arguments.insert(arguments.end(), c.arguments.begin(), c.arguments.end());
       if (is_json) arguments.push_back("--json");
       SCOPED_TRACE(testing::PrintToString(arguments));
-      const ConsoleResult result = Mira(arguments, c.input);
+      const ProgramResult result = Mira(arguments, c.input);
       EXPECT_EQ(result.status, c.status) << result.out << result.err;
       for (const char* const secret : {"geheim", "gh7", "setup1", "system1"}) {
         EXPECT_EQ((result.out + result.err).find(secret), std::string::npos);
@@ -655,7 +646,7 @@ TEST(AttrCommand, SeesWhatWasWrittenBefore) {
       {"name": "HttpsBootProxy", "outcome": "would-change", "handle": 154, "before": "proxy:8080",
        "after": ""}])"));
   EXPECT_EQ(Document(Mira({"attr", "get", "FanFloor", "--json"}))["value"], 30);
-  const ConsoleResult back = Mira({"attr", "import", file.path(), "--yes"});
+  const ProgramResult back = Mira({"attr", "import", file.path(), "--yes"});
   EXPECT_EQ(back.out,
             "changed: FanFloor: '30' -> '0'\nchanged: HttpsBootProxy: 'proxy:8080' -> ''\n"
             "2 changed, 158 unchanged, 0 failed.\nA restart is pending.\n");
@@ -713,7 +704,7 @@ TEST(AttrCommand, ImportsWhatItCan) {
     const TemporaryFile file(c.content);
     Words arguments = {"--sim", "attr", "import", file.path(), "--yes", "--json"};
     arguments.insert(arguments.end(), c.options.begin(), c.options.end());
-    const ConsoleResult result = Mira(arguments);
+    const ProgramResult result = Mira(arguments);
     EXPECT_EQ(result.status, c.status);
     const json document = Document(result);
     std::string outcomes;
@@ -758,7 +749,7 @@ TEST(AttrCommand, ReportsWhatTheFirmwareDoes) {
       arguments.insert(arguments.end(), c.arguments.begin(), c.arguments.end());
       if (is_json) arguments.push_back("--json");
       SCOPED_TRACE(c.fault.operation + " " + testing::PrintToString(arguments));
-      const ConsoleResult result = Mira(arguments);
+      const ProgramResult result = Mira(arguments);
       EXPECT_EQ(result.status, c.status) << result.err;
       if (is_json) {
         EXPECT_EQ(Document(result).contains("error"), c.status != 0);
