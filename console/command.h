@@ -9,6 +9,7 @@
 //   }
 
 #include <CLI/CLI.hpp>
+#include <filesystem>
 #include <functional>
 #include <istream>
 #include <map>
@@ -48,6 +49,8 @@ struct Options {
   bool json = false;
   bool yes = false;
   bool what_if = false;
+  // Where simulated machines are kept between commands; empty: each command gets a new one.
+  std::filesystem::path machines;
 };
 
 // A facade and what its Init said.
@@ -70,6 +73,13 @@ class Context {
   std::istream& In() { return in_; }
   // The simulated machine; null on a real one.
   sim::Machine* Machine() { return machine_.get(); }
+  // The file that the simulated machine is kept in; empty where it is not.
+  std::filesystem::path MachineFile() const;
+  // Throws CommandError when the machine that was kept could not be read back.
+  void CheckMachine() const;
+  // Keeps the simulated machine for later commands, if the command has changed it. Throws
+  // CommandError when it cannot be written.
+  void KeepMachine();
 
   // Runs Init once and gives the facade, whatever Init said. Attributes may come with their display
   // and help texts.
@@ -91,6 +101,8 @@ class Context {
   std::ostream& out_;
   std::unique_ptr<sim::Machine> machine_;
   std::unique_ptr<sim::Session> session_;
+  std::size_t changes_before_ = 0;
+  bool machine_is_unreadable_ = false;
   std::ostringstream diagnostics_;
   Opened opened_;
 };
@@ -142,9 +154,11 @@ std::string Suggest(const std::string& word, const std::vector<std::string>& nam
 // {"code", "name", "message", "target", "hint"}
 Json ErrorJson(const CommandError& error);
 
-// The program: arguments without the program's name. Gives the exit status.
+// The program: arguments without the program's name. Gives the exit status. `machines` is the
+// folder that simulated machines are kept in between commands; without one each command gets a new
+// one.
 int RunConsole(const std::vector<std::string>& arguments, std::istream& in, std::ostream& out,
-               std::ostream& err);
+               std::ostream& err, const std::filesystem::path& machines = {});
 
 }  // namespace mira::console
 

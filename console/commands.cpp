@@ -19,6 +19,7 @@ const std::vector<Noun>& Nouns() {
       {"log", "Show the firmware's log, its messages, a tablet's scan codes", AddLog},
       {"thermal", "Show the thermal sensors", AddThermal},
       {"boot", "Show and change the boot order, decode load options", AddBoot},
+      {"sim", "Show, restart or renew the simulated machine", AddSim},
       {"console", "Make calls interactively, with the commands' own prompts and displays",
        AddConsole},
   };

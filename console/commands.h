@@ -16,6 +16,7 @@ void AddId(CLI::App& app, Command& command);
 void AddInfo(CLI::App& app, Command& command);
 void AddLog(CLI::App& app, Command& command);
 void AddPassword(CLI::App& app, Command& command);
+void AddSim(CLI::App& app, Command& command);
 void AddSmbios(CLI::App& app, Command& command);
 void AddTag(CLI::App& app, Command& command);
 void AddThermal(CLI::App& app, Command& command);

@@ -1,8 +1,10 @@
 #include <charconv>
+#include <fstream>
 #include <iostream>
 #include <string_view>
 
 #include "console/command.h"
+#include "console/input_file.h"
 #include "console/terminal.h"
 #include "facade/process_state.h"
 
@@ -20,6 +22,11 @@ Context::Context(Options options, std::istream& in, std::ostream& out)
                        options_.profile, "The machines are: " + known + ".");
   }
   machine_ = std::make_unique<sim::Machine>(*profile);
+  std::error_code error;
+  if (const auto file = MachineFile(); std::filesystem::exists(file, error)) {
+    machine_is_unreadable_ = !machine_->RestoreState(LoadFile(PathText(file)));
+    changes_before_ = machine_->Changes();
+  }
   session_ = std::make_unique<sim::Session>(*machine_);
 }
 
@@ -29,12 +36,50 @@ Context::~Context() {
   ResetProcessState();
 }
 
+std::filesystem::path Context::MachineFile() const {
+  if (!machine_ || options_.machines.empty()) return {};
+  return options_.machines / (options_.profile + ".machine");
+}
+
+void Context::CheckMachine() const {
+  if (!machine_is_unreadable_) return;
+  const std::string file = PathText(MachineFile());
+  throw CommandError(kUnexpected, "machine-unreadable",
+                     "The simulated machine in '" + file + "' cannot be read.", file,
+                     "'mira --sim=" + options_.profile + " sim reset' starts over with a new one.");
+}
+
+void Context::KeepMachine() {
+  const std::filesystem::path file = MachineFile();
+  if (file.empty() || machine_is_unreadable_ || machine_->Changes() == changes_before_) return;
+  std::error_code error;
+  std::filesystem::create_directories(file.parent_path(), error);
+  // Written beside and moved there, so that a command that is interrupted leaves a whole machine.
+  std::filesystem::path fresh = file;
+  fresh += ".new";
+  const std::vector<std::uint8_t> saved = machine_->SaveState();
+  std::ofstream out(fresh, std::ios::binary | std::ios::trunc);
+  std::filesystem::permissions(
+      fresh, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write, error);
+  out.write(reinterpret_cast<const char*>(saved.data()),
+            static_cast<std::streamsize>(saved.size()));
+  out.close();
+  if (out) std::filesystem::rename(fresh, file, error);
+  if (!out || error) {
+    throw CommandError(kUnexpected, "machine-not-kept",
+                       "The simulated machine could not be written to '" + PathText(file) + "'.",
+                       PathText(file), "MIRA_SIM_STATE names another folder, or none.");
+  }
+  changes_before_ = machine_->Changes();
+}
+
 bool Context::IsInteractive() const {
   return !options_.json && &in_ == &std::cin && StandardInputIsTerminal();
 }
 
 Opened& Context::Open(bool load_attributes, bool load_texts) {
   if (opened_.mira) return opened_;
+  CheckMachine();
   opened_.mira = std::make_unique<CMiraIntf>(diagnostics_);
   opened_.status = opened_.mira->Init(load_attributes, load_texts, load_texts);
   opened_.diagnostics = TakeDiagnostics();

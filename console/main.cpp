@@ -1,4 +1,6 @@
 #include <cstdio>
+#include <cstdlib>
+#include <filesystem>
 #include <iostream>
 #include <string>
 #include <vector>
@@ -35,6 +37,29 @@ std::vector<std::string> Arguments(int argc, char** argv) { return {argv + 1, ar
 }  // namespace
 #endif
 
+namespace {
+
+// Simulated machines are kept where the system keeps a user's data, or where MIRA_SIM_STATE says;
+// with that set to nothing, nowhere.
+std::filesystem::path MachinesFolder() {
+  if (const char* const chosen = std::getenv("MIRA_SIM_STATE")) return chosen;
+#if defined(_WIN32)
+  if (const wchar_t* const data = _wgetenv(L"LOCALAPPDATA")) {
+    return std::filesystem::path(data) / "mira";
+  }
+#else
+  if (const char* const state = std::getenv("XDG_STATE_HOME"); state != nullptr && *state != 0) {
+    return std::filesystem::path(state) / "mira";
+  }
+  if (const char* const home = std::getenv("HOME"); home != nullptr && *home != 0) {
+    return std::filesystem::path(home) / ".local" / "state" / "mira";
+  }
+#endif
+  return {};
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
   // A typed password leaves no copy in the stream.
   std::setvbuf(stdin, nullptr, _IONBF, 0);
@@ -43,5 +68,6 @@ int main(int argc, char** argv) {
   _setmode(_fileno(stdout), _O_BINARY);
   SetConsoleOutputCP(CP_UTF8);
 #endif
-  return mira::console::RunConsole(Arguments(argc, argv), std::cin, std::cout, std::cerr);
+  return mira::console::RunConsole(Arguments(argc, argv), std::cin, std::cout, std::cerr,
+                                   MachinesFolder());
 }

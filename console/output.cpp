@@ -100,6 +100,11 @@ std::filesystem::path ToPath(const std::string& utf8) {
   return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));
 }
 
+std::string PathText(const std::filesystem::path& path) {
+  const std::u8string text = path.u8string();
+  return {text.begin(), text.end()};
+}
+
 void WriteTable(std::ostream& out, const Rows& rows, const std::vector<std::size_t>& right) {
   std::vector<std::size_t> widths;
   for (const auto& row : rows) {

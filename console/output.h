@@ -24,6 +24,7 @@ std::string ToUtf8(std::string_view text);
 std::string ToUtf8(std::wstring_view text);
 // A path from UTF-8 text, whatever the system's own encoding is.
 std::filesystem::path ToPath(const std::string& utf8);
+std::string PathText(const std::filesystem::path& path);
 
 // Rows in columns as wide as their contents. The first row holds the headings. Columns of `right`
 // (counted from 0) are aligned to the right.

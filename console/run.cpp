@@ -200,7 +200,16 @@ ExitStatus Run(std::vector<std::string> arguments, const Options& options, std::
     throw CommandError(kUsage, "usage", message, "", "--help shows how it is used.");
   }
   Context context(options, in, out);
-  return command.Chosen()(context);
+  // A command that failed may have changed the machine, too: a wrong password is counted.
+  ExitStatus status = kUnexpected;
+  try {
+    status = command.Chosen()(context);
+  } catch (...) {
+    context.KeepMachine();
+    throw;
+  }
+  context.KeepMachine();
+  return status;
 }
 
 void PrintError(const CommandError& error, const Options& options, std::ostream& out,
@@ -232,8 +241,9 @@ std::string Suggest(const std::string& word, const std::vector<std::string>& nam
 }
 
 int RunConsole(const std::vector<std::string>& arguments, std::istream& in, std::ostream& out,
-               std::ostream& err) {
+               std::ostream& err, const std::filesystem::path& machines) {
   Options options;
+  options.machines = machines;
   const auto fail = [&](const CommandError& error) {
     PrintError(error, options, out, err);
     return error.status;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
 #include <string>
 
 #include "facade/process_state.h"
@@ -223,6 +224,16 @@ Machine::Machine(const Profile& profile) : state_(std::make_shared<State>(profil
   if (state_->profile.firmware_table.empty()) {
     state_->profile.firmware_table = BuildFirmwareTable(profile);
   }
+}
+
+std::vector<std::uint8_t> Machine::SaveState() const {
+  return state_->firmware.GetHistory().Save(state_->profile.name);
+}
+
+bool Machine::RestoreState(bytes::ByteSpan saved) {
+  const std::optional<History> history = History::Load(saved, state_->profile.name);
+  if (history) state_->firmware.Replay(*history);
+  return history.has_value();
 }
 
 Session::Session(Machine& machine) : state_before_(current), services_before_(nullptr) {

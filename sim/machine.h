@@ -9,7 +9,9 @@
 //   CMiraIntf mira(std::cerr);
 //   mira.Init(false, false, false);             // succeeds
 
+#include <cstdint>
 #include <functional>
+#include <vector>
 
 #include "platform/services.h"
 #include "sim/faults.h"
@@ -37,6 +39,14 @@ class Machine {
   // Restarts the machine: what was pending comes into force. A process that read the machine before
   // does not see it until it asks again.
   void Reboot() { state_->firmware.Reboot(); }
+
+  // The machine's state as bytes, and the same state on a machine of the same profile that was just
+  // made; false, with nothing changed, for bytes that are no such state. What was typed into the
+  // machine stands in the bytes, passwords included, as in the memory of a real one.
+  std::vector<std::uint8_t> SaveState() const;
+  bool RestoreState(bytes::ByteSpan saved);
+  // How often the machine was changed or restarted.
+  std::size_t Changes() const { return state_->firmware.GetHistory().Events().size(); }
 
  private:
   friend class Session;

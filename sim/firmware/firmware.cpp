@@ -53,8 +53,22 @@ void Firmware::SetHandler(std::uint16_t cls, std::unique_ptr<CommandHandler> han
   handlers_.at(cls) = std::move(handler);
 }
 
+void Firmware::Replay(const History& history) {
+  Faults none;
+  for (const History::Event& event : history.Events()) {
+    if (event.empty()) {
+      Reboot();
+      continue;
+    }
+    std::vector<std::uint8_t> array = event;
+    Execute(array, none);
+  }
+  journal_.clear();
+}
+
 void Firmware::Reboot() {
   ++boot_count_;
+  history_.Add({});
   for (const auto& handler : handlers_) {
     if (handler) handler->Reboot();
   }
@@ -99,6 +113,9 @@ void Firmware::Execute(std::vector<std::uint8_t>& array, Faults& faults) {
     if (forced != hit.end()) {
       call.Complete(*(*forced)->completion);
     } else {
+      if (History::Changes(call.Class(), call.Select())) {
+        history_.Add({call.Record().begin(), call.Record().end()});
+      }
       call.Complete(Dispatch(call));
     }
     entry.completion = call.Completion();

@@ -8,6 +8,7 @@
 
 #include "sim/faults.h"
 #include "sim/firmware/handler.h"
+#include "sim/firmware/history.h"
 #include "sim/journal.h"
 #include "sim/profile.h"
 
@@ -28,6 +29,11 @@ class Firmware {
   void SetHandler(std::uint16_t cls, std::unique_ptr<CommandHandler> handler);
   void Reboot();
 
+  // What has happened since the machine was made, and the same once more on a machine just made.
+  // The journal keeps none of that.
+  const History& GetHistory() const { return history_; }
+  void Replay(const History& history);
+
   const std::vector<JournalEntry>& Journal() const { return journal_; }
   void ClearJournal() { journal_.clear(); }
   // How often the machine has started.
@@ -42,6 +48,7 @@ class Firmware {
   std::array<std::unique_ptr<CommandHandler>, kClasses> handlers_;
   std::vector<std::uint32_t> issued_keys_;
   std::vector<JournalEntry> journal_;
+  History history_;
   int boot_count_ = 1;
 };
 

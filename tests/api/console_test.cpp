@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
@@ -221,6 +223,45 @@ TEST(Console, SmbiosSavesAndDecodesFiles) {
   const TemporaryFile damaged(SimTable().substr(0, 300));
   const Result result = Mira({"smbios", "--file", damaged.path()});
   EXPECT_EQ(result.status, 6);
+}
+
+TEST(Console, KeepsTheSimulatedMachineBetweenCommands) {
+  const std::filesystem::path folder = "machines of the test";
+  std::filesystem::remove_all(folder);
+  const auto mira = [&folder](std::vector<std::string> arguments, const char* input = "") {
+    arguments.insert(arguments.begin(), "--sim");
+    return Mira(arguments, input, folder);
+  };
+  const auto value = [&mira](const char* select) {
+    return Document(mira({"call", "0", select, "--arg1", "0x70", "--json"}))["results"][1];
+  };
+  EXPECT_EQ(mira({"call", "1", "0", "--arg1", "0x70", "--arg2", "7"}).status, 0);
+  EXPECT_EQ(value("0"), 7);
+  EXPECT_EQ(value("1"), 1) << "in force from the restart on";
+  EXPECT_EQ(Document(mira({"sim", "show", "--json"}))["boots"], 1);
+  EXPECT_EQ(mira({"sim", "reboot"}).status, 0);
+  EXPECT_EQ(value("1"), 7);
+
+  const std::vector<std::string> set_password = {
+      "password", "change", "--class", "9", "--new-password-stdin", "--yes"};
+  EXPECT_EQ(mira(set_password, "setup1\n").status, 0);
+  const std::vector<std::string> write = {"call",   "1", "0",         "--arg1", "0x70",
+                                          "--arg2", "9", "--key-arg", "3",      "--password-stdin"};
+  EXPECT_EQ(mira(write, "setup1\n").status, 0);
+  EXPECT_EQ(value("0"), 9);
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(mira(write, "wrong\n").status, 5);
+  EXPECT_EQ(mira(write, "setup1\n").status, 5) << "locked, also for later commands";
+  EXPECT_EQ(mira({"sim", "reboot"}).status, 0);
+  EXPECT_EQ(mira(write, "setup1\n").status, 0);
+  EXPECT_EQ(Mira({"--sim=locked", "sim", "show"}, "", folder).status, 0) << "a machine of its own";
+
+  std::ofstream(folder / "laptop.machine") << "damaged";
+  EXPECT_EQ(mira({"tokens"}).status, 1);
+  EXPECT_NE(mira({"tokens"}).err.find("sim reset"), std::string::npos);
+  EXPECT_EQ(mira({"sim", "reset"}).status, 0);
+  EXPECT_EQ(value("0"), 1);
+  EXPECT_EQ(Mira({"sim", "show"}).status, 2) << "a real machine is not restarted";
+  std::filesystem::remove_all(folder);
 }
 
 TEST(Console, ShowsTextThatIsNoUtf8) {

@@ -27,6 +27,7 @@ class Terminal {
     std::vector<char*> words;
     for (std::string& argument : arguments) words.push_back(argument.data());
     words.push_back(nullptr);
+    setenv("MIRA_SIM_STATE", "", 1);  // a new machine each time
     execv(words[0], words.data());
     _exit(127);
   }

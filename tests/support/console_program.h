@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <nlohmann/json.hpp>
@@ -22,12 +23,12 @@ struct ProgramResult {
   std::string err;
 };
 
-inline ProgramResult Mira(const std::vector<std::string>& arguments,
-                          const std::string& input = "") {
+inline ProgramResult Mira(const std::vector<std::string>& arguments, const std::string& input = "",
+                          const std::filesystem::path& machines = {}) {
   std::istringstream in(input);
   std::ostringstream out;
   std::ostringstream err;
-  const int status = console::RunConsole(arguments, in, out, err);
+  const int status = console::RunConsole(arguments, in, out, err, machines);
   return {status, out.str(), err.str()};
 }
 

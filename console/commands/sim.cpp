@@ -1,0 +1,84 @@
+#include "console/commands.h"
+
+namespace mira::console {
+namespace {
+
+sim::Machine& SimulatedMachine(Context& context) {
+  if (context.Machine() == nullptr) {
+    throw CommandError(kUsage, "not-simulated", "This is about simulated machines.", "",
+                       "--sim or --sim=PROFILE names one.");
+  }
+  return *context.Machine();
+}
+
+ExitStatus Show(Context& context) {
+  sim::Machine& machine = SimulatedMachine(context);
+  context.CheckMachine();
+  const sim::Profile& profile = machine.GetProfile();
+  const std::string file = PathText(context.MachineFile());
+  const int boots = machine.GetFirmware().BootCount();
+  if (context.IsJson()) {
+    context.Print({{"profile", profile.name},
+                   {"description", profile.description},
+                   {"boots", boots},
+                   {"changes", machine.Changes()},
+                   {"keptIn", file.empty() ? Json() : Json(file)}});
+    return kDone;
+  }
+  WriteTable(context.Out(), {{"Profile", profile.name},
+                             {"Machine", profile.description},
+                             {"Started", std::to_string(boots) + (boots == 1 ? " time" : " times")},
+                             {"Changes", std::to_string(machine.Changes())},
+                             {"Kept in", file.empty() ? "nowhere" : file}});
+  return kDone;
+}
+
+ExitStatus Reboot(Context& context) {
+  sim::Machine& machine = SimulatedMachine(context);
+  context.CheckMachine();
+  const bool restarts = !context.GetOptions().what_if;
+  if (restarts) machine.Reboot();
+  if (context.IsJson()) {
+    context.Print({{"rebooted", restarts}, {"boots", machine.GetFirmware().BootCount()}});
+  } else {
+    context.Out() << (restarts ? "The machine has restarted.\n" : "The machine would restart.\n");
+  }
+  return kDone;
+}
+
+ExitStatus Reset(Context& context) {
+  SimulatedMachine(context);
+  const bool writes = !context.GetOptions().what_if;
+  std::error_code error;
+  if (writes) std::filesystem::remove(context.MachineFile(), error);
+  if (error) {
+    throw CommandError(kUnexpected, "not-removed", "The machine's file could not be removed.",
+                       PathText(context.MachineFile()));
+  }
+  if (context.IsJson()) {
+    context.Print({{"reset", writes}});
+  } else {
+    context.Out() << (writes ? "The next command finds a new machine.\n"
+                             : "The next command would find a new machine.\n");
+  }
+  return kDone;
+}
+
+}  // namespace
+
+void AddSim(CLI::App& app, Command& command) {
+  app.require_subcommand(1);
+  app.footer(
+      "A simulated machine is kept between commands: later ones see what earlier ones changed. "
+      "The\n"
+      "environment variable MIRA_SIM_STATE names the folder; set to nothing, every command finds "
+      "a\n"
+      "new machine. What is typed into the machine stands in its file, passwords included.\n"
+      "Examples:\n  mira --sim sim show\n  mira --sim=locked sim reboot\n  mira --sim sim reset");
+  command.Run(*app.add_subcommand("show", "Show the machine and where it is kept"), Show);
+  command.Run(*app.add_subcommand("reboot", "Restart the machine: pending changes come into force"),
+              Reboot);
+  command.Run(*app.add_subcommand("reset", "Start over with a new machine"), Reset);
+}
+
+}  // namespace mira::console

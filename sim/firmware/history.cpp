@@ -1,0 +1,66 @@
+#include "sim/firmware/history.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "bytes/writer.h"
+
+namespace mira::sim {
+namespace {
+
+constexpr std::string_view kMark = "MIRASIM1";
+
+struct Commands {
+  std::uint16_t cls;
+  std::uint16_t first_select;
+  std::uint16_t last_select;
+};
+constexpr Commands kChanging[] = {
+    {1, 0, 2},    {2, 1, 1},    {3, 1, 1},   {3, 5, 5},  {3, 7, 7},  {3, 12, 13}, {5, 6, 6},
+    {6, 5, 5},    {7, 5, 9},    {8, 19, 19}, {9, 4, 5},  {10, 4, 5}, {10, 7, 9},  {10, 13, 14},
+    {10, 16, 16}, {10, 30, 31}, {11, 1, 1},  {11, 3, 3}, {11, 5, 5}, {11, 7, 7},  {11, 9, 9},
+    {12, 4, 5},   {17, 14, 14}, {20, 1, 1},  {21, 2, 2}, {23, 1, 1}, {26, 1, 1},
+};
+
+void Put(std::vector<std::uint8_t>& out, bytes::ByteSpan item) {
+  const std::size_t at = out.size();
+  out.resize(at + sizeof(std::uint32_t) + item.size());
+  bytes::Writer writer(out, at);
+  writer.U32(static_cast<std::uint32_t>(item.size()));
+  writer.Bytes(item);
+}
+
+bytes::ByteSpan Get(bytes::Reader& in) {
+  const std::size_t size = in.U32();
+  return in.Take(size);
+}
+
+}  // namespace
+
+bool History::Changes(std::uint16_t cls, std::uint16_t select) {
+  return std::any_of(std::begin(kChanging), std::end(kChanging), [&](const Commands& row) {
+    return row.cls == cls && select >= row.first_select && select <= row.last_select;
+  });
+}
+
+std::vector<std::uint8_t> History::Save(std::string_view profile) const {
+  std::vector<std::uint8_t> saved(kMark.begin(), kMark.end());
+  Put(saved, bytes::AsBytes(profile));
+  for (const Event& event : events_) Put(saved, event);
+  return saved;
+}
+
+std::optional<History> History::Load(bytes::ByteSpan saved, std::string_view profile) {
+  bytes::Reader in(saved);
+  if (bytes::AsText(in.Take(kMark.size())) != kMark) return std::nullopt;
+  if (bytes::AsText(Get(in)) != profile) return std::nullopt;
+  History history;
+  while (in.Left() > 0) {
+    const bytes::ByteSpan event = Get(in);
+    history.Add(Event(event.begin(), event.end()));
+  }
+  if (!in.Ok()) return std::nullopt;
+  return history;
+}
+
+}  // namespace mira::sim

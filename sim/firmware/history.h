@@ -1,0 +1,39 @@
+#ifndef MIRA_SIM_FIRMWARE_HISTORY_H_
+#define MIRA_SIM_FIRMWARE_HISTORY_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "bytes/reader.h"
+
+namespace mira::sim {
+
+// What has changed a machine since it was made: calls of changing commands, as they came in, and
+// restarts. A machine of the same profile to which the same happens is in the same state, since
+// nothing in a machine is left to chance.
+class History {
+ public:
+  // A call's record; an empty one is a restart.
+  using Event = std::vector<std::uint8_t>;
+
+  // Whether calls of the command may change the machine, wrong passwords included.
+  static bool Changes(std::uint16_t cls, std::uint16_t select);
+
+  void Add(Event event) { events_.push_back(std::move(event)); }
+  const std::vector<Event>& Events() const { return events_; }
+
+  // The events as bytes, under the profile's name. Nothing can be read from the bytes of another
+  // profile, or from bytes that are none.
+  std::vector<std::uint8_t> Save(std::string_view profile) const;
+  static std::optional<History> Load(bytes::ByteSpan saved, std::string_view profile);
+
+ private:
+  std::vector<Event> events_;
+};
+
+}  // namespace mira::sim
+
+#endif  // MIRA_SIM_FIRMWARE_HISTORY_H_
