@@ -76,6 +76,12 @@ Json ReadEntries(Context& context, const std::string& path) {
   return entries;
 }
 
+// Texts, numbers and lists of these are values.
+bool CanBeValue(const Json& value) {
+  return !value.is_object() && std::none_of(value.begin(), value.end(),
+                                            [](const Json& part) { return part.is_structured(); });
+}
+
 // An entry's name with its suffix, or its handle.
 std::string TargetOf(const Json& entry) {
   std::string target;
@@ -138,9 +144,9 @@ class Import {
                          item.name);
     }
     const auto value = entry.find("value");
-    if (value == entry.end()) {
+    if (value == entry.end() || !CanBeValue(*value)) {
       throw CommandError(kInvalidValue, "no-value", item.name + " has no value in the file.",
-                         item.name);
+                         item.name, "A value is a text, a number, or a list of these.");
     }
     if (found.IsPassword()) {
       throw CommandError(kInvalidValue, "password", item.name + " is a password.", item.name,

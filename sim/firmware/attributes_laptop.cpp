@@ -282,7 +282,7 @@ constexpr Row kSecurity[] = {
     OnOff("ThirdPartyUefiCa", u"Third-party certificates", u"Starts what other makers have signed.",
           true),
     OnOff("SmmProtection", u"Protected firmware memory", u"Keeps the system out of it.", true),
-    Pick("TrackingAgent", u"Tracking agent", u"Switching it off for good cannot be undone.",
+    Pick("TheftTracking", u"Theft tracking", u"Switching it off for good cannot be undone.",
          "Disabled|Enabled|Off for good", "Enabled"),
     OnOff("ExecuteDisable", u"Execute disable", u"Data is not executed.", true).ReadOnly(),
     Secret("OwnerPassword", u"Owner password", u"The owner proves the ownership with it.", 4, 32),

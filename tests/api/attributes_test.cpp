@@ -661,7 +661,9 @@ TEST(AttrCommand, ImportsWhatItCan) {
   constexpr char kListed[] = R"({"attributes": [
       {"name": "SetupPromptTime", "suffix": "[Seconds]", "value": 5},
       {"name": "ServiceTag", "readOnly": true, "value": "of another machine"},
-      {"handle": 123, "value": "40"}, {"name": "FanFloor", "value": 50}, {"name": "FnLock"}]})";
+      {"handle": 123, "value": "40"}, {"name": "FanFloor", "value": 50}, {"name": "FnLock"},
+      {"name": "ServiceTag2"}, {"name": "Camera", "suffix": 1},
+      {"name": "VlanId", "value": [[1]]}]})";
   struct Case {
     const char* what;
     const char* content;
@@ -692,7 +694,7 @@ TEST(AttrCommand, ImportsWhatItCan) {
        {},
        10,
        "SetupPromptTime[Seconds] changed, ServiceTag skipped, FanFloor changed, FanFloor failed 6, "
-       "FnLock failed 6"},
+       "FnLock failed 6, ServiceTag2 failed 3, entry 7 failed 6, VlanId failed 6"},
       {"nothing at all",
        R"({"attributes": {"Nope": 1, "FanFloor": 5}})",
        {},
