@@ -185,10 +185,8 @@ ExitStatus Run(std::vector<std::string> arguments, const Options& options, std::
   try {
     app.parse(arguments);
   } catch (const CLI::CallForHelp&) {
-    // The innermost command that was named gives its help.
-    const CLI::App* asked = &app;
-    while (!asked->get_subcommands().empty()) asked = asked->get_subcommands().front();
-    PrintText("help", asked->help(), options, out);
+    // That of the innermost command that was named.
+    PrintText("help", app.help(), options, out);
     return kDone;
   } catch (const CLI::CallForVersion& version) {
     PrintText("version", version.what(), options, out);
