@@ -21,7 +21,7 @@ add_dependencies(mira_api_tests mira)
 foreach(test mira_unit_tests mira_api_tests)
   target_precompile_headers(${test} PRIVATE <gtest/gtest.h>)
   add_test(NAME ${test}
-    COMMAND ${test} --gtest_output=json:${CMAKE_BINARY_DIR}/results/${test}.json
+    COMMAND ${test} --gtest_output=json:results/${test}.json
     WORKING_DIRECTORY ${CMAKE_BINARY_DIR})
 endforeach()
 add_test(NAME example_host COMMAND example_host)

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <iostream>
 #include <iterator>
 #include <map>
 #include <numeric>
@@ -7,6 +8,7 @@
 #include <vector>
 
 #include "console/command.h"
+#include "console/terminal.h"
 #include "transport/com_error.h"
 
 namespace mira::console {
@@ -250,7 +252,16 @@ int RunConsole(const std::vector<std::string>& arguments, std::istream& in, std:
   try {
     std::vector<std::string> rest = arguments;
     TakeGlobalOptions(rest, options);
-    status = Run(rest, options, in, out);
+    if (options.json && &out == &std::cout) {
+      std::ostringstream document;
+      {
+        const SilentOutput silent;
+        status = Run(rest, options, in, document);
+      }
+      out << document.str();
+    } else {
+      status = Run(rest, options, in, out);
+    }
   } catch (const CommandError& error) {
     status = fail(error);
   } catch (const transport::ComError&) {

@@ -14,6 +14,19 @@ void MakeStandardInputBinary();
 // Writes to the terminal itself, so that a question is seen although the outputs are redirected.
 void WriteToTerminal(const std::string& text);
 
+// What is written to standard output goes nowhere, for a scope: the library shows some things there
+// that belong into no document.
+class SilentOutput {
+ public:
+  SilentOutput();
+  ~SilentOutput();
+  SilentOutput(const SilentOutput&) = delete;
+  SilentOutput& operator=(const SilentOutput&) = delete;
+
+ private:
+  int before_;
+};
+
 // What is typed at the terminal does not show, for a scope.
 class NoEcho {
  public:

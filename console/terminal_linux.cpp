@@ -1,7 +1,9 @@
+#include <fcntl.h>
 #include <termios.h>
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdio>
 #include <fstream>
 
 #include "console/terminal.h"
@@ -17,6 +19,19 @@ bool StandardInputIsTerminal() { return isatty(STDIN_FILENO) != 0; }
 void MakeStandardInputBinary() {}  // it always does
 
 void WriteToTerminal(const std::string& text) { std::ofstream("/dev/tty") << text << std::flush; }
+
+SilentOutput::SilentOutput() : before_(dup(STDOUT_FILENO)) {
+  std::fflush(stdout);
+  const int nowhere = open("/dev/null", O_WRONLY);
+  dup2(nowhere, STDOUT_FILENO);
+  close(nowhere);
+}
+
+SilentOutput::~SilentOutput() {
+  std::fflush(stdout);
+  dup2(before_, STDOUT_FILENO);
+  close(before_);
+}
 
 namespace {
 

@@ -23,6 +23,19 @@ void MakeStandardInputBinary() { _setmode(_fileno(stdin), _O_BINARY); }
 
 void WriteToTerminal(const std::string& text) { std::ofstream("CONOUT$") << text << std::flush; }
 
+SilentOutput::SilentOutput() : before_(_dup(_fileno(stdout))) {
+  fflush(stdout);
+  const int nowhere = _open("NUL", _O_WRONLY);
+  _dup2(nowhere, _fileno(stdout));
+  _close(nowhere);
+}
+
+SilentOutput::~SilentOutput() {
+  fflush(stdout);
+  _dup2(before_, _fileno(stdout));
+  _close(before_);
+}
+
 NoEcho::NoEcho() {
   const HANDLE console = GetStdHandle(STD_INPUT_HANDLE);
   DWORD mode = 0;

@@ -83,6 +83,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   PLDM::Enumeration attribute;
   attribute.Handle = 1;
   mira.GetAttributeValue(attribute);
+  mira.GetAttributeValueAtBoot(attribute);
   mira.SetAttributeValue(attribute, "", PwdInfo::PWD_NONE, 1);
   const std::unique_ptr<IBIOSData> request = command.make();
   mira.ExecuteDACI(command.cls, command.select, *request, "", PwdInfo::PWD_NONE);

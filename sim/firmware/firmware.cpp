@@ -113,7 +113,7 @@ void Firmware::Execute(std::vector<std::uint8_t>& array, Faults& faults) {
     if (forced != hit.end()) {
       call.Complete(*(*forced)->completion);
     } else {
-      if (History::Changes(call.Class(), call.Select())) {
+      if (History::Changes(call.Record())) {
         history_.Add({call.Record().begin(), call.Record().end()});
       }
       call.Complete(Dispatch(call));

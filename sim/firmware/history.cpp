@@ -37,7 +37,15 @@ bytes::ByteSpan Get(bytes::Reader& in) {
 
 }  // namespace
 
-bool History::Changes(std::uint16_t cls, std::uint16_t select) {
+bool History::Changes(bytes::ByteSpan record) {
+  bytes::Reader in(record);
+  const std::uint16_t cls = in.U16();
+  const std::uint16_t select = in.U16();
+  // Attributes that are passwords are checked and not kept: nor is their text here.
+  constexpr std::size_t kAttributeType = 72;
+  constexpr std::uint8_t kPassword = 2;
+  in.Seek(kAttributeType);
+  if (cls == 5 && in.U8() == kPassword) return false;
   return std::any_of(std::begin(kChanging), std::end(kChanging), [&](const Commands& row) {
     return row.cls == cls && select >= row.first_select && select <= row.last_select;
   });

@@ -19,8 +19,8 @@ class History {
   // A call's record; an empty one is a restart.
   using Event = std::vector<std::uint8_t>;
 
-  // Whether calls of the command may change the machine, wrong passwords included.
-  static bool Changes(std::uint16_t cls, std::uint16_t select);
+  // Whether the call may change the machine, a wrong password included.
+  static bool Changes(bytes::ByteSpan record);
 
   void Add(Event event) { events_.push_back(std::move(event)); }
   const std::vector<Event>& Events() const { return events_; }

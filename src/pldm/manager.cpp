@@ -108,10 +108,13 @@ void Manager::FetchStrings(StringKind kind) {
   if (wanted && index.empty()) FetchStringData(target_, key_, kind, record_);
 }
 
-Outcome Manager::Fill(PLDM::Attribute& attr, const IntPLDMAttributeValue* value) {
+Outcome Manager::Fill(PLDM::Attribute& attr, Source source) {
   FetchStrings(kDisplayStrings);
   FetchStrings(kHelpStrings);
   if (!record_) return {Outcome::kNotSupported};
+  // Looked up behind the fetch, which replaces every table that the directory points it to.
+  const IntPLDMAttributeValue* const value =
+      source == kLive ? record_->Exchange.get() : record_->Tables.FindValue(attr.Handle);
   const IntPLDMAttribute& attribute = *Find(attr.Handle);
   if (!PLDM::IsKnown(attr.Type)) {
     FillNames(attribute, record_->Tables, attr);
@@ -129,12 +132,12 @@ Outcome Manager::GetAttributeValue(PLDM::Attribute& attr) {
   if (!call.Succeeded()) return {Outcome::kCallFailed, call.CompletionCode()};
   call.Buffer().ParseOutputBuffer(*record_);
   if (!record_->ExchangeStatus) return {Outcome::kMalformed};
-  return Fill(attr, record_->Exchange.get());
+  return Fill(attr, kLive);
 }
 
 Outcome Manager::GetAttributeValueAtBoot(PLDM::Attribute& attr) {
   if (const Outcome resolved = Resolve(attr); resolved.kind != Outcome::kDone) return resolved;
-  return Fill(attr, record_->Tables.FindValue(attr.Handle));
+  return Fill(attr, kAtBoot);
 }
 
 Outcome Manager::GetAttributeValueAtBoot(std::uint16_t handle, std::string& value) const {

@@ -69,7 +69,8 @@ class Manager {
   Outcome Find(std::uint16_t handle, const IntPLDMAttribute*& attribute) const;
   // The handle of the attribute that the caller named; makes an empty value to be exchanged.
   Outcome Resolve(PLDM::Attribute& attr);
-  Outcome Fill(PLDM::Attribute& attr, const IntPLDMAttributeValue* value);
+  enum Source { kLive, kAtBoot };
+  Outcome Fill(PLDM::Attribute& attr, Source source);
   void FetchStrings(StringKind kind);
   bool ObtainKey(const std::string& password, bool class10, std::uint32_t key);
 

@@ -375,10 +375,23 @@ TEST(AttributeLoad, SurvivesCorruptReplies) {
       PLDM::Enumeration attribute;
       attribute.Handle = 1;
       host->GetAttributeValue(attribute);
+      host->GetAttributeValueAtBoot(attribute);
       std::string text;
       host->GetAttributeValueAtBoot(4, text);
     }
   }
+}
+
+// A directory entry for texts that names the value table: asking for texts reads the values anew.
+TEST(AttributeLoad, KeepsItsValuesWhereTextsAreValues) {
+  std::vector<Table> tables = ThreeTables();
+  tables.push_back({3, 1, {}, 2});
+  Host host(tables);
+  ASSERT_EQ(host.Start(true, true), STATUS_SUCCESS);
+  PLDM::Enumeration attribute;
+  attribute.Handle = 1;
+  EXPECT_EQ(host->GetAttributeValueAtBoot(attribute), STATUS_SUCCESS);
+  EXPECT_EQ(attribute.CurrentIndices, (std::list<std::uint8_t>{0, 2}));
 }
 
 TEST(AttributeStore, TellsHowFarAFetchIs) {
