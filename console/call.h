@@ -8,6 +8,11 @@
 
 namespace mira::console {
 
+// The calling interface, or null.
+CCallingInterface* FindCallingInterface(CMiraIntf& mira);
+// Whether the firmware announces a class. A bitmap that the library cannot convert announces none.
+bool IsAnnounced(CMiraIntf& mira, std::uint16_t cls);
+
 // What the program ends with after a call.
 ExitStatus CallExit(Status status, std::int32_t completion);
 

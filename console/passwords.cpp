@@ -34,6 +34,11 @@ void ThrowUnlessDone(Status status, std::int32_t completion, std::span<const Cod
       if (meaning.code != completion) continue;
       throw CommandError(meaning.exit_status, meaning.name, meaning.message, target, meaning.hint);
     }
+    if (completion == 0) {
+      throw CommandError(kUnexpected, "call-not-made",
+                         "The library could not make the call of this machine's data.", target,
+                         "'mira info' and 'mira tokens' show what the machine says of itself.");
+    }
     throw CommandError(
         CallExit(status, completion), "call-failed",
         "The firmware answered " + std::to_string(completion) + ": " + CompletionText(completion),

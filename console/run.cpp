@@ -157,7 +157,10 @@ void CheckNames(const CLI::App& root, const std::vector<std::string>& arguments)
 void PrintText(const char* name, const std::string& text, const Options& options,
                std::ostream& out) {
   if (options.json) {
-    WriteJson(out, {{"schemaVersion", 1}, {name, text}});
+    Json document = {{"schemaVersion", 1}};
+    if (options.simulated) document["simulated"] = true;
+    document[name] = text;
+    WriteJson(out, document);
   } else {
     out << text << (text.ends_with('\n') ? "" : "\n");
   }

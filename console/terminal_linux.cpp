@@ -37,7 +37,7 @@ namespace {
 
 // Somebody who interrupts a prompt wants to see again what is typed.
 termios shown;
-constexpr int kEndings[] = {SIGINT, SIGTERM, SIGHUP};
+constexpr int kEndings[] = {SIGINT, SIGQUIT, SIGTERM, SIGHUP};
 
 void ShowAndEnd(int ending) {
   tcsetattr(STDIN_FILENO, TCSANOW, &shown);
@@ -50,16 +50,16 @@ void ShowAndEnd(int ending) {
 NoEcho::NoEcho() {
   termios mode{};
   if (tcgetattr(STDIN_FILENO, &mode) != 0) return;
-  before_ = std::make_unique<Mode>(Mode{mode});
   shown = mode;
   for (const int ending : kEndings) std::signal(ending, ShowAndEnd);
   mode.c_lflag &= ~static_cast<tcflag_t>(ECHO);
-  tcsetattr(STDIN_FILENO, TCSAFLUSH, &mode);
+  if (tcsetattr(STDIN_FILENO, TCSAFLUSH, &mode) == 0) {
+    before_ = std::make_unique<Mode>(Mode{shown});
+  }
 }
 
 NoEcho::~NoEcho() {
-  if (!before_) return;
-  tcsetattr(STDIN_FILENO, TCSAFLUSH, &before_->value);
+  if (before_) tcsetattr(STDIN_FILENO, TCSAFLUSH, &before_->value);
   for (const int ending : kEndings) std::signal(ending, SIG_DFL);
 }
 

@@ -40,8 +40,9 @@ NoEcho::NoEcho() {
   const HANDLE console = GetStdHandle(STD_INPUT_HANDLE);
   DWORD mode = 0;
   if (GetConsoleMode(console, &mode) == 0) return;
-  before_ = std::make_unique<Mode>(Mode{mode});
-  SetConsoleMode(console, mode & ~static_cast<DWORD>(ENABLE_ECHO_INPUT));
+  if (SetConsoleMode(console, mode & ~static_cast<DWORD>(ENABLE_ECHO_INPUT)) != 0) {
+    before_ = std::make_unique<Mode>(Mode{mode});
+  }
 }
 
 NoEcho::~NoEcho() {

@@ -10,8 +10,8 @@
 #include "console/changes.h"
 #include "console/commands.h"
 #include "console/input_file.h"
+#include "console/key_password.h"
 #include "console/passwords.h"
-#include "console/secret_input.h"
 #include "console/table_text.h"
 
 namespace mira::console {
@@ -35,8 +35,7 @@ struct Arguments {
   std::string input;
   bool force = false;
   bool is_path = false;
-  bool class10 = false;
-  std::shared_ptr<SecretSource> secret;
+  std::shared_ptr<KeySource> key;
 };
 
 struct BootList {
@@ -346,27 +345,6 @@ void CheckPermutation(const std::vector<Entry>& entries, const CUEFILOList& data
                      "--force sends it as it is.");
 }
 
-// The password that a change of the order needs, if one is installed. Firmware takes the setup
-// password's key, or where there is none, the system password's.
-struct KeyPassword {
-  bytes::SecureString text;
-  PwdInfo::PWDTYPE type = PwdInfo::PWD_CLASS9;
-};
-
-KeyPassword ReadKeyPassword(Context& context, CMiraIntf& mira, const Arguments& a) {
-  PwdInfo info;
-  const bool known = mira.GetPwdInfo(info);
-  const auto installed = [&](PwdInfo::PWDTYPE type) {
-    return known && (info.installed & type) != 0;
-  };
-  KeyPassword password;
-  const bool only_class10 = !installed(PwdInfo::PWD_CLASS9) && installed(PwdInfo::PWD_CLASS10);
-  if (a.class10 || only_class10) password.type = PwdInfo::PWD_CLASS10;
-  if (!installed(password.type)) return password;
-  password.text = ReadSecret(context, *a.secret, "Password : ");
-  return password;
-}
-
 ExitStatus Order(Context& context, const Arguments& a) {
   const std::vector<Entry> entries = ParseOrder(a.order);
   CMiraIntf& mira = context.Ready();
@@ -390,12 +368,7 @@ ExitStatus Order(Context& context, const Arguments& a) {
     return ReportDone(context, "The " + target + " is already " + before + ".", document);
   }
 
-  const KeyPassword password = ReadKeyPassword(context, mira, a);
-  constexpr unsigned kNoKey = 0xFFFFFFFF;
-  if (context.GetOptions().what_if && !password.text.empty() &&
-      mira.ValidatePwd(password.text.str(), password.type) == kNoKey) {
-    ThrowUnlessDone(STATUS_SECURITY_KEY_FAILED, 0, {}, target);
-  }
+  const KeyPassword password = ReadKeyPassword(context, *a.key);
   const Changes changes = {{target, before, typed}};
   if (!Approve(context, changes)) return ReportWhatIf(context, changes);
 
@@ -498,9 +471,7 @@ void AddBoot(CLI::App& app, Command& command) {
                   "all option numbers with commas between them: decimal, with 0x, or Boot####")
       ->required();
   order.add_flag("--force", arguments->force, "send the order without checking it");
-  order.add_flag("--class10", arguments->class10,
-                 "the password is the system (class 10) one although a setup one is installed");
-  arguments->secret = AddSecretOptions(order);
+  arguments->key = AddKeyOptions(order);
   command.Run(order, [arguments](Context& c) { return Order(c, *arguments); });
 
   CLI::App& decode =

@@ -57,19 +57,40 @@ ExitStatus Call(Context& context, const Arguments& a) {
   if (!a.key_arg.empty()) {
     data.KeyArgIndex = ParseNumber(a.key_arg, "number of an argument word", kArguments, 1);
   }
-  if (context.GetOptions().what_if) return ShowRequest(context, cls, select, data);
-
   CMiraIntf& mira = context.Ready();
+  constexpr std::uint16_t kUncheckedClass = 64;
+  const bool shows = context.GetOptions().what_if;
+  if (shows && cls != kUncheckedClass && !IsAnnounced(mira, cls)) {
+    throw CallError(context, cls, select, STATUS_NOT_SUPPORTED, 0);
+  }
   const PwdInfo::PWDTYPE type = a.class10 ? PwdInfo::PWD_CLASS10 : PwdInfo::PWD_CLASS9;
   bytes::SecureString password;
   if (a.secret->Given() || WantsPassword(mira, data, type)) {
     password = ReadSecret(context, *a.secret, "Password : ");
+  }
+  if (shows) {
+    if (!password.empty() && mira.ValidatePwd(password.str(), type) == CPwdContext::kNoKey) {
+      throw CallError(context, cls, select, STATUS_SECURITY_KEY_FAILED, 0);
+    }
+    return ShowRequest(context, cls, select, data);
   }
   const Status status = mira.ExecuteDACI(cls, select, data, password.str(), type);
   return ReportCall(context, cls, select, status, data);
 }
 
 }  // namespace
+
+CCallingInterface* FindCallingInterface(CMiraIntf& mira) {
+  constexpr unsigned char kType = 0xDA;
+  return dynamic_cast<CCallingInterface*>(mira.GetBIOSObject(kType));
+}
+
+bool IsAnnounced(CMiraIntf& mira, std::uint16_t cls) {
+  constexpr std::uint32_t kLargestBitmap = 0x7FFFFFFF;
+  CCallingInterface* const calling = FindCallingInterface(mira);
+  return calling != nullptr && calling->SupportedCommands() <= kLargestBitmap &&
+         calling->IsCommandSupported(cls);
+}
 
 ExitStatus CallExit(Status status, std::int32_t completion) {
   if (status != STATUS_FAILURE) return Explain(status).exit_status;

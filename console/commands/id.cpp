@@ -9,6 +9,7 @@
 #include "buffers/tag_data.h"
 #include "bytes/reader.h"
 #include "bytes/writer.h"
+#include "console/call.h"
 #include "console/changes.h"
 #include "console/commands.h"
 #include "console/passwords.h"
@@ -101,9 +102,8 @@ class ImageServerCall {
   }
 
   void Send() {
-    constexpr unsigned char kCallingInterface = 0xDA;
-    auto* const calling = dynamic_cast<CCallingInterface*>(mira_.GetBIOSObject(kCallingInterface));
-    if (calling == nullptr || record_ == nullptr || !calling->IsCommandSupported(kClass)) {
+    CCallingInterface* const calling = FindCallingInterface(mira_);
+    if (record_ == nullptr || !IsAnnounced(mira_, kClass)) {
       ThrowUnlessDone(STATUS_NOT_SUPPORTED, 0, {}, kImageServer);
     } else if (calling->Execute(*record_, mira_.GetACPIBufSize(), mira_.GetACPIInstanceName()) !=
                CCallingInterface::STATUS_SUCCESS) {

@@ -18,7 +18,6 @@ namespace mira::console {
 namespace {
 
 constexpr std::uint16_t kUncheckedClass = 64;
-constexpr unsigned char kCallingInterface = 0xDA;
 
 struct Arguments {
   std::string cls;
@@ -131,10 +130,7 @@ class TestConsole {
   };
 
   ExitStatus MakeCall(std::uint16_t cls, std::uint16_t select) {
-    // A bitmap that IsCommandSupported cannot convert announces nothing, as for every other call.
-    constexpr std::uint32_t kLargestBitmap = 0x7FFFFFFF;
-    if (cls != kUncheckedClass &&
-        (calling_.SupportedCommands() > kLargestBitmap || !calling_.IsCommandSupported(cls))) {
+    if (cls != kUncheckedClass && !IsAnnounced(context_.Ready(), cls)) {
       throw CommandError(kNotSupported, "not-supported",
                          "The firmware does not announce class " + std::to_string(cls) + ".",
                          std::to_string(cls), "'mira info' lists the classes that it announces.");
@@ -213,8 +209,7 @@ ExitStatus RunTestConsole(Context& context, const Arguments& a) {
     throw CommandError(kUsage, "usage", "The test console is for people.", "console",
                        "'mira call --json' is for programs.");
   }
-  auto* const calling =
-      dynamic_cast<CCallingInterface*>(context.Ready().GetBIOSObject(kCallingInterface));
+  CCallingInterface* const calling = FindCallingInterface(context.Ready());
   if (calling == nullptr) {
     throw CommandError(kNotSupported, "no-calling-interface",
                        "This PC offers no calling interface.");

@@ -1,3 +1,4 @@
+#include "console/changes.h"
 #include "console/commands.h"
 
 namespace mira::console {
@@ -36,30 +37,32 @@ ExitStatus Show(Context& context) {
 ExitStatus Reboot(Context& context) {
   sim::Machine& machine = SimulatedMachine(context);
   context.CheckMachine();
-  const bool restarts = !context.GetOptions().what_if;
-  if (restarts) machine.Reboot();
+  const int boots = machine.GetFirmware().BootCount();
+  const Changes changes = {{"starts", std::to_string(boots), std::to_string(boots + 1)}};
+  if (!Approve(context, changes)) return ReportWhatIf(context, changes);
+  machine.Reboot();
   if (context.IsJson()) {
-    context.Print({{"rebooted", restarts}, {"boots", machine.GetFirmware().BootCount()}});
+    context.Print({{"boots", boots + 1}});
   } else {
-    context.Out() << (restarts ? "The machine has restarted.\n" : "The machine would restart.\n");
+    context.Out() << "The machine has restarted.\n";
   }
   return kDone;
 }
 
 ExitStatus Reset(Context& context) {
   SimulatedMachine(context);
-  const bool writes = !context.GetOptions().what_if;
+  const Changes changes = {{"machine", "as it is kept", "new"}};
+  if (!Approve(context, changes)) return ReportWhatIf(context, changes);
   std::error_code error;
-  if (writes) std::filesystem::remove(context.MachineFile(), error);
+  std::filesystem::remove(context.MachineFile(), error);
   if (error) {
     throw CommandError(kUnexpected, "not-removed", "The machine's file could not be removed.",
                        PathText(context.MachineFile()));
   }
   if (context.IsJson()) {
-    context.Print({{"reset", writes}});
+    context.Print({{"reset", true}});
   } else {
-    context.Out() << (writes ? "The next command finds a new machine.\n"
-                             : "The next command would find a new machine.\n");
+    context.Out() << "The next command finds a new machine.\n";
   }
   return kDone;
 }
@@ -74,7 +77,8 @@ void AddSim(CLI::App& app, Command& command) {
       "environment variable MIRA_SIM_STATE names the folder; set to nothing, every command finds "
       "a\n"
       "new machine. What is typed into the machine stands in its file, passwords included.\n"
-      "Examples:\n  mira --sim sim show\n  mira --sim=locked sim reboot\n  mira --sim sim reset");
+      "Examples:\n  mira --sim sim show\n  mira --sim=locked sim reboot --yes\n  mira --sim sim "
+      "reset --yes");
   command.Run(*app.add_subcommand("show", "Show the machine and where it is kept"), Show);
   command.Run(*app.add_subcommand("reboot", "Restart the machine: pending changes come into force"),
               Reboot);

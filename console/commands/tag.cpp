@@ -2,6 +2,7 @@
 #include <iterator>
 
 #include "buffers/tag_data.h"
+#include "console/call.h"
 #include "console/changes.h"
 #include "console/commands.h"
 #include "console/key_password.h"
@@ -52,9 +53,7 @@ class Tag {
       : mira_(context.Ready()), kind_(kind), cls_(kind.cls) {
     if (IsExtended()) number_ = ParseNumber(a.number, "tag command value");
     if (cls_ != kOwnershipClasses[0]) return;
-    constexpr unsigned char kCallingInterface = 0xDA;
-    auto* const calling = dynamic_cast<CCallingInterface*>(mira_.GetBIOSObject(kCallingInterface));
-    if (calling != nullptr && !calling->IsCommandSupported(cls_)) cls_ = kOwnershipClasses[1];
+    if (!IsAnnounced(mira_, cls_)) cls_ = kOwnershipClasses[1];
   }
 
   std::string Target() const { return kind_.name + std::string(" tag"); }
@@ -136,7 +135,8 @@ ExitStatus Set(Context& context, const Arguments& a) {
   const Tag tag(context, FindKind(a.kind), a);
   const std::string after = tag.Kept(a.text);
   const Changes changes = {{tag.Target(), tag.Read(), after}};
-  const KeyPassword key = ReadKeyPassword(context, *a.key);
+  KeyPassword key;
+  if (changes.front().before != after) key = ReadKeyPassword(context, *a.key);
   Json document = tag.ToJson();
   document["value"] = after;
   document["cut"] = after.size() < a.text.size();

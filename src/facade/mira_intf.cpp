@@ -211,7 +211,10 @@ CCallingInterface* CMiraIntf::CallingInterface() {
 }
 
 void CMiraIntf::Display(std::ostream& out) {
-  for (const auto& [type, object] : m_mapBIOSTable) object->Display(out);
+  Guard("Display", false, [&out] {
+    for (const auto& [type, object] : m_mapBIOSTable) object->Display(out);
+    return true;
+  });
 }
 
 CBIOSObject* CMiraIntf::GetBIOSObject(unsigned char type) {
@@ -225,7 +228,10 @@ const CComBSTR& CMiraIntf::GetACPIInstanceName() { return m_bstrACPIInstanceName
 
 void CMiraIntf::GetAllDATokens(std::map<std::uint16_t, CDAToken>& out) {
   out.clear();
-  if (CCallingInterface* const calling = CallingInterface()) calling->GetAllDATokens(out);
+  Guard("GetAllDATokens", false, [&] {
+    if (CCallingInterface* const calling = CallingInterface()) calling->GetAllDATokens(out);
+    return true;
+  });
 }
 
 Status CMiraIntf::ExecuteDACI(std::uint16_t cls, std::uint16_t sel, IBIOSData& data,
@@ -268,10 +274,10 @@ bool CMiraIntf::GetPwdInfo(PwdInfo& info) {
 }
 
 unsigned int CMiraIntf::ValidatePwd(const std::string& password, PwdInfo::PWDTYPE type) {
-  return Guard("ValidatePwd", 0u, [&] {
+  return Guard("ValidatePwd", CPwdContext::kNoKey, [&] {
     CCallingInterface* const calling = CallingInterface();
     if (calling == nullptr || (type != PwdInfo::PWD_CLASS9 && type != PwdInfo::PWD_CLASS10)) {
-      return 0u;
+      return std::uint32_t{0};
     }
     CPwdContext context(*calling, m_dwACPIBufSize, m_bstrACPIInstanceName);
     return context.GetSecurityKey(password, type == PwdInfo::PWD_CLASS10);

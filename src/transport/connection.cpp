@@ -46,6 +46,8 @@ bool ReadDataBlock(IWbemClassObject* instance, Discovery& found) {
 
 bool Connect(std::ostream& diag, CComPtr<IWbemServices>& services) {
   const auto& system = Services();
+  // Made first: where it cannot be made, COM is not initialised in vain.
+  const CComBSTR wmi = MakeBstr(L"ROOT\\WMI");
   const HRESULT initialized = system.CoInitializeEx(nullptr, kApartment);
   if (FAILED(initialized) && initialized != RPC_E_CHANGED_MODE) {
     WriteFailure(diag, "Error initializing COM!! ", system.GetLastError());
@@ -71,7 +73,6 @@ bool Connect(std::ostream& diag, CComPtr<IWbemServices>& services) {
   locator.Attach(static_cast<IWbemLocator*>(created));
 
   CComPtr<IWbemServices> connected;
-  const CComBSTR wmi = MakeBstr(L"ROOT\\WMI");
   const HRESULT result =
       locator->ConnectServer(wmi, nullptr, nullptr, nullptr, 0, nullptr, nullptr, &connected);
   if (FAILED(result) || !connected) {

@@ -239,7 +239,7 @@ TEST(Console, KeepsTheSimulatedMachineBetweenCommands) {
   EXPECT_EQ(value("0"), 7);
   EXPECT_EQ(value("1"), 1) << "in force from the restart on";
   EXPECT_EQ(Document(mira({"sim", "show", "--json"}))["boots"], 1);
-  EXPECT_EQ(mira({"sim", "reboot"}).status, 0);
+  EXPECT_EQ(mira({"sim", "reboot", "--yes"}).status, 0);
   EXPECT_EQ(value("1"), 7);
 
   const std::vector<std::string> set_password = {
@@ -251,14 +251,14 @@ TEST(Console, KeepsTheSimulatedMachineBetweenCommands) {
   EXPECT_EQ(value("0"), 9);
   for (int i = 0; i < 3; ++i) EXPECT_EQ(mira(write, "wrong\n").status, 5);
   EXPECT_EQ(mira(write, "setup1\n").status, 5) << "locked, also for later commands";
-  EXPECT_EQ(mira({"sim", "reboot"}).status, 0);
+  EXPECT_EQ(mira({"sim", "reboot", "--yes"}).status, 0);
   EXPECT_EQ(mira(write, "setup1\n").status, 0);
   EXPECT_EQ(Mira({"--sim=locked", "sim", "show"}, "", folder).status, 0) << "a machine of its own";
 
   std::ofstream(folder / "laptop.machine") << "damaged";
   EXPECT_EQ(mira({"tokens"}).status, 1);
   EXPECT_NE(mira({"tokens"}).err.find("sim reset"), std::string::npos);
-  EXPECT_EQ(mira({"sim", "reset"}).status, 0);
+  EXPECT_EQ(mira({"sim", "reset", "--yes"}).status, 0);
   EXPECT_EQ(value("0"), 1);
   EXPECT_EQ(Mira({"sim", "show"}).status, 2) << "a real machine is not restarted";
   std::filesystem::remove_all(folder);

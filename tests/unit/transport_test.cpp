@@ -63,6 +63,7 @@ TEST(OutOfMemory, IsRaisedForEveryComString) {
     EXPECT_EQ(machine.GetLive().references, 0);
     EXPECT_EQ(machine.GetLive().strings, 0);
     EXPECT_EQ(machine.GetLive().arrays, 0);
+    EXPECT_EQ(machine.GetLive().com_scopes, 0);
   }
   EXPECT_GE(raised, 10);
 }
