@@ -3,6 +3,7 @@
 #include <iostream>
 #include <string_view>
 
+#include "bytes/secure.h"
 #include "console/command.h"
 #include "console/input_file.h"
 #include "console/terminal.h"
@@ -57,13 +58,14 @@ void Context::KeepMachine() {
   // Written beside and moved there, so that a command that is interrupted leaves a whole machine.
   std::filesystem::path fresh = file;
   fresh += ".new";
-  const std::vector<std::uint8_t> saved = machine_->SaveState();
+  std::vector<std::uint8_t> saved = machine_->SaveState();
   std::ofstream out(fresh, std::ios::binary | std::ios::trunc);
   std::filesystem::permissions(
       fresh, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write, error);
   out.write(reinterpret_cast<const char*>(saved.data()),
             static_cast<std::streamsize>(saved.size()));
   out.close();
+  bytes::Wipe(saved.data(), saved.size());
   if (out) std::filesystem::rename(fresh, file, error);
   if (!out || error) {
     throw CommandError(kUnexpected, "machine-not-kept",

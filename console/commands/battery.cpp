@@ -282,7 +282,8 @@ Changes SetCharging(ADV_BATT_CONFIG& config, const Arguments& a) {
   if (!a.start.empty()) config.StartChargingLimit = ParsePercent(a.start);
   if (!a.stop.empty()) config.StopChargingLimit = ParsePercent(a.stop);
   for (const std::string& day : a.days) SetDay(config.DaySchedule, day, false);
-  if (config.StartChargingLimit >= config.StopChargingLimit) {
+  const bool sets_limits = !a.start.empty() || !a.stop.empty();
+  if (sets_limits && config.StartChargingLimit >= config.StopChargingLimit) {
     throw Invalid(Percent(config.StartChargingLimit) + " to " + Percent(config.StopChargingLimit),
                   "Charging must stop above the limit at which it starts.");
   }

@@ -138,13 +138,19 @@ class TestConsole {
     std::uint32_t size = 0;
     const bool is_sized_first = std::find(std::begin(kSizedFirst), std::end(kSizedFirst),
                                           Pair{cls, select}) != std::end(kSizedFirst);
+    Prompted call = Prompt(cls, select, key_, size, true);
     if (is_sized_first && !context_.GetOptions().what_if) {
-      const Prompted probe = Prompt(cls, select, 0, size);
-      Send(probe);
-      size = bytes::Reader(probe.buffer->Record(), transport::kFixedRecordSize).U32();
-      out_ << "The answer takes " << size << " bytes. Now the call itself.\n";
+      const SMBiosCI asked = *call.record;
+      Send(call);
+      size = bytes::Reader(call.buffer->Record(), transport::kFixedRecordSize).U32();
+      out_ << "The answer takes " << size << " bytes.\n";
+      // The call itself, with room for the answer and the words that were typed.
+      call = Prompt(cls, select, key_, size, false);
+      call.record->cbArg1 = asked.cbArg1;
+      call.record->cbArg2 = asked.cbArg2;
+      call.record->cbArg3 = asked.cbArg3;
+      call.record->cbArg4 = asked.cbArg4;
     }
-    const Prompted call = Prompt(cls, select, key_, size);
     if (context_.GetOptions().what_if) {
       out_ << "A record of " << call.buffer->Record().size() << " bytes. It was not sent.\n";
       return kDone;
@@ -161,7 +167,8 @@ class TestConsole {
     return static_cast<std::uint16_t>(ParseNumber(text, what, kLargest));
   }
 
-  Prompted Prompt(std::uint16_t cls, std::uint16_t select, std::uint32_t key, std::uint32_t& size) {
+  Prompted Prompt(std::uint16_t cls, std::uint16_t select, std::uint32_t key, std::uint32_t& size,
+                  bool asks) {
     const std::string command = std::to_string(cls) + "/" + std::to_string(select);
     Prompted prompted{
         std::unique_ptr<CBuffer>(CreateBuffer(cls, select, context_.Ready().GetACPIBufSize())),
@@ -171,7 +178,7 @@ class TestConsole {
                          "The library has no command " + command + ".", command);
     }
     const QuietSecrets quiet;
-    prompted.record = prompted.buffer->PromptInputBuffer(key, size, true);
+    prompted.record = prompted.buffer->PromptInputBuffer(key, size, asks);
     if (prompted.record != nullptr) return prompted;
     if (StandardStreams::Ended()) throw InputEnded();
     throw CommandError(kInvalidValue, "no-record",
@@ -194,10 +201,20 @@ class TestConsole {
 
 std::uint32_t ReadKey(Context& context, const Arguments& a) {
   constexpr std::uint32_t kNoKey = 0xFFFFFFFF;
-  if (!a.secret->Given()) return 0;
-  const bytes::SecureString password = ReadSecret(context, *a.secret, "Password : ");
-  const std::uint32_t key = context.Ready().ValidatePwd(
-      password.str(), a.class10 ? PwdInfo::PWD_CLASS10 : PwdInfo::PWD_CLASS9);
+  CMiraIntf& mira = context.Ready();
+  PwdInfo info;
+  mira.GetPwdInfo(info);
+  const bool only_class10 =
+      (info.installed & (PwdInfo::PWD_CLASS9 | PwdInfo::PWD_CLASS10)) == PwdInfo::PWD_CLASS10;
+  const auto type = a.class10 || only_class10 ? PwdInfo::PWD_CLASS10 : PwdInfo::PWD_CLASS9;
+  bytes::SecureString password;
+  if (a.secret->Given()) {
+    password = ReadSecret(context, *a.secret, "");
+  } else if (context.IsInteractive() && (info.installed & type) != 0) {
+    password = ReadSecret(context, *a.secret, "Password (empty: calls carry no key) : ");
+  }
+  if (password.empty()) return 0;
+  const std::uint32_t key = mira.ValidatePwd(password.str(), type);
   if (key == kNoKey) {
     throw CommandError(kPassword, "password-wrong", "The password was not accepted.");
   }

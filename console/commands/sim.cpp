@@ -76,7 +76,7 @@ void AddSim(CLI::App& app, Command& command) {
       "The\n"
       "environment variable MIRA_SIM_STATE names the folder; set to nothing, every command finds "
       "a\n"
-      "new machine. What is typed into the machine stands in its file, passwords included.\n"
+      "new machine. The file holds the machine's passwords, as the memory of a real one does.\n"
       "Examples:\n  mira --sim sim show\n  mira --sim=locked sim reboot --yes\n  mira --sim sim "
       "reset --yes");
   command.Run(*app.add_subcommand("show", "Show the machine and where it is kept"), Show);

@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 
+#include "bytes/secure.h"
 #include "sim/firmware/attributes.h"
 #include "sim/firmware/batteries.h"
 #include "sim/firmware/boot.h"
@@ -62,6 +63,7 @@ void Firmware::Replay(const History& history) {
     }
     std::vector<std::uint8_t> array = event;
     Execute(array, none);
+    bytes::Wipe(array.data(), array.size());
   }
   journal_.clear();
 }
@@ -113,10 +115,15 @@ void Firmware::Execute(std::vector<std::uint8_t>& array, Faults& faults) {
     if (forced != hit.end()) {
       call.Complete(*(*forced)->completion);
     } else {
-      if (History::Changes(call.Record())) {
-        history_.Add({call.Record().begin(), call.Record().end()});
-      }
+      const bool changes = History::Changes(call.Record());
+      History::Event request;
+      if (changes) request.assign(call.Record().begin(), call.Record().end());
       call.Complete(Dispatch(call));
+      if (changes) {
+        if (auto event = History::Outcome(std::move(request), call.Completion())) {
+          history_.Add(std::move(*event));
+        }
+      }
     }
     entry.completion = call.Completion();
     bytes::Reader results(call.Record(), 24);

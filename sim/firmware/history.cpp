@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "bytes/secure.h"
 #include "bytes/writer.h"
 
 namespace mira::sim {
@@ -49,6 +50,50 @@ bool History::Changes(bytes::ByteSpan record) {
   return std::any_of(std::begin(kChanging), std::end(kChanging), [&](const Commands& row) {
     return row.cls == cls && select >= row.first_select && select <= row.last_select;
   });
+}
+
+History::~History() {
+  for (Event& event : events_) bytes::Wipe(event.data(), event.size());
+}
+
+std::optional<History::Event> History::Outcome(Event record, std::int32_t completion) {
+  if (completion == 0) return record;
+  // Which of the texts behind the fixed part was wrong: where it begins is said by an argument word
+  // (0: by none, it is the first), where it ends by another (0: with the record).
+  struct WrongText {
+    std::uint16_t select;
+    std::int32_t completion;
+    unsigned from_argument;
+    unsigned to_argument;
+  };
+  static constexpr WrongText kWrong[] = {
+      {4, 2, 0, 0},  {5, 2, 0, 0},  {7, 2, 0, 0},  {13, 3, 0, 3}, {30, 3, 0, 3}, {14, 3, 0, 4},
+      {31, 3, 0, 4}, {13, 4, 3, 0}, {30, 4, 3, 0}, {14, 4, 4, 0}, {31, 4, 4, 0},
+  };
+  constexpr std::size_t kFixedSize = 44;
+  constexpr std::size_t kKinds = 36;
+  bytes::Reader in(record);
+  const std::uint16_t cls = in.U16();
+  const std::uint16_t select = in.U16();
+  const auto* const wrong = std::find_if(
+      std::begin(kWrong), std::end(kWrong),
+      [&](const WrongText& row) { return row.select == select && row.completion == completion; });
+  const bool is_password = cls == 9 || cls == 10 || cls == 12;
+  if (!is_password || wrong == std::end(kWrong)) {
+    bytes::Wipe(record.data(), record.size());
+    return std::nullopt;
+  }
+  const auto offset = [&](unsigned argument, std::size_t otherwise) {
+    if (argument == 0 || bytes::Reader(record, kKinds + argument - 1).U8() != 1) return otherwise;
+    return std::min<std::size_t>(bytes::Reader(record, 4 * argument).U32(), record.size());
+  };
+  const std::size_t end = offset(wrong->to_argument, record.size());
+  // Any other text of that length is wrong as well.
+  constexpr std::uint8_t kAnything = 0x7F;
+  for (std::size_t i = offset(wrong->from_argument, kFixedSize); i < end; ++i) {
+    if (record[i] != 0) record[i] = kAnything;
+  }
+  return record;
 }
 
 std::vector<std::uint8_t> History::Save(std::string_view profile) const {

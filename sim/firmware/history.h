@@ -19,8 +19,19 @@ class History {
   // A call's record; an empty one is a restart.
   using Event = std::vector<std::uint8_t>;
 
+  History() = default;
+  History(const History&) = delete;
+  History& operator=(const History&) = delete;
+  History(History&&) = default;
+  History& operator=(History&&) = default;
+  // Wipes the events: they may hold passwords.
+  ~History();
+
   // Whether the call may change the machine, a wrong password included.
   static bool Changes(bytes::ByteSpan record);
+  // The event that a call leaves behind, by what it ended with. Of a wrong password it keeps that
+  // it was wrong, not its text; a call that was refused for another reason leaves nothing.
+  static std::optional<Event> Outcome(Event record, std::int32_t completion);
 
   void Add(Event event) { events_.push_back(std::move(event)); }
   const std::vector<Event>& Events() const { return events_; }

@@ -78,6 +78,7 @@ bool AskNumber(const char* prompt, std::uint32_t& value, std::uint32_t lowest,
 bool AskNumbers(const char* prompt, std::vector<std::uint32_t>& values, std::size_t count,
                 std::uint32_t highest) {
   values.clear();
+  if (count == 0) std::cout << prompt << std::flush;
   while (values.size() < count) {
     const bool answered = Ask(values.empty() ? prompt : "", [&](std::string_view answer) {
       const std::size_t before = values.size();

@@ -87,6 +87,7 @@ struct NodeType {
   std::uint8_t type;
   std::uint8_t subtype;
   std::size_t shortest;
+  std::size_t older;  // the size of an older form, which ends earlier
   std::unique_ptr<Node> (*read)(Reader& in);
   void (*write)(const Node& record, Bytes& out);
 };
@@ -96,12 +97,12 @@ template <typename Record, auto... kFields>
 constexpr NodeType Type(std::uint8_t type, std::uint8_t subtype) {
   constexpr std::size_t kShortest =
       kNodeHeader + (0 + ... + kFixedSize<std::decay_t<decltype(Record().*kFields)>>);
-  return {type, subtype, kShortest, Read<Record, kFields...>, Write<Record, kFields...>};
+  return {type, subtype, kShortest, kShortest, Read<Record, kFields...>, Write<Record, kFields...>};
 }
 
-// An older form of the node ends earlier; what it lacks is zero.
-constexpr NodeType OrShorter(std::size_t shortest, NodeType type) {
-  type.shortest = shortest;
+// What the older form lacks is zero.
+constexpr NodeType OrOlder(std::size_t older, NodeType type) {
+  type.older = older;
   return type;
 }
 
@@ -139,16 +140,16 @@ constexpr NodeType kNodeTypes[] = {
          &L::VendorDefinedDevicePath::Data>(3, 10),
     Type<L::MACAddressDevicePath, &L::MACAddressDevicePath::MacAddress,
          &L::MACAddressDevicePath::IfType>(3, 11),
-    OrShorter(19, Type<L::IPv4DevicePath, &L::IPv4DevicePath::LocalIpAddress,
-                       &L::IPv4DevicePath::RemoteIpAddress, &L::IPv4DevicePath::LocalPort,
-                       &L::IPv4DevicePath::RemotePort, &L::IPv4DevicePath::Protocol,
-                       &L::IPv4DevicePath::StaticIpAddress, &L::IPv4DevicePath::GatewayIpAddress,
-                       &L::IPv4DevicePath::SubnetMask>(3, 12)),
-    OrShorter(43, Type<L::IPv6DevicePath, &L::IPv6DevicePath::LocalIpAddress,
-                       &L::IPv6DevicePath::RemoteIpAddress, &L::IPv6DevicePath::LocalPort,
-                       &L::IPv6DevicePath::RemotePort, &L::IPv6DevicePath::Protocol,
-                       &L::IPv6DevicePath::IpAddressOrigin, &L::IPv6DevicePath::PrefixLength,
-                       &L::IPv6DevicePath::GatewayIpAddress>(3, 13)),
+    OrOlder(19, Type<L::IPv4DevicePath, &L::IPv4DevicePath::LocalIpAddress,
+                     &L::IPv4DevicePath::RemoteIpAddress, &L::IPv4DevicePath::LocalPort,
+                     &L::IPv4DevicePath::RemotePort, &L::IPv4DevicePath::Protocol,
+                     &L::IPv4DevicePath::StaticIpAddress, &L::IPv4DevicePath::GatewayIpAddress,
+                     &L::IPv4DevicePath::SubnetMask>(3, 12)),
+    OrOlder(43, Type<L::IPv6DevicePath, &L::IPv6DevicePath::LocalIpAddress,
+                     &L::IPv6DevicePath::RemoteIpAddress, &L::IPv6DevicePath::LocalPort,
+                     &L::IPv6DevicePath::RemotePort, &L::IPv6DevicePath::Protocol,
+                     &L::IPv6DevicePath::IpAddressOrigin, &L::IPv6DevicePath::PrefixLength,
+                     &L::IPv6DevicePath::GatewayIpAddress>(3, 13)),
     Type<L::UARTDevicePath, &L::UARTDevicePath::Reserved, &L::UARTDevicePath::BaudRate,
          &L::UARTDevicePath::DataBits, &L::UARTDevicePath::Parity, &L::UARTDevicePath::StopBits>(
         3, 14),
@@ -212,7 +213,9 @@ const NodeType* FindType(std::uint8_t type, std::uint8_t subtype) {
 
 std::unique_ptr<Node> DecodeNode(const RawNode& node) {
   const NodeType* const type = FindType(node.type, node.subtype);
-  if (type == nullptr || node.bytes.size() < type->shortest) return nullptr;
+  if (type == nullptr) return nullptr;
+  const std::size_t size = node.bytes.size();
+  if (size < type->shortest && size != type->older) return nullptr;
   Reader in(node.bytes, kNodeHeader);
   std::unique_ptr<Node> record = type->read(in);
   record->Type = node.type;

@@ -77,6 +77,7 @@ struct Form {
   const char* name;
   Arg args[kMostArgs] = {};
   Condition conditions[kMostConditions] = {};
+  std::size_t size = 0;  // of a form that nodes of one size alone have
 
   std::span<const Arg> Args() const {
     const Arg* const end = std::find_if(std::begin(args), std::end(args),
@@ -161,9 +162,9 @@ constexpr Form kForms[] = {
     Terminal("VenUtf8", 0x4ACF8BECAD15A0D6, 0x882D7EE71DD073A0),
     {3, 11, "MAC", {{&kMac, 4, 32}, H(36, 1)}},
     {3, 12, "IPv4", {Ip4(8), kProtocol4, kKind4, Ip4(4), Ip4(19), Ip4(23)}},
-    {3, 12, "IPv4", {Ip4(8), kProtocol4, kKind4, Ip4(4)}},
+    {3, 12, "IPv4", {Ip4(8), kProtocol4, kKind4, Ip4(4)}, {}, 19},
     {3, 13, "IPv6", {Ip6(20), kProtocol6, kOrigin6, Ip6(4), H(43, 1), Ip6(44)}},
-    {3, 13, "IPv6", {Ip6(20), kProtocol6, kOrigin6, Ip6(4)}},
+    {3, 13, "IPv6", {Ip6(20), kProtocol6, kOrigin6, Ip6(4)}, {}, 43},
     {3, 14, "Uart", {kBaudRate, kDataBits, kParity, kStop}},
     Usb("UsbAudio", 1),
     Usb("UsbCDCControl", 2),
@@ -258,7 +259,8 @@ void WriteNode(std::uint8_t type, std::uint8_t subtype, ByteSpan node, std::stri
   bool has_form = false;
   for (const Form& form : kForms) {
     if (form.type != type || form.subtype != subtype) continue;
-    if (WriteForm(form, node, text)) return;
+    const bool fits = form.size == 0 || form.size == node.size();
+    if (fits && WriteForm(form, node, text)) return;
     has_form = true;
   }
   const Generic* const generic =

@@ -86,6 +86,17 @@ bool PromptChange(CHDDPwd& data) {
 
 }  // namespace
 
+CHDDPwd& CHDDPwd::operator=(const CHDDPwd& other) {
+  CSimpleTokenData::operator=(other);
+  HDDHandle = other.HDDHandle;
+  mira::bytes::Replace(Password, other.Password);
+  mira::bytes::Replace(NewPassword, other.NewPassword);
+  mira::bytes::Replace(AdminPassword, other.AdminPassword);
+  ATASecurityMode = other.ATASecurityMode;
+  HDDList = other.HDDList;
+  return *this;
+}
+
 CHDDPwd::~CHDDPwd() {
   mira::bytes::Wipe(Password);
   mira::bytes::Wipe(NewPassword);

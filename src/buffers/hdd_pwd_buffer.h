@@ -19,7 +19,7 @@
 struct MIRA_API CHDDPwd : CSimpleTokenData {
   CHDDPwd() = default;
   CHDDPwd(const CHDDPwd&) = default;
-  CHDDPwd& operator=(const CHDDPwd&) = default;
+  CHDDPwd& operator=(const CHDDPwd& other);
   ~CHDDPwd() override;
 
   std::uint32_t HDDHandle = 0;  // as the list gives it

@@ -87,7 +87,7 @@ SMBiosCI* CLegacyBBSBuffer::PromptInputBuffer(std::uint32_t securityKey, std::ui
       if (!prompt) break;
       std::cout << (m_wSelect == kReadIpl ? "Enter the details for BBS IPL Priority:"
                                           : "Enter the details for BBS BCV Priority:")
-                << std::endl;
+                << std::flush;
       if (!mira::console_io::AskNumber(
               "What is the maximum (system) number of Devices supported ? ", data.MaxDevices) ||
           !mira::console_io::AskNumber("How long (in Bytes) is each table entry? ",

@@ -12,7 +12,7 @@
 struct MIRA_API CVerifyPwdData : CSimpleTokenData {
   CVerifyPwdData() = default;
   CVerifyPwdData(const CVerifyPwdData&) = default;
-  CVerifyPwdData& operator=(const CVerifyPwdData&) = default;
+  CVerifyPwdData& operator=(const CVerifyPwdData& other);
   ~CVerifyPwdData() override;
 
   // Size in bytes of each password field of the record: the longest password (result of select 3)
@@ -26,7 +26,7 @@ struct MIRA_API CVerifyPwdData : CSimpleTokenData {
 struct MIRA_API CChangePwdData : CVerifyPwdData {
   CChangePwdData() = default;
   CChangePwdData(const CChangePwdData&) = default;
-  CChangePwdData& operator=(const CChangePwdData&) = default;
+  CChangePwdData& operator=(const CChangePwdData& other);
   ~CChangePwdData() override;
 
   std::string NewPassword;

@@ -118,6 +118,7 @@ class Items {
       SecureString text;
       if (!mira::console_io::AskWord(prompts.text, text.str())) return false;
       const ByteSpan bytes = mira::bytes::AsBytes(text);
+      MakeRoom(bytes.size() + 1);
       bytes_.insert(bytes_.end(), bytes.begin(), bytes.end());
       bytes_.push_back(0);
       return true;
@@ -134,6 +135,16 @@ class Items {
   ByteSpan Bytes() const { return bytes_; }
 
  private:
+  // Without leaving a copy of what there is behind.
+  void MakeRoom(std::size_t more) {
+    if (bytes_.capacity() - bytes_.size() >= more) return;
+    std::vector<std::uint8_t> larger;
+    larger.reserve(2 * bytes_.size() + more);
+    larger.assign(bytes_.begin(), bytes_.end());
+    mira::bytes::Wipe(bytes_.data(), bytes_.size());
+    bytes_.swap(larger);
+  }
+
   std::vector<std::uint8_t> bytes_;
 };
 
@@ -382,7 +393,7 @@ void CPBABuffer::DisplayUser() const {
     } else if (format == kText) {
       const std::string_view value = in.CString();
       if (!in.Ok()) return;
-      std::cout << row.text << value.substr(0, row.size) << std::endl;
+      std::cout << row.text << value.substr(0, row.size) << std::flush;
     } else {
       return;
     }

@@ -26,6 +26,13 @@ inline void Wipe(std::string& text) noexcept {
   text.clear();
 }
 
+// Assigns without giving the old text's memory back unwiped.
+inline void Replace(std::string& text, const std::string& other) {
+  if (&text == &other) return;
+  Wipe(text);
+  text = other;
+}
+
 // A string that wipes itself. Reserve or assign at once: text that grows by parts would leave
 // copies behind.
 class SecureString {

@@ -106,9 +106,18 @@ TEST(Terminal, ShowsAgainWhenAPromptIsInterrupted) {
   EXPECT_TRUE(terminal.Echoes());
 }
 
+TEST(Terminal, AsksOnceForAReadOfAnyLength) {
+  Terminal terminal({"--sim", "console", "3", "11"});
+  EXPECT_TRUE(terminal.Answer("Boot List (from Class 3, Select 9) : ", "1"));
+  EXPECT_EQ(terminal.End(), 0);
+  EXPECT_NE(terminal.Screen().find("Load Option Item Count : 9"), std::string::npos)
+      << terminal.Screen();
+}
+
 // The pre-boot database, from the key that opens it to a user's deletion.
 TEST(Terminal, RunsTheTestConsole) {
   Terminal terminal({"--sim=pre-boot", "console"});
+  EXPECT_TRUE(terminal.Answer("Password (empty: calls carry no key) : ", ""));
   EXPECT_TRUE(terminal.Answer("Class : ", "10"));
   EXPECT_TRUE(terminal.Answer("Select : ", "7"));
   EXPECT_TRUE(terminal.Answer("Enter the Function (0 - Status, 1 - Get, 2 - Clear) : ", "3"));

@@ -586,7 +586,7 @@ TEST(LegacyPriorities, AskForTheirSizesAtTheConsole) {
     ConsoleCapture console("8\n16\n");
     ASSERT_NE(buffer->PromptInputBuffer(0, size, true), nullptr);
     EXPECT_EQ(console.Output(),
-              "Enter the details for BBS IPL Priority:\n"
+              "Enter the details for BBS IPL Priority:"
               "What is the maximum (system) number of Devices supported ? "
               "How long (in Bytes) is each table entry? ");
   }

@@ -322,7 +322,7 @@ TEST(PreBootUsers, ShowWhatTheyHold) {
   }
   EXPECT_EQ(shown(user),
             "Binary User Id is : 0x1 2 3 4 5 6 7 ffffff80 \nASCIIZ Passphrase is : "
-            "passphrase-of-20\n");
+            "passphrase-of-20");
 
   CPBABuffer credential(10, 16, 4096);
   SMBiosCI* record = nullptr;
