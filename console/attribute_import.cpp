@@ -39,8 +39,17 @@ struct Item {
   Setting setting;
   Json before;
   Json after;
+  // Of boot orders.
+  Json modes_before = Json::object();
+  Json modes_after = Json::object();
   Outcome outcome = Outcome::kNotTried;
   std::optional<CommandError> error;
+
+  bool IsChanged() const { return after != before || modes_after != modes_before; }
+  Change AsChange() const {
+    if (modes_after == modes_before) return {name, ValueText(before), ValueText(after)};
+    return {name, ValueText(before, modes_before), ValueText(after, modes_after)};
+  }
 };
 
 CommandError Malformed(const std::string& file, const std::string& what) {
@@ -82,6 +91,13 @@ bool CanBeValue(const Json& value) {
                                             [](const Json& part) { return part.is_structured(); });
 }
 
+// An entry's handle, where it has one.
+std::optional<std::uint64_t> HandleOf(const Json& entry) {
+  const auto found = entry.find("handle");
+  if (found == entry.end() || !found->is_number_unsigned()) return std::nullopt;
+  return found->get<std::uint64_t>();
+}
+
 // An entry's name with its suffix, or its handle.
 std::string TargetOf(const Json& entry) {
   std::string target;
@@ -91,10 +107,8 @@ std::string TargetOf(const Json& entry) {
     if (!found->is_string()) return "";
     target += found->get<std::string>();
   }
-  if (target.empty() && entry.contains("handle") && entry["handle"].is_number_unsigned()) {
-    target = std::to_string(entry["handle"].get<std::uint64_t>());
-  }
-  return target;
+  const std::optional<std::uint64_t> handle = HandleOf(entry);
+  return target.empty() && handle ? std::to_string(*handle) : target;
 }
 
 class Import {
@@ -138,7 +152,12 @@ class Import {
   }
 
   void PlanItem(const Json& entry, Item& item, std::set<std::uint16_t>& seen) {
-    const AttributeEntry& found = attributes_.Find(item.name);
+    const std::optional<std::uint64_t> handle = HandleOf(entry);
+    const AttributeEntry& found =
+        handle ? attributes_.Find(item.name, *handle) : attributes_.Find(item.name);
+    item.setting = attributes_.ReadLive(found);
+    item.before = attributes_.Value(item.setting);
+    item.modes_before = attributes_.Modes(item.setting);
     if (!seen.insert(found.handle).second) {
       throw CommandError(kInvalidValue, "given-twice", item.name + " is in the file twice.",
                          item.name);
@@ -152,12 +171,12 @@ class Import {
       throw CommandError(kInvalidValue, "password", item.name + " is a password.", item.name,
                          "'mira attr set' asks for its value.");
     }
-    item.setting = attributes_.ReadLive(found);
     item.name = item.setting.Title();
-    item.before = attributes_.Value(item.setting);
     item.after = *value;
     item.outcome = Outcome::kUnchanged;
-    if (*value == item.before) return;
+    attributes_.AssignModes(item.setting, entry);
+    item.modes_after = attributes_.Modes(item.setting);
+    if (!item.IsChanged()) return;
     if (found.IsReadOnly()) {
       // An export holds what cannot be written, too: of another machine, that differs.
       if (entry.value("readOnly", Json(false)) == Json(true)) {
@@ -168,14 +187,14 @@ class Import {
     }
     attributes_.Assign(item.setting, *value, Limits::kCheck);
     item.after = attributes_.Value(item.setting);
-    if (item.after != item.before) item.outcome = Outcome::kReady;
+    if (item.IsChanged()) item.outcome = Outcome::kReady;
   }
 
   Changes Difference() const {
     Changes changes;
     for (const Item& item : items_) {
       if (item.outcome != Outcome::kReady) continue;
-      changes.push_back({item.name, ValueText(item.before), ValueText(item.after)});
+      changes.push_back(item.AsChange());
     }
     return changes;
   }
@@ -243,12 +262,15 @@ class Import {
     Json list = Json::array();
     for (const Item& item : items_) {
       if (item.outcome == Outcome::kUnchanged) continue;
-      Json shown = {{"name", ToUtf8(item.name)}, {"outcome", NameOf(item.outcome, is_dry_)}};
+      Json shown = {{"name", ToUtf8(item.name)}};
       if (item.setting.entry != nullptr) {
-        shown["handle"] = item.setting.entry->handle;
+        shown = NameJson(item.setting);
         shown["before"] = item.before;
         shown["after"] = item.after;
+        for (const auto& [name, mode] : item.modes_before.items()) shown[name + "Before"] = mode;
+        shown.update(item.modes_after);
       }
+      shown["outcome"] = NameOf(item.outcome, is_dry_);
       if (item.error) shown["error"] = ErrorJson(*item.error);
       list.push_back(std::move(shown));
     }
@@ -272,8 +294,8 @@ class Import {
       if (item.error) {
         out << ToUtf8(std::string_view(item.error->what()));
       } else {
-        out << ToUtf8(item.name) << ": '" << ValueText(item.before) << "' -> '"
-            << ValueText(item.after) << "'";
+        const Change change = item.AsChange();
+        out << change.target << ": '" << change.before << "' -> '" << change.after << "'";
       }
       out << '\n';
     }

@@ -75,19 +75,29 @@ std::optional<std::uint64_t> ParseUnsigned(std::string_view text) {
   return value;
 }
 
-// The possible values with their suffixes, which come as a list of their own without their places.
-std::vector<std::string> WithSuffixes(const PLDM::Enumeration& enumeration) {
-  std::vector<std::string> choices;
-  auto suffixed = enumeration.SuffixedValues.begin();
-  for (const std::string& name : enumeration.PossibleValues) {
-    if (suffixed != enumeration.SuffixedValues.end() && suffixed->starts_with(name + "[")) {
-      choices.push_back(*suffixed++);
+// Firmware has texts in Latin-1, too. The text so, unless it would not be shown the same then.
+std::string ToLatin1(const std::string& utf8) {
+  std::string latin1;
+  for (std::size_t i = 0; i < utf8.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(utf8[i]);
+    if (byte < 0x80 || i + 1 == utf8.size()) {
+      latin1 += utf8[i];
     } else {
-      choices.push_back(name);
+      const auto next = static_cast<unsigned char>(utf8[++i]);
+      latin1 += static_cast<char>((byte & 0x03) << 6 | (next & 0x3F));
     }
   }
-  return choices;
+  return ToUtf8(latin1) == utf8 ? latin1 : utf8;
 }
+
+struct ModeRow {
+  const char* name;
+  std::uint32_t PLDM::BootConfigSetting::*member;
+};
+constexpr ModeRow kModes[] = {
+    {"bootConfigType", &PLDM::BootConfigSetting::BootConfigType},
+    {"failThroughMode", &PLDM::BootConfigSetting::FailThroughMode},
+};
 
 std::string_view WithoutSuffix(std::string_view choice) {
   return choice.substr(0, choice.find('['));
@@ -135,14 +145,19 @@ class Assignment {
       if (index > std::numeric_limits<std::uint8_t>::max()) throw NoChoice(part);
       indices.push_back(static_cast<std::uint8_t>(index));
     }
-    if (indices.empty()) Break("no value is given.");
     target.CurrentIndices = indices;
   }
 
-  void operator()(PLDM::String& target) const { target.Value = Text(target); }
+  void operator()(PLDM::String& target) const {
+    const bool is_latin1 = ToUtf8(target.Value) != target.Value;
+    const std::string text = is_latin1 ? ToLatin1(Text()) : Text();
+    CheckLength(target, text);
+    target.Value = text;
+  }
 
   void operator()(PLDM::Password& target) const {
-    bytes::SecureString text(Text(target));
+    CheckLength(target, Text());
+    bytes::SecureString text(Text());
     bytes::Wipe(target.Value);
     target.Value = text.str();
   }
@@ -166,16 +181,15 @@ class Assignment {
 
   void operator()(PLDM::BootConfigSetting& target) const {
     const std::vector<std::string> parts = Parts();
+    std::list<std::string> sources;
+    for (const std::string& part : parts) sources.push_back(RawChoice(part));
     if (is_checked_) {
-      for (const std::string& part : parts) {
-        if (!PlaceOf(setting_.choices, part)) throw NoChoice(part);
-      }
       if (parts.size() < target.MinSources || parts.size() > target.MaxSources) {
         Break(std::to_string(parts.size()) + " sources are given.",
               "It takes " + LimitsText(setting_) + ".");
       }
     }
-    target.OrderedSources.assign(parts.begin(), parts.end());
+    target.OrderedSources = sources;
   }
 
   void operator()(PLDM::Collection& target) const {
@@ -190,9 +204,7 @@ class Assignment {
 
   void operator()(PLDM::ConfigSet& target) const {
     if (!value_.is_string()) Break("the value is no text.");
-    const std::string& text = value_.get_ref<const std::string&>();
-    if (is_checked_ && !PlaceOf(setting_.choices, text)) throw NoChoice(text);
-    target.SelectedMember = text;
+    target.SelectedMember = RawChoice(value_.get_ref<const std::string&>());
   }
 
  private:
@@ -204,7 +216,14 @@ class Assignment {
 
   CommandError NoChoice(const std::string& text) const {
     return Broken(setting_, "'" + text + "' is none of its values.",
-                  "They are: " + ToUtf8(Joined(setting_.choices, ", ")) + ".");
+                  "They are: " + Joined(setting_.choices, ", ") + ".");
+  }
+
+  // A choice as the firmware spells it; where limits are ignored, any text.
+  std::string RawChoice(const std::string& text) const {
+    const std::optional<std::size_t> place = PlaceOf(setting_.choices, text);
+    if (!place && is_checked_) throw NoChoice(text);
+    return place ? setting_.raw_choices[*place] : text;
   }
 
   std::string Range(const PLDM::Integer&) const { return "It takes " + LimitsText(setting_) + "."; }
@@ -243,11 +262,14 @@ class Assignment {
     return parts;
   }
 
+  const std::string& Text() const {
+    if (!value_.is_string()) Break("the value is no text.");
+    return value_.get_ref<const std::string&>();
+  }
+
   // The text is a secret in some attributes, so no message quotes it.
   template <typename Target>
-  const std::string& Text(const Target& target) const {
-    if (!value_.is_string()) Break("the value is no text.");
-    const std::string& text = value_.get_ref<const std::string&>();
+  void CheckLength(const Target& target, const std::string& text) const {
     const std::string hint = "It takes " + LimitsText(setting_) + ".";
     if (text.size() > std::numeric_limits<std::uint16_t>::max()) {
       Break("the value is longer than any.", hint);
@@ -255,7 +277,6 @@ class Assignment {
     if (is_checked_ && (text.size() < target.MinLength || text.size() > target.MaxLength)) {
       Break("the value has " + std::to_string(text.size()) + " characters.", hint);
     }
-    return text;
   }
 
   const Setting& setting_;
@@ -267,7 +288,7 @@ class Assignment {
 }  // namespace
 
 std::string Setting::Title() const {
-  const std::string name = ToUtf8(attribute->Name + attribute->Suffix);
+  const std::string name = ToUtf8(attribute->Name) + ToUtf8(attribute->Suffix);
   return name.empty() ? Hex(entry->handle, 4) : name;
 }
 
@@ -284,7 +305,7 @@ Attributes::Attributes(Context& context, Texts texts)
   mira_.GetAttributeHandlesAndTypes(handles);
   auto name = names.begin();
   for (const auto& [handle, type] : handles) {
-    entries_.push_back({handle, type, (name++)->first});
+    entries_.push_back({handle, type, ToUtf8((name++)->first)});
   }
   progress_.Clear();
 }
@@ -303,11 +324,28 @@ const AttributeEntry* Attributes::FindName(const std::string& name) const {
   return found != entries_.rend() ? &*found : nullptr;
 }
 
+// The tables alone mostly tell it; an attribute without a value in them is asked for.
+std::string Attributes::FullName(const AttributeEntry& entry) {
+  for (const auto read : {&Attributes::ReadAtBoot, &Attributes::ReadLive}) {
+    try {
+      return (this->*read)(entry).Title();
+    } catch (const CommandError&) {
+    }
+  }
+  return "";
+}
+
+const AttributeEntry& Attributes::Find(const std::string& text, std::uint64_t handle) {
+  const AttributeEntry* const entry = FindHandle(handle);
+  if (entry != nullptr && text.starts_with(entry->name) && FullName(*entry) == text) return *entry;
+  return Find(text);
+}
+
 const AttributeEntry& Attributes::Find(const std::string& text) {
   if (const AttributeEntry* const entry = text.empty() ? nullptr : FindName(text)) return *entry;
   const std::string_view name = WithoutSuffix(text);
   for (const AttributeEntry& entry : entries_) {
-    if (name.size() < text.size() && entry.name == name && ReadAtBoot(entry).Title() == text) {
+    if (name.size() < text.size() && entry.name == name && FullName(entry) == text) {
       return entry;
     }
   }
@@ -315,7 +353,7 @@ const AttributeEntry& Attributes::Find(const std::string& text) {
   const AttributeEntry* const entry = handle ? FindHandle(*handle) : nullptr;
   if (entry != nullptr) return *entry;
   std::vector<std::string> names;
-  for (const AttributeEntry& e : entries_) names.push_back(ToUtf8(e.name));
+  for (const AttributeEntry& e : entries_) names.push_back(e.name);
   throw CommandError(kNotFound, "attribute-not-found", "There is no attribute '" + text + "'.",
                      text, Suggest(text, names, "'mira attr list' lists them."));
 }
@@ -327,17 +365,14 @@ Setting Attributes::Read(const AttributeEntry& entry, Status (CMiraIntf::*read)(
   setting.attribute->Handle = entry.handle;
   const Status status = (mira_.*read)(*setting.attribute);
   if (status != STATUS_SUCCESS) {
-    const std::string title = entry.name.empty() ? Hex(entry.handle, 4) : ToUtf8(entry.name);
+    const std::string title = entry.name.empty() ? Hex(entry.handle, 4) : entry.name;
     const StatusText& text = Explain(status);
     throw CommandError(text.exit_status, text.name, title + ": " + text.meaning, title, text.hint);
   }
-  if (WritableForm(entry.type) == PLDM::BIOSEnumeration) {
-    setting.choices = WithSuffixes(static_cast<PLDM::Enumeration&>(*setting.attribute));
-  } else {
-    std::list<std::string> names;
-    mira_.GetPossibleValues(entry.handle, names);
-    setting.choices.assign(names.begin(), names.end());
-  }
+  std::list<std::string> names;
+  mira_.GetPossibleValues(entry.handle, names);
+  setting.raw_choices.assign(names.begin(), names.end());
+  for (const std::string& name : names) setting.choices.push_back(ToUtf8(name));
   return setting;
 }
 
@@ -351,7 +386,8 @@ Setting Attributes::ReadAtBoot(const AttributeEntry& entry) {
 
 bool Attributes::IsRestartPending(const Setting& live) {
   try {
-    return Value(live) != Value(ReadAtBoot(*live.entry));
+    const Setting at_boot = ReadAtBoot(*live.entry);
+    return Value(live) != Value(at_boot) || Modes(live) != Modes(at_boot);
   } catch (const CommandError&) {
     return false;
   }
@@ -369,7 +405,7 @@ void Attributes::Write(Setting& setting, unsigned int security_key) {
   std::string message = text.meaning;
   for (const std::string& line : context_.TakeDiagnostics()) message += " (" + line + ")";
   const std::string title =
-      setting.entry->name.empty() ? Hex(setting.entry->handle, 4) : ToUtf8(setting.entry->name);
+      setting.entry->name.empty() ? Hex(setting.entry->handle, 4) : setting.entry->name;
   throw CommandError(text.exit_status, text.name, title + ": " + message, title, text.hint);
 }
 
@@ -381,9 +417,8 @@ Json Attributes::Value(const Setting& setting) const {
                 Json names = Json::array();
                 for (const std::uint8_t index : a.CurrentIndices) {
                   // What stands for no possible value is shown as the number that it is.
-                  names.push_back(index < setting.choices.size()
-                                      ? Json(ToUtf8(setting.choices[index]))
-                                      : Json(index));
+                  names.push_back(index < setting.choices.size() ? Json(setting.choices[index])
+                                                                 : Json(index));
                 }
                 value = OneOrList(names);
               },
@@ -398,14 +433,23 @@ Json Attributes::Value(const Setting& setting) const {
                 value = Json::array();
                 for (const std::uint16_t handle : a.Members) {
                   const AttributeEntry* const member = FindHandle(handle);
-                  value.push_back(member != nullptr && !member->name.empty()
-                                      ? Json(ToUtf8(member->name))
-                                      : Json(handle));
+                  value.push_back(member != nullptr && !member->name.empty() ? Json(member->name)
+                                                                             : Json(handle));
                 }
               },
               [&](const PLDM::ConfigSet& a) { value = ToUtf8(a.SelectedMember); },
           });
   return value;
+}
+
+Json Attributes::Modes(const Setting& setting) const {
+  Json modes = Json::object();
+  VisitAs(*setting.attribute, Overloaded{[&modes](const PLDM::BootConfigSetting& a) {
+                                           for (const ModeRow& row : kModes)
+                                             modes[row.name] = a.*row.member;
+                                         },
+                                         [](const PLDM::Attribute&) {}});
+  return modes;
 }
 
 Json Attributes::Default(const Setting& setting) {
@@ -416,8 +460,9 @@ Json Attributes::Default(const Setting& setting) {
               [&](const PLDM::Enumeration& a) {
                 Json names = Json::array();
                 for (const std::string& name : a.DefaultValues) {
-                  const std::optional<std::size_t> place = PlaceOf(setting.choices, name);
-                  names.push_back(ToUtf8(place ? setting.choices[*place] : name));
+                  const std::string shown = ToUtf8(name);
+                  const std::optional<std::size_t> place = PlaceOf(setting.choices, shown);
+                  names.push_back(place ? setting.choices[*place] : shown);
                 }
                 value = OneOrList(names);
               },
@@ -447,6 +492,23 @@ void Attributes::Assign(Setting& setting, const Json& value, Limits limits) cons
   VisitAs(*setting.attribute, Assignment(setting, value, limits, find_handle));
 }
 
+void Attributes::AssignModes(Setting& setting, const Json& modes) const {
+  constexpr std::uint64_t kLargest = std::numeric_limits<std::uint8_t>::max();
+  VisitAs(*setting.attribute,
+          Overloaded{[&](PLDM::BootConfigSetting& target) {
+                       for (const ModeRow& row : kModes) {
+                         const auto mode = modes.find(row.name);
+                         if (mode == modes.end()) continue;
+                         if (!mode->is_number_unsigned() || mode->get<std::uint64_t>() > kLargest) {
+                           throw Broken(setting, std::string(row.name) + " is no such number.",
+                                        "It takes 0 to 255.");
+                         }
+                         target.*row.member = mode->get<std::uint32_t>();
+                       }
+                     },
+                     [](const PLDM::Attribute&) {}});
+}
+
 const char* TypeName(PLDM::ATTRIBUTE_TYPE type) {
   for (const TypeRow& row : kTypes) {
     if (row.type == WritableForm(type)) return row.name;
@@ -454,17 +516,21 @@ const char* TypeName(PLDM::ATTRIBUTE_TYPE type) {
   return "unknown";
 }
 
-Json Identity(const Setting& setting) {
+Json NameJson(const Setting& setting) {
   return {{"handle", setting.entry->handle},
           {"name", ToUtf8(setting.attribute->Name)},
-          {"suffix", ToUtf8(setting.attribute->Suffix)},
-          {"type", TypeName(setting.entry->type)},
-          {"readOnly", setting.entry->IsReadOnly()}};
+          {"suffix", ToUtf8(setting.attribute->Suffix)}};
+}
+
+Json Identity(const Setting& setting) {
+  Json identity = NameJson(setting);
+  identity["type"] = TypeName(setting.entry->type);
+  identity["readOnly"] = setting.entry->IsReadOnly();
+  return identity;
 }
 
 Json LimitsJson(const Setting& setting) {
-  Json choices = Json::array();
-  for (const std::string& choice : setting.choices) choices.push_back(ToUtf8(choice));
+  const Json choices = setting.choices;
   Json limits = Json::object();
   const auto text = [&limits](const auto& a) {
     limits = {{"minLength", a.MinLength}, {"maxLength", a.MaxLength}};
@@ -491,7 +557,7 @@ Json LimitsJson(const Setting& setting) {
 }
 
 std::string LimitsText(const Setting& setting) {
-  const std::string choices = ToUtf8(Joined(setting.choices, " | "));
+  const std::string choices = Joined(setting.choices, " | ");
   std::string limits;
   const auto range = [&limits](std::uint64_t lower, std::uint64_t upper) {
     limits = std::to_string(lower) + " to " + std::to_string(upper);
@@ -528,6 +594,12 @@ std::string ValueText(const Json& value) {
   if (!value.is_array()) return value.dump();
   std::string text;
   for (const Json& part : value) text += (text.empty() ? "" : ", ") + ValueText(part);
+  return text;
+}
+
+std::string ValueText(const Json& value, const Json& modes) {
+  std::string text = ValueText(value);
+  for (const auto& [name, mode] : modes.items()) text += "; " + name + " " + mode.dump();
   return text;
 }
 

@@ -23,7 +23,7 @@ namespace mira::console {
 struct AttributeEntry {
   std::uint16_t handle;
   PLDM::ATTRIBUTE_TYPE type;
-  std::string name;  // without its suffix
+  std::string name;  // without its suffix, as UTF-8
   bool IsReadOnly() const { return PLDM::IsReadOnly(type); }
   bool IsPassword() const { return PLDM::WritableForm(type) == PLDM::BIOSPassword; }
 };
@@ -32,8 +32,10 @@ struct AttributeEntry {
 struct Setting {
   const AttributeEntry* entry = nullptr;
   std::unique_ptr<PLDM::Attribute> attribute;
-  // Possible values, sources or members by place: a name, with its suffix where it has one.
+  // Possible values, sources or members by place, as UTF-8; of values with the suffix.
   std::vector<std::string> choices;
+  // The same as the firmware spells them.
+  std::vector<std::string> raw_choices;
 
   // The name with its suffix, or the handle where the firmware gives no name.
   std::string Title() const;
@@ -51,6 +53,9 @@ class Attributes {
   const std::vector<AttributeEntry>& All() const { return entries_; }
   // By name, with or without its suffix, else by handle in decimal or with 0x. Throws CommandError.
   const AttributeEntry& Find(const std::string& text);
+  // Of several attributes of one name, the one of this handle. A handle that has another name, as
+  // on another machine, does not count.
+  const AttributeEntry& Find(const std::string& text, std::uint64_t handle);
 
   // Throw CommandError.
   Setting ReadLive(const AttributeEntry& entry);
@@ -62,12 +67,16 @@ class Attributes {
 
   // The value: a text, a number or a list, as the type has it; null for passwords.
   Json Value(const Setting& setting) const;
+  // {"bootConfigType", "failThroughMode"} of a boot order; {} for other types.
+  Json Modes(const Setting& setting) const;
   // The default; null for types that have none, and for passwords.
   Json Default(const Setting& setting);
   // Replaces the value; a text may stand for a number, or with commas for a list. Throws
   // CommandError that names the limit which the value breaks; where limits are ignored, only for a
   // value that cannot be sent at all.
   void Assign(Setting& setting, const Json& value, Limits limits) const;
+  // Takes over what `modes` has of Modes. Throws CommandError for what is no number of one byte.
+  void AssignModes(Setting& setting, const Json& modes) const;
 
   CMiraIntf& Mira() { return mira_; }
   Progress& GetProgress() { return progress_; }
@@ -76,6 +85,8 @@ class Attributes {
   Setting Read(const AttributeEntry& entry, Status (CMiraIntf::*read)(PLDM::Attribute&));
   const AttributeEntry* FindHandle(std::uint64_t handle) const;
   const AttributeEntry* FindName(const std::string& name) const;
+  // The name with its suffix; empty where the attribute cannot be read.
+  std::string FullName(const AttributeEntry& entry);
 
   Context& context_;
   Progress progress_;
@@ -85,7 +96,9 @@ class Attributes {
 
 const char* TypeName(PLDM::ATTRIBUTE_TYPE type);
 
-// {"handle", "name", "suffix", "type", "readOnly"}
+// {"handle", "name", "suffix"}
+Json NameJson(const Setting& setting);
+// The same with {"type", "readOnly"}.
 Json Identity(const Setting& setting);
 // {"possibleValues"}, {"minLength", "maxLength"}, …
 Json LimitsJson(const Setting& setting);
@@ -93,6 +106,8 @@ Json LimitsJson(const Setting& setting);
 std::string LimitsText(const Setting& setting);
 // A value, default or list as people read it.
 std::string ValueText(const Json& value);
+// The same of a boot order with what Attributes::Modes gives.
+std::string ValueText(const Json& value, const Json& modes);
 
 }  // namespace mira::console
 

@@ -1,8 +1,10 @@
 #include "console/secret_input.h"
 
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <system_error>
 
 #include "console/terminal.h"
 
@@ -38,10 +40,22 @@ bool ReadVariable(const std::string& name, bytes::SecureString& line) {
   return true;
 }
 
+CommandError Unreadable(const SecretSource& source, const std::string& target) {
+  const bool is_password = source.name.ends_with("password");
+  const std::string kind = is_password ? "password" : source.name;
+  std::error_code error;
+  const bool is_missing = !source.from_stdin && !source.file.empty() &&
+                          !std::filesystem::exists(ToPath(source.file), error);
+  const ExitStatus status = is_password ? kPassword : is_missing ? kNotFound : kInvalidValue;
+  return CommandError(status, kind + "-unreadable",
+                      "No " + kind + " could be read from '" + target + "'.", target);
+}
+
 }  // namespace
 
 std::shared_ptr<SecretSource> AddSecretOptions(CLI::App& app, const std::string& name) {
   auto source = std::make_shared<SecretSource>();
+  source->name = name;
   CLI::Option* const from_stdin = app.add_flag("--" + name + "-stdin", source->from_stdin,
                                                "take it from the first line of standard input");
   CLI::Option* const file =
@@ -54,6 +68,11 @@ std::shared_ptr<SecretSource> AddSecretOptions(CLI::App& app, const std::string&
     option->group("Where the " + name + " comes from (never the command line)");
   }
   return source;
+}
+
+std::string OptionNames(const SecretSource& source) {
+  const std::string option = "--" + source.name;
+  return option + "-stdin, " + option + "-file or " + option + "-env";
 }
 
 bool ReadWithoutEcho(const std::string& prompt, bytes::SecureString& line) {
@@ -81,15 +100,11 @@ bytes::SecureString ReadSecret(Context& context, const SecretSource& source,
     read = ReadVariable(source.variable, secret);
   } else if (!context.IsInteractive() || !ReadWithoutEcho(prompt, secret)) {
     throw CommandError(kPassword, "password-needed", "A password is needed.", "",
-                       "Without a terminal, give it by --password-stdin, --password-file or "
-                       "--password-env.");
+                       "Without a terminal, give it by " + OptionNames(source) + ".");
   } else {
     return secret;
   }
-  if (!read) {
-    throw CommandError(kPassword, "password-unreadable",
-                       "No password could be read from '" + target + "'.", target);
-  }
+  if (!read) throw Unreadable(source, target);
   return secret;
 }
 

@@ -15,6 +15,7 @@
 namespace mira::console {
 
 struct SecretSource {
+  std::string name = "password";  // of the options
   bool from_stdin = false;
   std::string file;
   std::string variable;
@@ -25,8 +26,12 @@ struct SecretSource {
 // standard input, the one read first has the first line.
 std::shared_ptr<SecretSource> AddSecretOptions(CLI::App& app, const std::string& name = "password");
 
+// "--password-stdin, --password-file or --password-env", as they are called.
+std::string OptionNames(const SecretSource& source);
+
 // The first line of the source; without one, a line typed at a prompt without echo. Throws
-// CommandError when there is neither a source nor a terminal.
+// CommandError when there is neither a source nor a terminal: status 5 for a password; for what
+// else cannot be read, 3 where the file is not found, or 6.
 bytes::SecureString ReadSecret(Context& context, const SecretSource& source,
                                const std::string& prompt);
 

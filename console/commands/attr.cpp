@@ -1,7 +1,9 @@
 #include <algorithm>
 #include <cctype>
+#include <filesystem>
 #include <fstream>
 #include <optional>
+#include <system_error>
 
 #include "console/attribute_import.h"
 #include "console/attributes.h"
@@ -57,6 +59,7 @@ class Unreadable {
     if (!first_) first_ = error;
     list_.push_back(ErrorJson(error));
   }
+  bool IsEmpty() const { return !first_; }
   // Ends a command: the document, or the text that stands already, and then the error, if any.
   ExitStatus End(Context& context, Json document, bool is_any_read) const {
     if (!first_) {
@@ -103,6 +106,12 @@ bool Contains(const std::string& text, const std::string& part) {
   return std::search(text.begin(), text.end(), part.begin(), part.end(), equal) != text.end();
 }
 
+// A boot order's modes now and at boot.
+void AddModes(Json& item, const Json& modes, const Json& at_boot) {
+  item.update(modes);
+  for (const auto& [name, mode] : at_boot.items()) item[name + "AtBoot"] = mode;
+}
+
 // A long value would push what is behind it out of sight; 'mira attr get' shows it whole.
 std::string Shortened(std::string text) {
   constexpr std::size_t kLongest = 36;
@@ -122,6 +131,7 @@ ExitStatus List(Context& context, const std::string& part) {
         const Json value = attributes.Value(setting);
         Json item = Identity(setting);
         item["value"] = value;
+        item.update(attributes.Modes(setting));
         item.update(LimitsJson(setting));
         list.push_back(item);
         table.push_back({Hex(setting.entry->handle, 4), setting.Title(),
@@ -143,9 +153,13 @@ ExitStatus Get(Context& context, const std::string& name) {
   Attributes attributes(context, Attributes::Texts::kAll);
   const Setting live = attributes.ReadLive(attributes.Find(name));
   const Json value = attributes.Value(live);
+  const Json modes = attributes.Modes(live);
   Json at_boot;  // null where the tables list an attribute without a value
+  Json modes_at_boot = Json::object();
   try {
-    at_boot = attributes.Value(attributes.ReadAtBoot(*live.entry));
+    const Setting setting = attributes.ReadAtBoot(*live.entry);
+    at_boot = attributes.Value(setting);
+    modes_at_boot = attributes.Modes(setting);
   } catch (const CommandError&) {
   }
   const bool is_pending = attributes.IsRestartPending(live);
@@ -157,6 +171,7 @@ ExitStatus Get(Context& context, const std::string& name) {
     document["help"] = ToUtf8(live.attribute->HelpText);
     document["value"] = value;
     document["atBoot"] = at_boot;
+    AddModes(document, modes, modes_at_boot);
     document["default"] = default_value;
     document["restartPending"] = is_pending;
     document.update(LimitsJson(live));
@@ -168,8 +183,8 @@ ExitStatus Get(Context& context, const std::string& name) {
                {"Type", TypeName(live.entry->type)},
                {"Display name", ToUtf8(live.attribute->DisplayText)},
                {"Help", ToUtf8(live.attribute->HelpText)},
-               {"Value", ValueText(value)},
-               {"At boot", ValueText(at_boot)}};
+               {"Value", ValueText(value, modes)},
+               {"At boot", ValueText(at_boot, modes_at_boot)}};
   if (live.entry->IsReadOnly()) rows[2][1] += ", read-only";
   if (!default_value.is_null()) rows.push_back({"Default", ValueText(default_value)});
   rows.push_back({"Possible", LimitsText(live)});
@@ -187,15 +202,18 @@ ExitStatus Diff(Context& context) {
       attributes, [](const AttributeEntry& entry) { return !entry.IsPassword(); },
       [&](const Setting& live) {
         const Json now = attributes.Value(live);
-        const Json at_boot = attributes.Value(attributes.ReadAtBoot(*live.entry));
+        const Json modes = attributes.Modes(live);
+        const Setting start = attributes.ReadAtBoot(*live.entry);
+        const Json at_boot = attributes.Value(start);
+        const Json modes_at_boot = attributes.Modes(start);
         is_any_read = true;
-        if (now == at_boot) return;
-        list.push_back({{"handle", live.entry->handle},
-                        {"name", live.Title()},
-                        {"atBoot", at_boot},
-                        {"value", now}});
-        table.push_back(
-            {Hex(live.entry->handle, 4), live.Title(), ValueText(at_boot), ValueText(now)});
+        if (now == at_boot && modes == modes_at_boot) return;
+        Json item = NameJson(live);
+        item.update({{"atBoot", at_boot}, {"value", now}});
+        AddModes(item, modes, modes_at_boot);
+        list.push_back(std::move(item));
+        table.push_back({Hex(live.entry->handle, 4), live.Title(),
+                         ValueText(at_boot, modes_at_boot), ValueText(now, modes)});
       });
   if (!context.IsJson()) {
     if (list.empty()) {
@@ -237,7 +255,7 @@ void TakeValue(Context& context, const Attributes& attributes, const SetArgument
                          title +
                              " is a password: its value is never given on the command line, "
                              "where others can read it.",
-                         title, "Give it by --value-stdin, --value-file or --value-env.");
+                         title, "Give it by " + OptionNames(*a.value_source) + ".");
     }
     Json secret = ReadNewPassword(context, a).str();
     try {
@@ -273,17 +291,24 @@ ExitStatus Set(Context& context, const SetArguments& a) {
   bool is_pending = attributes.IsRestartPending(setting);
   TakeValue(context, attributes, a, setting);
   const Json wanted = attributes.Value(setting);
-  Json document = {{"handle", entry.handle}, {"name", title}, {"before", before}};
+  const bool is_dry = context.GetOptions().what_if;
+  Json document = NameJson(setting);
+  document["before"] = before;
+  if (is_dry) document["whatIf"] = true;
   if (!entry.IsPassword() && wanted == before && !a.force) {
     document.update({{"after", before}, {"changed", false}, {"restartPending", is_pending}});
     return ReportDone(context, title + " is " + Quoted(before) + " already.", document);
   }
-  const unsigned int key =
-      ObtainKey(context, attributes.Mira(), a.password, a.force || context.GetOptions().what_if);
+  const unsigned int key = ObtainKey(context, attributes.Mira(), a.password, a.force || is_dry);
   const Changes changes = {
       {title, ValueText(before), entry.IsPassword() ? "a new password" : ValueText(wanted)}};
   attributes.GetProgress().Clear();
-  if (!Approve(context, changes)) return ReportWhatIf(context, changes);
+  if (!Approve(context, changes)) {
+    if (!context.IsJson()) return ReportWhatIf(context, changes);
+    document.update({{"after", wanted}, {"changed", false}, {"restartPending", is_pending}});
+    context.Print(document);
+    return kDone;
+  }
   attributes.Write(setting, key);
 
   Json after = wanted;
@@ -308,6 +333,33 @@ ExitStatus Set(Context& context, const SetArguments& a) {
   return ReportDone(context, sentence, document);
 }
 
+// Writes beside the file, which then takes its place, so that no failure costs the old one.
+void Replace(const std::string& path, const Json& document) {
+  std::error_code error;
+  std::filesystem::path target = ToPath(path);
+  // A link stays a link; what is no file, like a pipe, cannot be replaced.
+  if (std::filesystem::is_symlink(target, error)) {
+    target = std::filesystem::weakly_canonical(target, error);
+  }
+  const bool is_direct =
+      std::filesystem::exists(target, error) && !std::filesystem::is_regular_file(target, error);
+  std::filesystem::path written = target;
+  if (!is_direct) written += ".new";
+  std::ofstream file(written, std::ios::binary | std::ios::trunc);
+  WriteJson(file, document);
+  file.close();
+  bool is_written = !file.fail();
+  if (is_written && !is_direct) {
+    std::filesystem::rename(written, target, error);
+    is_written = !error;
+  }
+  if (is_written) return;
+  std::error_code ignored;
+  if (!is_direct) std::filesystem::remove(written, ignored);
+  throw CommandError(kUnexpected, "not-written", "The file '" + path + "' could not be written.",
+                     path);
+}
+
 // Passwords are left out: no value of theirs is ever shown.
 ExitStatus Export(Context& context, const std::string& path) {
   Attributes attributes(context);
@@ -317,23 +369,21 @@ ExitStatus Export(Context& context, const std::string& path) {
       [&](const Setting& setting) {
         Json item = Identity(setting);
         item["value"] = attributes.Value(setting);
+        item.update(attributes.Modes(setting));
         list.push_back(std::move(item));
       });
   const std::size_t count = list.size();
   const Json content = {{"attributes", std::move(list)}};
+  // A file of before is worth more than an empty one.
+  const bool is_lost = count == 0 && !unreadable.IsEmpty();
   if (path == "-") {
-    if (!context.IsJson()) context.Print(content);
+    if (!context.IsJson() && !is_lost) context.Print(content);
     return unreadable.End(context, content, count != 0);
   }
-  std::ofstream file(ToPath(path), std::ios::binary | std::ios::trunc);
+  if (is_lost) return unreadable.End(context, {{"file", path}, {"exported", 0}}, false);
   Json whole = {{"schemaVersion", 1}};
   whole.update(content);
-  WriteJson(file, whole);
-  file.close();
-  if (!file) {
-    throw CommandError(kUnexpected, "not-written", "The file '" + path + "' could not be written.",
-                       path);
-  }
+  Replace(path, whole);
   if (!context.IsJson()) {
     context.Out() << "Exported " << count << " attributes to " << path << ".\n";
   }

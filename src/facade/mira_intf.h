@@ -128,9 +128,9 @@ class MIRA_API CMiraIntf {
   // For front ends. The default of an attribute as text: of an enumeration the names, joined by
   // ", "; empty for types that have no default. STATUS_ATTRIBUTE_NOT_FOUND for an unknown handle.
   Status GetAttributeDefault(std::uint16_t handle, std::string& value);
-  // Replaces `names` by an enumeration's possible values, a boot order's possible sources or a
-  // config set's members; by nothing for other types. STATUS_ATTRIBUTE_NOT_FOUND for an unknown
-  // handle.
+  // Replaces `names` by an enumeration's possible values, each with its suffix, a boot order's
+  // possible sources or a config set's members; by nothing for other types.
+  // STATUS_ATTRIBUTE_NOT_FOUND for an unknown handle.
   Status GetPossibleValues(std::uint16_t handle, std::list<std::string>& names);
 
   // What the process knows about the machine, shared by all objects. Read it through the operations

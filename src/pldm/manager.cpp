@@ -237,8 +237,12 @@ Outcome Manager::GetPossibleValues(std::uint16_t handle, std::list<std::string>&
   const Outcome found = Find(handle, attribute);
   if (attribute == nullptr) return found;
   names.clear();
+  // The suffix tells apart values of one name; sources and members are attributes, found by name.
+  const bool has_suffixes = dynamic_cast<const IntBIOSEnumeration*>(attribute) != nullptr;
   for (const std::uint16_t choice : Choices(*attribute)) {
-    names.emplace_back(record_->Tables.Text(choice));
+    const BiosString name = record_->Tables.FindString(choice).value_or(BiosString{});
+    names.emplace_back(name.text);
+    if (has_suffixes) names.back().append(name.suffix);
   }
   return found;
 }
