@@ -29,9 +29,9 @@ using sim::AttributeKind;
 using sim::SetupAttribute;
 using test::ByteBuilder;
 using test::Bytes;
-using test::ProgramResult;
 using test::Document;
 using test::Mira;
+using test::ProgramResult;
 using test::TemporaryFile;
 using Words = std::vector<std::string>;
 
@@ -556,8 +556,8 @@ TEST(AttrCommand, GivesDocuments) {
                 "possibleValues": ["Disabled", "LAN", "LAN or PXE", "WLAN", "LAN or WLAN"]})"));
   EXPECT_EQ(Document(Mira({"--sim=pending-attributes", "attr", "diff", "--json"}))["differences"],
             json::parse(R"([
-                {"handle": 76, "name": "PanelBrightnessBattery", "atBoot": 40, "value": 55},
-                {"handle": 150, "name": "WakeOnLan", "atBoot": "Disabled", "value": "LAN"}])"));
+                {"handle": 76, "name": "PanelBrightnessBattery", "suffix": "", "atBoot": 40, "value": 55},
+                {"handle": 150, "name": "WakeOnLan", "suffix": "", "atBoot": "Disabled", "value": "LAN"}])"));
   const json all = Document(Mira({"--sim", "attr", "list", "--json"}))["attributes"];
   struct Case {
     const char* name;
@@ -642,8 +642,8 @@ TEST(AttrCommand, SeesWhatWasWrittenBefore) {
   const json planned = Document(Mira({"attr", "import", file.path(), "--dry-run", "--json"}));
   EXPECT_EQ(planned["whatIf"], true);
   EXPECT_EQ(planned["attributes"], json::parse(R"([
-      {"name": "FanFloor", "outcome": "would-change", "handle": 123, "before": 30, "after": 0},
-      {"name": "HttpsBootProxy", "outcome": "would-change", "handle": 154, "before": "proxy:8080",
+      {"name": "FanFloor", "suffix": "", "outcome": "would-change", "handle": 123, "before": 30, "after": 0},
+      {"name": "HttpsBootProxy", "suffix": "", "outcome": "would-change", "handle": 154, "before": "proxy:8080",
        "after": ""}])"));
   EXPECT_EQ(Document(Mira({"attr", "get", "FanFloor", "--json"}))["value"], 30);
   const ProgramResult back = Mira({"attr", "import", file.path(), "--yes"});
@@ -693,7 +693,7 @@ TEST(AttrCommand, ImportsWhatItCan) {
        kListed,
        {},
        10,
-       "SetupPromptTime[Seconds] changed, ServiceTag skipped, FanFloor changed, FanFloor failed 6, "
+       "SetupPromptTime changed, ServiceTag skipped, FanFloor changed, FanFloor failed 6, "
        "FnLock failed 6, ServiceTag2 failed 3, entry 7 failed 6, VlanId failed 6"},
       {"nothing at all",
        R"({"attributes": {"Nope": 1, "FanFloor": 5}})",
@@ -718,6 +718,154 @@ TEST(AttrCommand, ImportsWhatItCan) {
     EXPECT_EQ(outcomes, c.outcomes);
     EXPECT_EQ(document["error"]["code"], c.status);
     EXPECT_EQ(result.out.find("geheim"), std::string::npos);
+  }
+}
+
+// Names that are not alone, and texts in Latin-1.
+TEST(AttrCommand, TellsApartWhatTheFirmwareCallsAlike) {
+  sim::Profile profile = SmallMachine();
+  const auto add = [&profile](const char* name, Words choices, const char* value) {
+    profile.attributes.push_back({.name = name,
+                                  .choices = choices,
+                                  .value = value,
+                                  .default_value = choices.front(),
+                                  .lower = 1,
+                                  .upper = 1});
+  };
+  add("Mode", {"Auto", "Auto[fast]"}, "Auto[fast]");
+  add("Port", {"Off", "On"}, "On");
+  add("Port", {"Off", "On"}, "On");
+  add("Gr\xF6\xDF"
+      "e",
+      {"Gro\xDF", "Klein"}, "Klein");
+  profile.attributes.push_back(
+      {.kind = AttributeKind::kString, .name = "Ort", .value = "K\xF6ln", .upper = 5});
+  sim::Machine machine(profile);
+  const sim::Session session(machine);
+  struct Case {
+    Words arguments;
+    int status;
+    const char* said;
+    const char* input = "";
+  };
+  const Case cases[] = {
+      {{"get", "Mode"}, 0, "Auto | Auto[fast]"},
+      {{"set", "Mode", "Auto"}, 0, "Mode: 'Auto[fast]' -> 'Auto'."},
+      {{"set", "Mode", "Auto[fast]"}, 0, "Mode: 'Auto' -> 'Auto[fast]'."},
+      {{"set", "Gr\u00F6\u00DFe", "Gro\u00DF"}, 0, "'Klein' -> 'Gro\u00DF'."},
+      {{"set", "Ort", "Gr\u00F6\u00DFe", "--what-if"}, 0, "'K\u00F6ln' -> 'Gr\u00F6\u00DFe'."},
+      {{"set", "Ort", "Gr\u00F6\u00DFen"}, 6, "has 6 characters"},
+      {{"set", "Wake", ""}, 11, "refused the value (status 1)"},
+      {{"set", "Wake", "", "--force"}, 11, "refused the value (status 1)"},
+      {{"import", "-"}, 11, "refused the value (status 1)", R"({"attributes": {"Wake": []}})"},
+      {{"import", "-"},
+       0,
+       "changed: Port: 'On' -> 'Off'\nchanged: Port: 'On' -> 'Off'\nchanged: Tag: 'ab' -> 'x'\n",
+       R"({"attributes": [{"handle": 11, "name": "Port", "suffix": "", "value": "Off"},
+                          {"handle": 12, "name": "Port", "suffix": "", "value": "Off"},
+                          {"handle": 1, "name": "Tag", "suffix": "", "value": "x"}]})"},
+  };
+  for (const Case& c : cases) {
+    Words arguments = {"attr"};
+    arguments.insert(arguments.end(), c.arguments.begin(), c.arguments.end());
+    arguments.push_back("--yes");
+    SCOPED_TRACE(testing::PrintToString(arguments));
+    const ProgramResult result = Mira(arguments, c.input);
+    EXPECT_EQ(result.status, c.status);
+    EXPECT_NE((result.out + result.err).find(c.said), std::string::npos)
+        << result.out << result.err;
+  }
+}
+
+TEST(AttrCommand, KeepsTheModesOfABootOrder) {
+  sim::Machine machine;
+  const sim::Session session(machine);
+  const auto import = [](const char* modes) {
+    return Mira(
+        {"attr", "import", "-", "--yes", "--json"},
+        std::string(R"({"attributes": [{"name": "BootOrder", "value": ["UEFI NVMe SSD"],)") +
+            modes + "}]}");
+  };
+  EXPECT_EQ(import(R"("failThroughMode": 256)").status, 6);
+  EXPECT_EQ(import(R"("failThroughMode": "2")").status, 6);
+  EXPECT_EQ(import(R"("bootConfigType": 0)").status, 11) << "the firmware knows one alone";
+  EXPECT_EQ(import(R"("failThroughMode": 3)").status, 0);
+  const json changed = Document(import(R"("failThroughMode": 2)"))["attributes"][0];
+  EXPECT_EQ(changed["outcome"], "changed");
+  EXPECT_EQ(changed["before"], changed["after"]) << "a mode alone is a change";
+  EXPECT_EQ(changed["failThroughModeBefore"], 3);
+  EXPECT_EQ(changed["failThroughMode"], 2);
+  const json get = Document(Mira({"attr", "get", "BootOrder", "--json"}));
+  EXPECT_EQ(get["restartPending"], true);
+  const json differences = Document(Mira({"attr", "diff", "--json"}))["differences"];
+  const json exported = Document(Mira({"attr", "export", "-", "--json"}))["attributes"];
+  const auto order = std::find_if(exported.begin(), exported.end(),
+                                  [](const json& a) { return a["name"] == "BootOrder"; });
+  ASSERT_NE(order, exported.end());
+  ASSERT_EQ(differences.size(), 1u);
+  for (const json& shown : {get, differences[0], *order}) {
+    EXPECT_EQ(shown["bootConfigType"], 1);
+    EXPECT_EQ(shown["failThroughMode"], 2);
+  }
+  EXPECT_EQ(differences[0]["failThroughModeAtBoot"], 3);
+}
+
+TEST(AttrCommand, GivesTheSameDocumentWithoutWriting) {
+  struct Case {
+    Words arguments;
+    const char* input;
+    const char* document;
+  };
+  const Case cases[] = {
+      {{"SetupPromptTime", "5"},
+       "",
+       R"({"name": "SetupPromptTime", "suffix": "[Seconds]", "before": 2, "after": 5})"},
+      {{"OwnerPassword", "--value-stdin"},
+       "geheim-77\n",
+       R"({"name": "OwnerPassword", "suffix": "", "before": null, "after": null})"},
+  };
+  for (const Case& c : cases) {
+    Words arguments = {"--sim", "attr", "set", "--json", "--what-if"};
+    arguments.insert(arguments.end(), c.arguments.begin(), c.arguments.end());
+    json shown = Document(Mira(arguments, c.input));
+    EXPECT_EQ(shown["whatIf"], true);
+    EXPECT_EQ(shown["changed"], false);
+    const json expected = json::parse(c.document);
+    for (const auto& [key, value] : expected.items()) EXPECT_EQ(shown[key], value) << key;
+  }
+}
+
+TEST(AttrCommand, KeepsTheOldExportWhenNothingCanBeRead) {
+  sim::Machine machine;
+  const sim::Session session(machine);
+  machine.GetFaults().Add({.operation = "firmware 5/5", .nth = 0, .completion = -1});
+  const TemporaryFile file("of before");
+  EXPECT_EQ(Mira({"attr", "export", file.path()}).status, 11);
+  EXPECT_EQ(file.Content(), "of before");
+  EXPECT_EQ(Mira({"attr", "export", "-"}).out, "");
+}
+
+TEST(AttrCommand, NamesTheOptionsOfTheValue) {
+  const std::string path = "no such file";
+  struct Case {
+    Words arguments;
+    int status;
+    const char* said;
+  };
+  const Case cases[] = {
+      {{"AssetTag", "--value-file", path}, 3, "No value could be read from 'no such file'"},
+      {{"AssetTag", "--value-env", "MIRA_TEST_NO_SUCH"}, 6, "No value could be read"},
+      {{"AssetTag", "--value-stdin"}, 6, "No value could be read from 'standard input'"},
+      {{"OwnerPassword"}, 5, "--value-stdin, --value-file or --value-env"},
+      {{"AssetTag", "A", "--password-file", path}, 5, "No password could be read"},
+  };
+  for (const Case& c : cases) {
+    Words arguments = {"--sim", "attr", "set", "--yes"};
+    arguments.insert(arguments.end(), c.arguments.begin(), c.arguments.end());
+    SCOPED_TRACE(testing::PrintToString(arguments));
+    const ProgramResult result = Mira(arguments);
+    EXPECT_EQ(result.status, c.status);
+    EXPECT_NE(result.err.find(c.said), std::string::npos) << result.err;
   }
 }
 
