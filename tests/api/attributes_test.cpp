@@ -677,7 +677,7 @@ TEST(AttrCommand, ImportsWhatItCan) {
        {},
        10,
        "FanFloor changed, WakeOnLan failed 6, Nope failed 3, OwnerPassword failed 6, ServiceTag "
-       "failed 6, BootOrder changed, FnLock failed 6, 150 failed 6"},
+       "failed 6, BootOrder changed, FnLock failed 6, WakeOnLan failed 6"},
       {"stops before it has written",
        kMixed,
        {"--stop-on-error"},
@@ -688,7 +688,7 @@ TEST(AttrCommand, ImportsWhatItCan) {
        {"--dry-run"},
        10,
        "FanFloor would-change, WakeOnLan failed 6, Nope failed 3, OwnerPassword failed 6, "
-       "ServiceTag failed 6, BootOrder would-change, FnLock failed 6, 150 failed 6"},
+       "ServiceTag failed 6, BootOrder would-change, FnLock failed 6, WakeOnLan failed 6"},
       {"takes lists",
        kListed,
        {},
