@@ -518,7 +518,7 @@ const char* TypeName(PLDM::ATTRIBUTE_TYPE type) {
 
 Json NameJson(const Setting& setting) {
   return {{"handle", setting.entry->handle},
-          {"name", ToUtf8(setting.attribute->Name)},
+          {"name", setting.entry->name},
           {"suffix", ToUtf8(setting.attribute->Suffix)}};
 }
 

@@ -64,7 +64,11 @@ class Strings {
 };
 
 bool IsPrintable(std::string_view text) {
-  return std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
+  // Latin-1.
+  return std::all_of(text.begin(), text.end(), [](char c) {
+    const auto byte = static_cast<unsigned char>(c);
+    return (byte >= 0x20 && byte <= 0x7E) || byte >= 0xA0;
+  });
 }
 
 template <typename List>

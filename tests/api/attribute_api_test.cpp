@@ -472,7 +472,7 @@ TEST(AttributeQuery, GivesValuesAtBootDefaultsAndChoicesAsText) {
     std::list<std::string> choices;
   };
   const Case cases[] = {
-      {1, STATUS_SUCCESS, "was;OffAuto", STATUS_SUCCESS, "On, Auto", {"Off", "On", "Auto"}},
+      {1, STATUS_SUCCESS, "was;OffAuto", STATUS_SUCCESS, "On, Auto", {"Off", "On[fast]", "Auto"}},
       {2, STATUS_SUCCESS, "at boot", STATUS_SUCCESS, "none", {}},
       {3, STATUS_SUCCESS, "18446744073709551615", STATUS_SUCCESS, "50", {}},
       {4, STATUS_SUCCESS, "was;Net;Disk;", STATUS_SUCCESS, "", {"Disk", "Net"}},
@@ -481,7 +481,7 @@ TEST(AttributeQuery, GivesValuesAtBootDefaultsAndChoicesAsText) {
       {7, STATUS_SUCCESS, "hush", STATUS_SUCCESS, "", {}},
       {8, STATUS_SUCCESS, "was;", STATUS_SUCCESS, "", {}},
       {9, STATUS_SUCCESS, "was;", STATUS_SUCCESS, "", {"Disk", "Net"}},
-      {10, STATUS_SUCCESS, "was;On", STATUS_SUCCESS, "Off", {"Off", "On"}},
+      {10, STATUS_SUCCESS, "was;On", STATUS_SUCCESS, "Off", {"Off", "On[fast]"}},
       {11, STATUS_FAILURE, "was;", STATUS_SUCCESS, "0", {}},                 // no value
       {12, STATUS_SUCCESS, "was;", STATUS_ATTRIBUTE_NOT_FOUND, "-", {"-"}},  // a value alone
       {77, STATUS_FAILURE, "was;", STATUS_ATTRIBUTE_NOT_FOUND, "-", {"-"}}};

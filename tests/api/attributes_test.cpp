@@ -753,7 +753,7 @@ TEST(AttrCommand, TellsApartWhatTheFirmwareCallsAlike) {
       {{"set", "Mode", "Auto"}, 0, "Mode: 'Auto[fast]' -> 'Auto'."},
       {{"set", "Mode", "Auto[fast]"}, 0, "Mode: 'Auto' -> 'Auto[fast]'."},
       {{"set", "Gr\u00F6\u00DFe", "Gro\u00DF"}, 0, "'Klein' -> 'Gro\u00DF'."},
-      {{"set", "Ort", "Gr\u00F6\u00DFe", "--what-if"}, 0, "'K\u00F6ln' -> 'Gr\u00F6\u00DFe'."},
+      {{"set", "Ort", "Gr\u00F6\u00DFe", "--what-if"}, 0, "'K\u00F6ln' -> 'Gr\u00F6\u00DFe'"},
       {{"set", "Ort", "Gr\u00F6\u00DFen"}, 6, "has 6 characters"},
       {{"set", "Wake", ""}, 11, "refused the value (status 1)"},
       {{"set", "Wake", "", "--force"}, 11, "refused the value (status 1)"},
