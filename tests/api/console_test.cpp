@@ -251,8 +251,11 @@ TEST(Console, KeepsTheSimulatedMachineBetweenCommands) {
   EXPECT_EQ(value("0"), 9);
   for (int i = 0; i < 3; ++i) EXPECT_EQ(mira(write, "wrong\n").status, 5);
   EXPECT_EQ(mira(write, "setup1\n").status, 5) << "locked, also for later commands";
-  std::ifstream kept(folder / "laptop.machine", std::ios::binary);
-  const std::string bytes{std::istreambuf_iterator<char>(kept), {}};
+  std::string bytes;
+  {
+    std::ifstream kept(folder / "laptop.machine", std::ios::binary);
+    bytes.assign(std::istreambuf_iterator<char>(kept), {});
+  }
   EXPECT_EQ(bytes.find("wrong"), std::string::npos) << "wrong passwords are not kept";
   EXPECT_EQ(mira({"sim", "reboot", "--yes"}).status, 0);
   EXPECT_EQ(mira(write, "setup1\n").status, 0);
