@@ -140,9 +140,8 @@ std::uint32_t CPwdContext::VerifyPassword(const std::string& password, std::uint
   data.Password = password;
   data.MaxPwdLen = For(cls).max_length + 1;
   std::uint32_t key = 0;
-  return CallForWord(calling_, buffer_size_, instance_key_, cls, kVerifySelect, data, key)
-             ? key
-             : kNoKey;
+  return CallForWord(calling_, buffer_size_, instance_key_, cls, kVerifySelect, data, key) ? key
+                                                                                           : kNoKey;
 }
 
 void CPwdContext::Fill(PwdInfo& info) const {
