@@ -396,10 +396,11 @@ bool Attributes::IsRestartPending(const Setting& live) {
 void Attributes::Write(Setting& setting, unsigned int security_key) {
   // The handle alone names it: a name may belong to several. A read-only attribute goes out as if
   // it could be written; whether it can is the firmware's to say.
-  setting.attribute->Name.clear();
+  const std::string name = std::exchange(setting.attribute->Name, "");
   setting.attribute->Type = WritableForm(setting.attribute->Type);
   const Status status =
       mira_.SetAttributeValue(*setting.attribute, "", PwdInfo::PWD_NONE, security_key);
+  setting.attribute->Name = name;
   if (status == STATUS_SUCCESS) return;
   const StatusText& text = Explain(status);
   std::string message = text.meaning;
