@@ -119,7 +119,7 @@ class Import {
         is_dry_(options.dry_run || context.GetOptions().what_if),
         attributes_(context) {}
 
-  ExitStatus Run(const KeySource& obtain_key) {
+  ExitStatus Run(const KeyGiver& obtain_key) {
     Plan(ReadEntries(context_, options_.file));
     const Changes changes = Difference();
     const bool is_stopped = options_.stop_on_error && FirstError() != nullptr;
@@ -316,7 +316,7 @@ class Import {
 }  // namespace
 
 ExitStatus ImportAttributes(Context& context, const ImportOptions& options,
-                            const KeySource& obtain_key) {
+                            const KeyGiver& obtain_key) {
   return Import(context, options).Run(obtain_key);
 }
 

@@ -15,7 +15,7 @@ struct ImportOptions {
 };
 
 // Gives the security key for writes. Where nothing is written, none is needed.
-using KeySource = std::function<unsigned int(CMiraIntf& mira, bool can_do_without)>;
+using KeyGiver = std::function<unsigned int(CMiraIntf& mira, bool can_do_without)>;
 
 // Brings the attributes to the values of a file: {"attributes": [{"name", "value"}, …]} as 'mira
 // attr export' writes it, or {"attributes": {NAME: value, …}}. Every value is checked first; the
@@ -23,7 +23,7 @@ using KeySource = std::function<unsigned int(CMiraIntf& mira, bool can_do_withou
 // named and does not keep the others from it. `obtain_key` is asked when something is to be
 // written.
 ExitStatus ImportAttributes(Context& context, const ImportOptions& options,
-                            const KeySource& obtain_key);
+                            const KeyGiver& obtain_key);
 
 }  // namespace mira::console
 

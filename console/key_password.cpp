@@ -2,6 +2,12 @@
 
 namespace mira::console {
 
+PwdInfo::PWDTYPE KeyType(const PwdInfo& info, bool wants_class10) {
+  constexpr std::uint32_t kBoth = PwdInfo::PWD_CLASS9 | PwdInfo::PWD_CLASS10;
+  return wants_class10 || (info.installed & kBoth) == PwdInfo::PWD_CLASS10 ? PwdInfo::PWD_CLASS10
+                                                                           : PwdInfo::PWD_CLASS9;
+}
+
 std::shared_ptr<KeySource> AddKeyOptions(CLI::App& app) {
   auto source = std::make_shared<KeySource>();
   app.add_flag("--class10", source->class10,
@@ -14,10 +20,8 @@ KeyPassword ReadKeyPassword(Context& context, const KeySource& source) {
   CMiraIntf& mira = context.Ready();
   PwdInfo info;
   mira.GetPwdInfo(info);
-  const bool has_class9 = (info.installed & PwdInfo::PWD_CLASS9) != 0;
-  const bool has_class10 = (info.installed & PwdInfo::PWD_CLASS10) != 0;
   KeyPassword key;
-  if (source.class10 || (has_class10 && !has_class9)) key.type = PwdInfo::PWD_CLASS10;
+  key.type = KeyType(info, source.class10);
   if (source.secret->Given() || (info.installed & key.type) != 0) {
     key.text = ReadSecret(context, *source.secret, "Password : ");
   }

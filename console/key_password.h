@@ -26,6 +26,10 @@ struct KeyPassword {
   PwdInfo::PWDTYPE type = PwdInfo::PWD_CLASS9;
 };
 
+// Which installed password gives the key: class 9's, or the class-10 one where it alone is
+// installed or was asked for.
+PwdInfo::PWDTYPE KeyType(const PwdInfo& info, bool wants_class10);
+
 std::shared_ptr<KeySource> AddKeyOptions(CLI::App& app);
 
 // The password that was given, or, when one is installed, one that is asked for. With --what-if it

@@ -9,13 +9,14 @@
 #include "console/attributes.h"
 #include "console/changes.h"
 #include "console/commands.h"
+#include "console/key_password.h"
 #include "console/passwords.h"
 #include "console/secret_input.h"
 
 namespace mira::console {
 namespace {
 
-constexpr unsigned int kNoKey = 0xFFFFFFFF;
+constexpr unsigned int kNoKey = CPwdContext::kNoKey;
 
 // Where the BIOS password for a write comes from.
 struct PasswordArguments {
@@ -38,11 +39,11 @@ unsigned int ObtainKey(Context& context, CMiraIntf& mira, const PasswordArgument
       mira.GetPwdInfo(info) ? info.installed & (PwdInfo::PWD_CLASS9 | PwdInfo::PWD_CLASS10) : 0;
   const bool is_given = a.secret->Given();
   if (!is_given && (installed == 0 || can_do_without)) return kNoKey;
-  const bool is_class10 = a.class10 || installed == PwdInfo::PWD_CLASS10;
+  const PwdInfo::PWDTYPE type = KeyType(info, a.class10);
   const bytes::SecureString password = ReadSecret(
-      context, *a.secret, is_class10 ? "System password : " : "Setup (administrator) password : ");
-  const unsigned int key =
-      mira.ValidatePwd(password.str(), is_class10 ? PwdInfo::PWD_CLASS10 : PwdInfo::PWD_CLASS9);
+      context, *a.secret,
+      type == PwdInfo::PWD_CLASS10 ? "System password : " : "Setup (administrator) password : ");
+  const unsigned int key = mira.ValidatePwd(password.str(), type);
   if (key == kNoKey) {
     const StatusText& text = Explain(STATUS_SECURITY_KEY_FAILED);
     throw CommandError(text.exit_status, text.name, text.meaning);

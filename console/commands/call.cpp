@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "callif/commands.h"
 #include "console/commands.h"
 #include "console/secret_input.h"
 
@@ -58,9 +59,8 @@ ExitStatus Call(Context& context, const Arguments& a) {
     data.KeyArgIndex = ParseNumber(a.key_arg, "number of an argument word", kArguments, 1);
   }
   CMiraIntf& mira = context.Ready();
-  constexpr std::uint16_t kUncheckedClass = 64;
   const bool shows = context.GetOptions().what_if;
-  if (shows && cls != kUncheckedClass && !IsAnnounced(mira, cls)) {
+  if (shows && cls != callif::kUncheckedClass && !IsAnnounced(mira, cls)) {
     throw CallError(context, cls, select, STATUS_NOT_SUPPORTED, 0);
   }
   const PwdInfo::PWDTYPE type = a.class10 ? PwdInfo::PWD_CLASS10 : PwdInfo::PWD_CLASS9;

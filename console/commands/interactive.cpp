@@ -1,7 +1,5 @@
-#include <algorithm>
 #include <cstdio>
 #include <iostream>
-#include <iterator>
 #include <memory>
 #include <optional>
 
@@ -9,15 +7,15 @@
 #include "buffers/buffer_factory.h"
 #include "buffers/secret_prompt.h"
 #include "bytes/reader.h"
+#include "callif/commands.h"
 #include "console/call.h"
 #include "console/commands.h"
+#include "console/key_password.h"
 #include "console/secret_input.h"
 #include "console/terminal.h"
 
 namespace mira::console {
 namespace {
-
-constexpr std::uint16_t kUncheckedClass = 64;
 
 struct Arguments {
   std::string cls;
@@ -25,16 +23,6 @@ struct Arguments {
   bool class10 = false;
   std::shared_ptr<SecretSource> secret;
 };
-
-struct Pair {
-  std::uint16_t cls;
-  std::uint16_t select;
-  bool operator==(const Pair&) const = default;
-};
-
-// Reads of variable length: a first call tells how many bytes the answer needs.
-constexpr Pair kSizedFirst[] = {{3, 9},   {3, 11},  {11, 8},  {17, 5},
-                                {17, 16}, {17, 18}, {17, 22}, {17, 24}};
 
 // The buffers ask and show on the standard streams. Where the console was given others, these take
 // their place for a scope.
@@ -130,16 +118,14 @@ class TestConsole {
   };
 
   ExitStatus MakeCall(std::uint16_t cls, std::uint16_t select) {
-    if (cls != kUncheckedClass && !IsAnnounced(context_.Ready(), cls)) {
+    if (cls != callif::kUncheckedClass && !IsAnnounced(context_.Ready(), cls)) {
       throw CommandError(kNotSupported, "not-supported",
                          "The firmware does not announce class " + std::to_string(cls) + ".",
                          std::to_string(cls), "'mira info' lists the classes that it announces.");
     }
     std::uint32_t size = 0;
-    const bool is_sized_first = std::find(std::begin(kSizedFirst), std::end(kSizedFirst),
-                                          Pair{cls, select}) != std::end(kSizedFirst);
     Prompted call = Prompt(cls, select, key_, size, true);
-    if (is_sized_first && !context_.GetOptions().what_if) {
+    if (callif::IsProbed({cls, select}) && !context_.GetOptions().what_if) {
       const SMBiosCI asked = *call.record;
       Send(call);
       size = bytes::Reader(call.buffer->Record(), transport::kFixedRecordSize).U32();
@@ -200,13 +186,10 @@ class TestConsole {
 };
 
 std::uint32_t ReadKey(Context& context, const Arguments& a) {
-  constexpr std::uint32_t kNoKey = 0xFFFFFFFF;
   CMiraIntf& mira = context.Ready();
   PwdInfo info;
   mira.GetPwdInfo(info);
-  const bool only_class10 =
-      (info.installed & (PwdInfo::PWD_CLASS9 | PwdInfo::PWD_CLASS10)) == PwdInfo::PWD_CLASS10;
-  const auto type = a.class10 || only_class10 ? PwdInfo::PWD_CLASS10 : PwdInfo::PWD_CLASS9;
+  const PwdInfo::PWDTYPE type = KeyType(info, a.class10);
   bytes::SecureString password;
   if (a.secret->Given()) {
     password = ReadSecret(context, *a.secret, "");
@@ -215,7 +198,7 @@ std::uint32_t ReadKey(Context& context, const Arguments& a) {
   }
   if (password.empty()) return 0;
   const std::uint32_t key = mira.ValidatePwd(password.str(), type);
-  if (key == kNoKey) {
+  if (key == CPwdContext::kNoKey) {
     throw CommandError(kPassword, "password-wrong", "The password was not accepted.");
   }
   return key;

@@ -9,21 +9,9 @@
 namespace mira::callif {
 namespace {
 
-constexpr std::uint16_t kUncheckedClass = 64;
-constexpr std::uint32_t kNoKeyObtained = 0xFFFFFFFF;
-
-// Variable-length reads: a first call without key asks how many bytes there are.
-constexpr Command kProbed[] = {{3, 9},   {3, 11},  {11, 8},  {17, 5},
-                               {17, 16}, {17, 18}, {17, 22}, {17, 24}};
-
 // Legacy boot priorities: a first call fetches what the request needs.
-constexpr Command kLegacyBoot[] = {{3, 3}, {3, 4}};
+constexpr Command kLegacyBootReads[] = {{3, 3}, {3, 4}};
 constexpr Command kLegacyBootInfo = {3, 2};
-
-template <std::size_t N>
-bool Holds(const Command (&commands)[N], Command command) {
-  return std::find(std::begin(commands), std::end(commands), command) != std::end(commands);
-}
 
 }  // namespace
 
@@ -36,19 +24,20 @@ Outcome Dispatch(const Target& target, std::uint16_t cls, std::uint16_t select, 
   if (!password.empty()) {
     CPwdContext context(target.calling, target.buffer_size, target.instance_key);
     key = context.GetSecurityKey(password, class10);
-    if (key == kNoKeyObtained) return Outcome::kNoKey;
+    if (key == CPwdContext::kNoKey) return Outcome::kNoKey;
   }
 
   const Command command{cls, select};
   std::uint32_t size = 0;
-  if (Holds(kProbed, command)) {
+  if (IsProbed(command)) {
     OneCall probe(target, command, 0, size, data);
     if (probe.Sent()) {
       bytes::Reader answer(probe.Buffer().Record(), transport::kFixedRecordSize);
       size = answer.U32();
     }
   }
-  if (Holds(kLegacyBoot, command)) {
+  if (std::find(std::begin(kLegacyBootReads), std::end(kLegacyBootReads), command) !=
+      std::end(kLegacyBootReads)) {
     OneCall info(target, kLegacyBootInfo, 0, size, data);
     if (info.Succeeded()) info.Buffer().ParseOutputBuffer(data);
   }

@@ -12,6 +12,7 @@
 
 #include "buffers/buffer.h"
 #include "callif/calling_interface.h"
+#include "callif/commands.h"
 #include "platform/com_ptr.h"
 
 namespace mira::callif {
@@ -21,12 +22,6 @@ struct Target {
   CCallingInterface& calling;
   std::uint32_t buffer_size;     // of the firmware's transfer buffer, in bytes
   const CComBSTR& instance_key;  // of the WMI instance
-};
-
-struct Command {
-  std::uint16_t cls;
-  std::uint16_t select;
-  bool operator==(const Command&) const = default;
 };
 
 class OneCall {

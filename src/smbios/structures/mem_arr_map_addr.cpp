@@ -1,11 +1,11 @@
+#include "smbios/structures/mapped_address.h"
 #include "smbios/structures/structures.h"
 
 namespace {
 
 using mira::smbios::Field;
+using mira::smbios::HasExtendedAddresses;
 using mira::smbios::Kind;
-
-bool IsExtended(const mira::smbios::StructureView& s) { return s.DWord(4) == 0xFFFFFFFF; }
 
 // DSP0134 7.20. Addresses that their fields cannot hold stand in the extended ones, in bytes.
 constexpr Field kFields[] = {
@@ -13,8 +13,8 @@ constexpr Field kFields[] = {
     {"Ending Address", nullptr, Kind::kDWord},
     {"Memory Array Handle", nullptr, Kind::kWord},
     {"Partition Width", nullptr, Kind::kByte},
-    {"Extended Starting Address", nullptr, Kind::kQWord, {.shown = IsExtended}},
-    {"Extended Ending Address", nullptr, Kind::kQWord, {.shown = IsExtended}},
+    {"Extended Starting Address", nullptr, Kind::kQWord, {.shown = HasExtendedAddresses}},
+    {"Extended Ending Address", nullptr, Kind::kQWord, {.shown = HasExtendedAddresses}},
 };
 
 }  // namespace

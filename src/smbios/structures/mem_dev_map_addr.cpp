@@ -1,11 +1,11 @@
+#include "smbios/structures/mapped_address.h"
 #include "smbios/structures/structures.h"
 
 namespace {
 
 using mira::smbios::Field;
+using mira::smbios::HasExtendedAddresses;
 using mira::smbios::Kind;
-
-bool IsExtended(const mira::smbios::StructureView& s) { return s.DWord(4) == 0xFFFFFFFF; }
 
 // DSP0134 7.21. Addresses that their fields cannot hold stand in the extended ones, in bytes.
 constexpr Field kFields[] = {
@@ -16,8 +16,8 @@ constexpr Field kFields[] = {
     {"Partition Row Position", nullptr, Kind::kByte},
     {"Interleave Position", nullptr, Kind::kByte},
     {"Interleaved Data Depth", nullptr, Kind::kByte},
-    {"Extended Starting Address", nullptr, Kind::kQWord, {.shown = IsExtended}},
-    {"Extended Ending Address", nullptr, Kind::kQWord, {.shown = IsExtended}},
+    {"Extended Starting Address", nullptr, Kind::kQWord, {.shown = HasExtendedAddresses}},
+    {"Extended Ending Address", nullptr, Kind::kQWord, {.shown = HasExtendedAddresses}},
 };
 
 }  // namespace
