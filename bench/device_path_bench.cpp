@@ -9,8 +9,9 @@
 #include <vector>
 
 #include "buffers/buffer_factory.h"
-#include "buffers/device_path_text.h"
+#include "buffers/uefi_boot_data.h"
 #include "bytes/writer.h"
+#include "devicepath/text.h"
 
 namespace {
 
@@ -27,7 +28,7 @@ void Append(std::uint64_t value, std::size_t width, Bytes& bytes) {
 
 // As many load options with the same path, in their order.
 Bytes List(std::uint32_t count) {
-  const Bytes path = *mira::boot::DevicePathFromText(kPath);
+  const Bytes path = *mira::devicepath::DevicePathFromText(kPath);
   Bytes list;
   Append(count, 4, list);
   for (std::uint32_t i = 0; i < count; ++i) Append(i, 2, list);
@@ -60,15 +61,15 @@ void DecodeOptions(benchmark::State& state) {
 BENCHMARK(DecodeOptions)->RangeMultiplier(4)->Range(4, 1024)->Complexity(benchmark::oN);
 
 void WritePath(benchmark::State& state) {
-  const Bytes path = *mira::boot::DevicePathFromText(kPath);
+  const Bytes path = *mira::devicepath::DevicePathFromText(kPath);
   for (auto _ : state) {
-    benchmark::DoNotOptimize(mira::boot::DevicePathText(mira::bytes::ByteSpan(path)));
+    benchmark::DoNotOptimize(mira::devicepath::DevicePathToText(mira::bytes::ByteSpan(path)));
   }
 }
 BENCHMARK(WritePath);
 
 void ReadPath(benchmark::State& state) {
-  for (auto _ : state) benchmark::DoNotOptimize(mira::boot::DevicePathFromText(kPath));
+  for (auto _ : state) benchmark::DoNotOptimize(mira::devicepath::DevicePathFromText(kPath));
 }
 BENCHMARK(ReadPath);
 

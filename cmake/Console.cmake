@@ -8,6 +8,14 @@ file(CREATE_LINK ${MIRA_JSON_DIR}/nlohmann ${MIRA_DEPS_INCLUDE}/nlohmann SYMBOLI
 add_library(mira_deps INTERFACE)
 target_include_directories(mira_deps SYSTEM INTERFACE ${MIRA_DEPS_INCLUDE})
 
+# What every face shares.
+file(GLOB_RECURSE MIRA_CLIENT_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/client/*.cpp)
+add_library(mira_client STATIC ${MIRA_CLIENT_SOURCES})
+target_link_libraries(mira_client PUBLIC mira::api mira_deps PRIVATE mira_quick)
+target_compile_definitions(mira_client PRIVATE MIRA_VERSION="${PROJECT_VERSION}")
+# The two header libraries take most of the time: they are read once for both rooms.
+target_precompile_headers(mira_client PRIVATE <CLI/CLI.hpp> <nlohmann/json.hpp>)
+
 file(GLOB_RECURSE MIRA_CONSOLE_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/console/*.cpp)
 list(FILTER MIRA_CONSOLE_SOURCES EXCLUDE REGEX "/console/main\\.cpp$")
 if(WIN32)
@@ -18,7 +26,8 @@ endif()
 
 add_library(mira_console STATIC ${MIRA_CONSOLE_SOURCES})
 target_compile_definitions(mira_console PUBLIC MIRA_VERSION="${PROJECT_VERSION}")
-target_link_libraries(mira_console PUBLIC mira::api mira_sim mira_deps)
+target_link_libraries(mira_console PUBLIC mira_client mira_sim PRIVATE mira_quick)
+target_precompile_headers(mira_console REUSE_FROM mira_client)
 
 add_executable(mira console/main.cpp)
 target_link_libraries(mira PRIVATE mira_console)
@@ -30,6 +39,3 @@ foreach(source ${MIRA_EXAMPLES})
   add_executable(${name} ${source})
   target_link_libraries(${name} PRIVATE mira::api mira_sim)
 endforeach()
-
-# The two libraries dominate the console's build time.
-target_precompile_headers(mira_console PRIVATE <CLI/CLI.hpp> <nlohmann/json.hpp>)

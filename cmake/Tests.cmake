@@ -9,17 +9,43 @@ file(GLOB MIRA_API_TESTS CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/api/*.cpp)
 
 # Internals, linked statically.
 add_executable(mira_unit_tests ${MIRA_UNIT_TESTS} ${MIRA_TEST_SUPPORT})
-target_link_libraries(mira_unit_tests PRIVATE mira_sim_static mira_static mira_deps gmock gtest_main)
+target_link_libraries(mira_unit_tests PRIVATE mira_sim_static mira_static mira_deps mira_quick gtest gtest_main)
+target_compile_definitions(mira_unit_tests PRIVATE MIRA_TEST_SOURCES="${CMAKE_SOURCE_DIR}/tests")
 
 # What hosts and the console see; on Windows against the DLL.
 add_executable(mira_api_tests ${MIRA_API_TESTS} ${MIRA_TEST_SUPPORT})
-target_link_libraries(mira_api_tests PRIVATE mira_console gmock gtest_main)
+target_link_libraries(mira_api_tests PRIVATE mira_console mira_quick gtest gtest_main)
 target_compile_definitions(mira_api_tests PRIVATE
   MIRA_EXPORTS_FILE="${CMAKE_SOURCE_DIR}/tests/api/exports.txt" MIRA_PROGRAM="$<TARGET_FILE:mira>")
 add_dependencies(mira_api_tests mira)
 
+# The examples at the top of the headers that hosts and tests include must compile; they are not run.
+find_package(Python3 REQUIRED COMPONENTS Interpreter)
+file(STRINGS ${CMAKE_SOURCE_DIR}/cmake/public_headers.txt MIRA_EXAMPLE_HEADERS REGEX "^[^#]")
+file(GLOB MIRA_SIM_HEADERS CONFIGURE_DEPENDS RELATIVE ${CMAKE_SOURCE_DIR} ${CMAKE_SOURCE_DIR}/sim/*.h)
+set(MIRA_EXAMPLE_FILES ${MIRA_EXAMPLE_HEADERS})
+list(TRANSFORM MIRA_EXAMPLE_FILES PREPEND ${CMAKE_SOURCE_DIR}/src/)
+foreach(header ${MIRA_SIM_HEADERS})
+  list(APPEND MIRA_EXAMPLE_FILES ${CMAKE_SOURCE_DIR}/${header})
+endforeach()
+add_custom_command(OUTPUT header_examples.cpp
+  COMMAND Python3::Interpreter ${CMAKE_SOURCE_DIR}/tools/header_examples.py header_examples.cpp
+    tests/examples/context.h ${CMAKE_SOURCE_DIR}/src ${CMAKE_SOURCE_DIR} -- ${MIRA_EXAMPLE_HEADERS} ${MIRA_SIM_HEADERS}
+  DEPENDS ${CMAKE_SOURCE_DIR}/tools/header_examples.py ${CMAKE_SOURCE_DIR}/cmake/public_headers.txt ${MIRA_EXAMPLE_FILES}
+  VERBATIM)
+add_library(mira_header_examples OBJECT ${CMAKE_CURRENT_BINARY_DIR}/header_examples.cpp)
+target_link_libraries(mira_header_examples PRIVATE mira::api mira_sim mira_quick)
+if(NOT MSVC)
+  # Examples name results that nothing uses, and names of their own that a host has, too.
+  set_source_files_properties(${CMAKE_CURRENT_BINARY_DIR}/header_examples.cpp PROPERTIES COMPILE_OPTIONS
+    "-Wno-shadow;-Wno-unused-variable;-Wno-unused-parameter;-Wno-unused-but-set-variable;-Wno-unused-result")
+endif()
+add_dependencies(mira_unit_tests mira_header_examples)
+
+target_precompile_headers(mira_unit_tests PRIVATE <gtest/gtest.h>)
+target_precompile_headers(mira_api_tests PRIVATE <gtest/gtest.h> <CLI/CLI.hpp> <nlohmann/json.hpp>)
+
 foreach(test mira_unit_tests mira_api_tests)
-  target_precompile_headers(${test} PRIVATE <gtest/gtest.h>)
   add_test(NAME ${test}
     COMMAND ${test} --gtest_output=json:results/${test}.json
     WORKING_DIRECTORY ${CMAKE_BINARY_DIR})

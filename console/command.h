@@ -16,31 +16,29 @@
 #include <memory>
 #include <ostream>
 #include <sstream>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "client/error.h"
+#include "client/session.h"
 #include "console/exit_status.h"
 #include "console/output.h"
 #include "facade/mira_intf.h"
+#include "sim/kept_machine.h"
 #include "sim/machine.h"
 
 namespace mira::console {
 
-// What ended a command early. The program prints it as a sentence, or as the error document, and
-// ends with `status`.
-struct CommandError : std::runtime_error {
+// What ended a command early, with a hint of the program's own. The program prints it as a
+// sentence, or as the error document, and ends with `status`.
+struct CommandError : client::Error {
   CommandError(ExitStatus exit_status, std::string error_name, const std::string& message,
                std::string error_target = "", std::string error_hint = "")
-      : std::runtime_error(message),
-        status(exit_status),
-        name(std::move(error_name)),
-        target(std::move(error_target)),
+      : Error(exit_status, std::move(error_name), message, std::move(error_target)),
         hint(std::move(error_hint)) {}
-  ExitStatus status;
-  std::string name;    // "not-found", for programs
-  std::string target;  // what it was about, if one thing
-  std::string hint;    // what to do
+  CommandError(const client::Error& error, std::string error_hint)
+      : Error(error), hint(std::move(error_hint)) {}
+  std::string hint;  // what to do
 };
 
 struct Options {
@@ -55,7 +53,7 @@ struct Options {
 
 // A facade and what its Init said.
 struct Opened {
-  std::unique_ptr<CMiraIntf> mira;
+  CMiraIntf* mira = nullptr;
   Status status = STATUS_FAILURE;
   std::vector<std::string> diagnostics;  // the lines that the facade wrote
 };
@@ -77,9 +75,14 @@ class Context {
   std::filesystem::path MachineFile() const;
   // Throws CommandError when the machine that was kept could not be read back.
   void CheckMachine() const;
-  // Keeps the simulated machine for later commands, if the command has changed it. Throws
-  // CommandError when it cannot be written.
-  void KeepMachine();
+  // Throws CommandError when the last call on a simulated machine could not be kept.
+  void CheckKept() const;
+
+  // The machine as the client layer works with it.
+  client::Session& GetSession();
+  // How far a long command is, on the terminal.
+  void ShowProgress(const std::string& what, std::size_t done, std::size_t total);
+  void ClearProgress();
 
   // Runs Init once and gives the facade, whatever Init said. Attributes may come with their display
   // and help texts.
@@ -101,9 +104,10 @@ class Context {
   std::ostream& out_;
   std::unique_ptr<sim::Machine> machine_;
   std::unique_ptr<sim::Session> session_;
-  std::size_t changes_before_ = 0;
-  bool machine_is_unreadable_ = false;
-  std::ostringstream diagnostics_;
+  std::unique_ptr<sim::KeptMachine> kept_;
+  std::string unreadable_;
+  std::unique_ptr<client::Session> client_;
+  std::string progress_line_;
   Opened opened_;
 };
 
@@ -114,16 +118,20 @@ class Command {
  public:
   // Runs `action` when the arguments name `app`.
   void Run(CLI::App& app, Action action);
+  void Choose(Action action) { chosen_ = std::move(action); }
   const Action& Chosen() const { return chosen_; }
 
  private:
   Action chosen_;
 };
 
+// The first word of a command. Where `add` is missing, the verbs are those of the client layer's
+// commands that begin with the name.
 struct Noun {
   const char* name;
   const char* description;
   void (*add)(CLI::App& app, Command& command);
+  const char* footer = "";
 };
 // All commands, in the order of the help text.
 const std::vector<Noun>& Nouns();
@@ -153,6 +161,11 @@ std::string Suggest(const std::string& word, const std::vector<std::string>& nam
 
 // {"code", "name", "message", "target", "hint"}
 Json ErrorJson(const CommandError& error);
+
+// The error with the program's own hint for one of that name.
+CommandError WithHint(const client::Error& error, const Options& options);
+// "mira", with the options that name the machine.
+std::string ProgramText(const Options& options);
 
 // The program: arguments without the program's name. Gives the exit status. `machines` is the
 // folder that simulated machines are kept in between commands; without one each command gets a new

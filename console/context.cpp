@@ -1,78 +1,119 @@
-#include <charconv>
-#include <fstream>
+#include <algorithm>
 #include <iostream>
 #include <string_view>
 
-#include "bytes/secure.h"
+#include "bytes/text.h"
 #include "console/command.h"
-#include "console/input_file.h"
 #include "console/terminal.h"
 #include "facade/process_state.h"
+#include "sim/profile_file.h"
 
 namespace mira::console {
+namespace {
+
+// A simulated machine's time stands still at the newest entry of its log, so that what is written
+// there is the same whenever it is.
+std::string SimulatedTime(const sim::Profile& profile) {
+  const auto two = [](unsigned number) {
+    return std::string(number < 10 ? "0" : "") + std::to_string(number);
+  };
+  std::string newest = "2026-01-01T00:00:00Z";
+  for (const sim::LogEntry& entry : profile.log) {
+    const auto& [month, day, hour, minute, second] = entry.time;
+    newest = std::max(newest, std::to_string(entry.year) + "-" + two(month) + "-" + two(day) + "T" +
+                                  two(hour) + ":" + two(minute) + ":" + two(second) + "Z");
+  }
+  return newest;
+}
+
+constexpr std::string_view kProfileFile = ".json";
+
+// A machine that comes along, by its name, or one that a file describes.
+sim::Profile ChosenProfile(const std::string& name) {
+  if (const sim::Profile* const profile = sim::FindProfile(name)) return *profile;
+  if (name.ends_with(kProfileFile)) {
+    try {
+      return sim::LoadProfile(ToPath(name));
+    } catch (const sim::StateError& error) {
+      throw CommandError(kInvalidValue, "bad-profile",
+                         "'" + name + "' describes no simulated machine: " + error.what() + ".",
+                         name);
+    }
+  }
+  std::string known;
+  for (const sim::Profile& p : sim::Profiles()) known += (known.empty() ? "" : ", ") + p.name;
+  throw CommandError(
+      kNotFound, "unknown-profile", "There is no simulated machine called '" + name + "'.", name,
+      "The machines are: " + known + ". A file that ends in .json describes one, too.");
+}
+
+// What a machine's file is called: machines of different files stay apart.
+std::string MachineName(const std::string& profile) {
+  if (!profile.ends_with(kProfileFile)) return profile;
+  const std::filesystem::path file = std::filesystem::absolute(ToPath(profile));
+  std::uint32_t hash = 2166136261;
+  for (const char c : PathText(file)) hash = (hash ^ static_cast<unsigned char>(c)) * 16777619;
+  return PathText(file.stem()) + "-" + bytes::HexNumber(hash, 8);
+}
+
+}  // namespace
 
 Context::Context(Options options, std::istream& in, std::ostream& out)
     : options_(std::move(options)), in_(in), out_(out) {
   if (!options_.simulated) return;
-  const sim::Profile* const profile = sim::FindProfile(options_.profile);
-  if (profile == nullptr) {
-    std::string known;
-    for (const sim::Profile& p : sim::Profiles()) known += (known.empty() ? "" : ", ") + p.name;
-    throw CommandError(kNotFound, "unknown-profile",
-                       "There is no simulated machine called '" + options_.profile + "'.",
-                       options_.profile, "The machines are: " + known + ".");
-  }
-  machine_ = std::make_unique<sim::Machine>(*profile);
-  std::error_code error;
-  if (const auto file = MachineFile(); std::filesystem::exists(file, error)) {
-    machine_is_unreadable_ = !machine_->RestoreState(LoadFile(PathText(file)));
-    changes_before_ = machine_->Changes();
+  machine_ = std::make_unique<sim::Machine>(ChosenProfile(options_.profile));
+  if (const auto file = MachineFile(); !file.empty()) {
+    try {
+      kept_ = std::make_unique<sim::KeptMachine>(*machine_, file);
+    } catch (const sim::StateError& error) {
+      unreadable_ = error.what();
+    }
   }
   session_ = std::make_unique<sim::Session>(*machine_);
 }
 
+client::Session& Context::GetSession() {
+  if (client_) return *client_;
+  CheckMachine();
+  client_ = std::make_unique<client::Session>(
+      [this](const std::string& what, std::size_t done, std::size_t total) {
+        ShowProgress(what, done, total);
+        return true;
+      });
+  if (machine_) {
+    client_->SetSimulated(options_.profile);
+    client_->SetClock([this] { return SimulatedTime(machine_->GetProfile()); });
+  }
+  return *client_;
+}
+
 Context::~Context() {
-  opened_.mira.reset();
+  client_.reset();
   session_.reset();
+  kept_.reset();
   ResetProcessState();
 }
 
 std::filesystem::path Context::MachineFile() const {
   if (!machine_ || options_.machines.empty()) return {};
-  return options_.machines / (options_.profile + ".machine");
+  return options_.machines / ToPath(MachineName(options_.profile) + ".machine");
 }
 
 void Context::CheckMachine() const {
-  if (!machine_is_unreadable_) return;
+  if (unreadable_.empty()) return;
   const std::string file = PathText(MachineFile());
   throw CommandError(kUnexpected, "machine-unreadable",
-                     "The simulated machine in '" + file + "' cannot be read.", file,
-                     "'mira --sim=" + options_.profile + " sim reset' starts over with a new one.");
+                     "The simulated machine in '" + file + "' cannot be read: " + unreadable_, file,
+                     "'mira --sim=" + options_.profile +
+                         " sim reset' starts over with a new one; MIRA_SIM_STATE names another "
+                         "folder, or none.");
 }
 
-void Context::KeepMachine() {
-  const std::filesystem::path file = MachineFile();
-  if (file.empty() || machine_is_unreadable_ || machine_->Changes() == changes_before_) return;
-  std::error_code error;
-  std::filesystem::create_directories(file.parent_path(), error);
-  // Written beside and moved there, so that a command that is interrupted leaves a whole machine.
-  std::filesystem::path fresh = file;
-  fresh += ".new";
-  std::vector<std::uint8_t> saved = machine_->SaveState();
-  std::ofstream out(fresh, std::ios::binary | std::ios::trunc);
-  std::filesystem::permissions(
-      fresh, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write, error);
-  out.write(reinterpret_cast<const char*>(saved.data()),
-            static_cast<std::streamsize>(saved.size()));
-  out.close();
-  bytes::Wipe(saved.data(), saved.size());
-  if (out) std::filesystem::rename(fresh, file, error);
-  if (!out || error) {
-    throw CommandError(kUnexpected, "machine-not-kept",
-                       "The simulated machine could not be written to '" + PathText(file) + "'.",
-                       PathText(file), "MIRA_SIM_STATE names another folder, or none.");
-  }
-  changes_before_ = machine_->Changes();
+void Context::CheckKept() const {
+  if (!kept_ || kept_->Problem().empty()) return;
+  throw CommandError(kUnexpected, "machine-not-kept",
+                     "The simulated machine could not be kept: " + kept_->Problem(),
+                     PathText(MachineFile()), "MIRA_SIM_STATE names another folder, or none.");
 }
 
 bool Context::IsInteractive() const {
@@ -80,11 +121,11 @@ bool Context::IsInteractive() const {
 }
 
 Opened& Context::Open(bool load_attributes, bool load_texts) {
-  if (opened_.mira) return opened_;
-  CheckMachine();
-  opened_.mira = std::make_unique<CMiraIntf>(diagnostics_);
-  opened_.status = opened_.mira->Init(load_attributes, load_texts, load_texts);
-  opened_.diagnostics = TakeDiagnostics();
+  if (opened_.mira != nullptr) return opened_;
+  client::Session& session = GetSession();
+  opened_.status = session.Open(load_attributes, load_texts);
+  opened_.mira = &session.Mira();
+  opened_.diagnostics = session.StartLines();
   return opened_;
 }
 
@@ -94,12 +135,24 @@ CMiraIntf& Context::Ready(bool load_attributes, bool load_texts) {
   return *opened.mira;
 }
 
-std::vector<std::string> Context::TakeDiagnostics() {
-  std::vector<std::string> lines;
-  std::istringstream text(diagnostics_.str());
-  for (std::string line; std::getline(text, line);) lines.push_back(ToUtf8(line));
-  diagnostics_.str("");
-  return lines;
+std::vector<std::string> Context::TakeDiagnostics() { return GetSession().TakeDiagnostics(); }
+
+void Context::ShowProgress(const std::string& what, std::size_t done, std::size_t total) {
+  if (!IsInteractive() || total == 0) return;
+  constexpr std::size_t kNarrow = 40;
+  const std::uint64_t percent = std::uint64_t{done} * 100 / total;
+  std::string line = what.substr(0, kNarrow - 7) + ": " + std::to_string(percent) + " %";
+  if (line == progress_line_) return;
+  const std::size_t before = progress_line_.size();
+  const std::size_t rest = before > line.size() ? before - line.size() : 0;
+  WriteToTerminal("\r" + line + std::string(rest, ' '));
+  progress_line_ = std::move(line);
+}
+
+void Context::ClearProgress() {
+  if (progress_line_.empty()) return;
+  WriteToTerminal("\r" + std::string(progress_line_.size(), ' ') + "\r");
+  progress_line_.clear();
 }
 
 void Context::Print(const Json& document) {
@@ -122,28 +175,20 @@ void Command::Run(CLI::App& app, Action action) {
 }
 
 Json ErrorJson(const CommandError& error) {
-  return {{"code", static_cast<int>(error.status)},
-          {"name", error.name},
-          {"message", ToUtf8(std::string_view(error.what()))},
-          {"target", ToUtf8(std::string_view(error.target))},
-          {"hint", ToUtf8(std::string_view(error.hint))}};
+  Json json = client::ToJson(error);
+  json["hint"] = ToUtf8(error.hint);
+  return json;
 }
 
 std::uint32_t ParseNumber(const std::string& text, const std::string& what, std::uint32_t largest,
                           std::uint32_t smallest) {
-  std::string_view digits = text;
-  const bool is_hex = digits.starts_with("0x") || digits.starts_with("0X");
-  if (is_hex) digits.remove_prefix(2);
-  std::uint32_t value = 0;
-  const auto [end, error] =
-      std::from_chars(digits.data(), digits.data() + digits.size(), value, is_hex ? 16 : 10);
-  if (error != std::errc() || end != digits.data() + digits.size() || value < smallest ||
-      value > largest) {
+  const auto value = bytes::ParseNumber(text, largest);
+  if (!value || *value < smallest) {
     throw CommandError(kUsage, "bad-number", "'" + text + "' is no " + what + ".", text,
                        "A number from " + std::to_string(smallest) + " to " +
                            std::to_string(largest) + " is wanted, in decimal or with 0x.");
   }
-  return value;
+  return static_cast<std::uint32_t>(*value);
 }
 
 }  // namespace mira::console

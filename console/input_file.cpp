@@ -1,5 +1,6 @@
 #include "console/input_file.h"
 
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -24,8 +25,10 @@ std::vector<std::uint8_t> ReadAll(std::istream& in) {
 }  // namespace
 
 std::vector<std::uint8_t> LoadFile(const std::string& path) {
+  std::error_code error;
   std::ifstream file(ToPath(path), std::ios::binary);
-  if (!file) {
+  // A folder may be opened like a file, and fails only when it is read.
+  if (!file || std::filesystem::is_directory(ToPath(path), error)) {
     throw CommandError(kNotFound, "no-file", "The file '" + path + "' cannot be read.", path);
   }
   return ReadAll(file);

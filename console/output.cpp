@@ -1,59 +1,11 @@
 #include "console/output.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
+
+#include "bytes/text.h"
 
 namespace mira::console {
 namespace {
-
-void AppendUtf8(std::string& out, char32_t c) {
-  if (c < 0x80) {
-    out += static_cast<char>(c);
-  } else if (c < 0x800) {
-    out += static_cast<char>(0xC0 | c >> 6);
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  } else if (c < 0x10000) {
-    out += static_cast<char>(0xE0 | c >> 12);
-    out += static_cast<char>(0x80 | (c >> 6 & 0x3F));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  } else {
-    out += static_cast<char>(0xF0 | (c >> 18 & 0x07));
-    out += static_cast<char>(0x80 | (c >> 12 & 0x3F));
-    out += static_cast<char>(0x80 | (c >> 6 & 0x3F));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  }
-}
-
-// The forms of RFC 3629: how the second byte is bounded depends on the first.
-bool IsUtf8(std::string_view text) {
-  struct Form {
-    unsigned char first, last;
-    unsigned char second_from, second_to;
-    std::size_t length;
-  };
-  static constexpr Form kForms[] = {
-      {0x00, 0x7F, 0x00, 0x00, 1}, {0xC2, 0xDF, 0x80, 0xBF, 2}, {0xE0, 0xE0, 0xA0, 0xBF, 3},
-      {0xE1, 0xEC, 0x80, 0xBF, 3}, {0xED, 0xED, 0x80, 0x9F, 3}, {0xEE, 0xEF, 0x80, 0xBF, 3},
-      {0xF0, 0xF0, 0x90, 0xBF, 4}, {0xF1, 0xF3, 0x80, 0xBF, 4}, {0xF4, 0xF4, 0x80, 0x8F, 4},
-  };
-  for (std::size_t i = 0; i < text.size();) {
-    const auto at = [text, i](std::size_t offset) {
-      return static_cast<unsigned char>(text[i + offset]);
-    };
-    const auto* const form = std::find_if(std::begin(kForms), std::end(kForms), [&](const Form& f) {
-      return at(0) >= f.first && at(0) <= f.last;
-    });
-    if (form == std::end(kForms) || text.size() - i < form->length) return false;
-    for (std::size_t k = 1; k < form->length; ++k) {
-      const unsigned char from = k == 1 ? form->second_from : 0x80;
-      const unsigned char to = k == 1 ? form->second_to : 0xBF;
-      if (at(k) < from || at(k) > to) return false;
-    }
-    i += form->length;
-  }
-  return true;
-}
 
 // Columns are counted in characters, not in bytes.
 std::size_t Width(std::string_view utf8) {
@@ -62,38 +14,47 @@ std::size_t Width(std::string_view utf8) {
   }));
 }
 
+char32_t CodePoint(std::string_view character) {
+  const auto first = static_cast<unsigned char>(character.front());
+  if (character.size() == 1) return first;
+  constexpr unsigned kFirstBits[] = {0, 0, 0x1F, 0x0F, 0x07};
+  char32_t code = first & kFirstBits[std::min<std::size_t>(character.size(), 4)];
+  for (const char c : character.substr(1)) code = code << 6 | (static_cast<unsigned>(c) & 0x3F);
+  return code;
+}
+
+bool IsHarmless(char32_t code) {
+  const bool is_control = code < 0x20 || (code >= 0x7F && code < 0xA0);
+  const bool turns_direction = code == 0x061C || code == 0x200E || code == 0x200F ||
+                               (code >= 0x202A && code <= 0x202E) ||
+                               (code >= 0x2066 && code <= 0x2069);
+  const bool breaks_line = code == 0x2028 || code == 0x2029;
+  return !is_control && !turns_direction && !breaks_line;
+}
+
+std::string EscapeOf(char32_t code) {
+  return code < 0x100 ? "\\x" + bytes::HexNumber(code, 2) : "\\u" + bytes::HexNumber(code, 4);
+}
+
 }  // namespace
 
 std::string Hex(std::uint64_t value, int digits) {
-  std::array<char, 16> buffer{};
-  const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, 16).ptr;
-  const std::string text(buffer.data(), end);
-  const std::size_t width = static_cast<std::size_t>(digits);
-  return "0x" + std::string(text.size() < width ? width - text.size() : 0, '0') + text;
+  return "0x" + bytes::HexNumber(value, static_cast<std::size_t>(digits));
 }
 
-std::string ToUtf8(std::string_view text) {
-  if (IsUtf8(text)) return std::string(text);
-  std::string result;
-  for (const char c : text) AppendUtf8(result, static_cast<unsigned char>(c));
-  return result;
-}
-
-std::string ToUtf8(std::wstring_view text) {
-  constexpr char32_t kReplacement = 0xFFFD;
-  std::string result;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    char32_t c = static_cast<char32_t>(text[i]);
-    const char32_t next = i + 1 < text.size() ? static_cast<char32_t>(text[i + 1]) : 0;
-    if (c >= 0xD800 && c < 0xDC00 && next >= 0xDC00 && next < 0xE000) {
-      c = 0x10000 + ((c - 0xD800) << 10) + (next - 0xDC00);
-      ++i;
-    } else if ((c >= 0xD800 && c < 0xE000) || c > 0x10FFFF) {
-      c = kReplacement;
-    }
-    AppendUtf8(result, c);
+std::string Escaped(std::string_view text) {
+  const std::string utf8 = ToUtf8(text);
+  std::string escaped;
+  escaped.reserve(utf8.size());
+  for (std::size_t i = 0; i < utf8.size();) {
+    std::size_t end = i + 1;
+    while (end < utf8.size() && (static_cast<unsigned char>(utf8[end]) & 0xC0) == 0x80) ++end;
+    const std::string_view character = std::string_view(utf8).substr(i, end - i);
+    const char32_t code = CodePoint(character);
+    escaped += IsHarmless(code) ? std::string(character) : EscapeOf(code);
+    i = end;
   }
-  return result;
+  return escaped;
 }
 
 std::filesystem::path ToPath(const std::string& utf8) {
@@ -106,12 +67,16 @@ std::string PathText(const std::filesystem::path& path) {
 }
 
 void WriteTable(std::ostream& out, const Rows& rows, const std::vector<std::size_t>& right) {
+  Rows cells = rows;
   std::vector<std::size_t> widths;
-  for (const auto& row : rows) {
+  for (auto& row : cells) {
     if (widths.size() < row.size()) widths.resize(row.size());
-    for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], Width(row[i]));
+    for (std::size_t i = 0; i < row.size(); ++i) {
+      row[i] = Escaped(row[i]);
+      widths[i] = std::max(widths[i], Width(row[i]));
+    }
   }
-  for (const auto& row : rows) {
+  for (const auto& row : cells) {
     std::string line;
     for (std::size_t i = 0; i < row.size(); ++i) {
       const std::string padding(widths[i] - Width(row[i]), ' ');
@@ -122,8 +87,6 @@ void WriteTable(std::ostream& out, const Rows& rows, const std::vector<std::size
   }
 }
 
-void WriteJson(std::ostream& out, const Json& document) {
-  out << document.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
-}
+void WriteJson(std::ostream& out, const Json& document) { out << client::ToText(document); }
 
 }  // namespace mira::console

@@ -2,12 +2,14 @@
 #include <iostream>
 #include <iterator>
 #include <map>
-#include <numeric>
 #include <string>
 #include <string_view>
+#include <typeinfo>
 #include <vector>
 
+#include "client/nearest.h"
 #include "console/command.h"
+#include "console/grammar.h"
 #include "console/terminal.h"
 #include "transport/com_error.h"
 
@@ -41,7 +43,8 @@ std::string ProgramFooter() {
          "\n"
          "Exit status: 0 done, 1 unexpected, 2 usage, 3 not found, 4 not supported, 5 password\n"
          "needed or wrong, 6 invalid value, 7 administrator rights needed, 8 confirmation\n"
-         "needed, 9 transport failed, 10 applied in part, 11 refused by the firmware.";
+         "needed, 9 transport failed, 10 applied in part, 11 refused by the firmware, 12 differs\n"
+         "(where a check was asked for).";
 }
 
 // The global options may stand anywhere before "--"; the rest goes to the parser. Fills `options`
@@ -74,21 +77,6 @@ void TakeGlobalOptions(std::vector<std::string>& arguments, Options& options) {
   if (real && options.simulated) {
     throw CommandError(kUsage, "usage", "--sim and --real exclude each other.");
   }
-}
-
-std::size_t Distance(const std::string& a, const std::string& b) {
-  std::vector<std::size_t> row(b.size() + 1);
-  std::iota(row.begin(), row.end(), std::size_t{0});
-  for (std::size_t i = 1; i <= a.size(); ++i) {
-    std::size_t diagonal = row[0];
-    row[0] = i;
-    for (std::size_t j = 1; j <= b.size(); ++j) {
-      const std::size_t substituted = diagonal + (a[i - 1] == b[j - 1] ? 0 : 1);
-      diagonal = row[j];
-      row[j] = std::min({row[j] + 1, row[j - 1] + 1, substituted});
-    }
-  }
-  return row.back();
 }
 
 std::string FullName(const CLI::App& app) {
@@ -145,6 +133,11 @@ void CheckNames(const CLI::App& root, const std::vector<std::string>& arguments)
     }
     if (commands.empty()) continue;
     const auto found = commands.find(*argument);
+    if (found == commands.end() && app == &root && sim::FindProfile(*argument) != nullptr) {
+      throw CommandError(kUsage, "unknown-command",
+                         "'" + FullName(*app) + "' has no command '" + *argument + "'.", *argument,
+                         "Did you mean '--sim=" + *argument + "'?");
+    }
     if (found == commands.end()) {
       throw CommandError(kUsage, "unknown-command",
                          "'" + FullName(*app) + "' has no command '" + *argument + "'.", *argument,
@@ -152,6 +145,15 @@ void CheckNames(const CLI::App& root, const std::vector<std::string>& arguments)
     }
     app = found->second;
   }
+}
+
+// "-h" and "mira help COMMAND" are asked as "--help".
+void TakeHelp(std::vector<std::string>& arguments) {
+  const auto end = std::find(arguments.begin(), arguments.end(), "--");
+  std::replace(arguments.begin(), end, std::string("-h"), std::string("--help"));
+  if (arguments.empty() || arguments.front() != "help") return;
+  arguments.erase(arguments.begin());
+  arguments.emplace_back("--help");
 }
 
 void PrintText(const char* name, const std::string& text, const Options& options,
@@ -180,10 +182,15 @@ ExitStatus Run(std::vector<std::string> arguments, const Options& options, std::
   Command command;
   for (const Noun& noun : Nouns()) {
     CLI::App& added = *app.add_subcommand(noun.name, noun.description);
-    noun.add(added, command);
+    if (noun.add != nullptr) {
+      noun.add(added, command);
+    } else {
+      AddClientCommands(added, noun.name, command);
+    }
     added.footer(added.get_footer() + "\n\n" + kCommonOptions);
   }
 
+  TakeHelp(arguments);
   if (arguments.empty()) arguments = {"--help"};
   CheckNames(app, arguments);
   std::reverse(arguments.begin(), arguments.end());
@@ -203,16 +210,15 @@ ExitStatus Run(std::vector<std::string> arguments, const Options& options, std::
     throw CommandError(kUsage, "usage", message, "", "--help shows how it is used.");
   }
   Context context(options, in, out);
-  // A command that failed may have changed the machine, too: a wrong password is counted.
-  ExitStatus status = kUnexpected;
+  // What a command says of calls that could not be kept is not the cause.
   try {
-    status = command.Chosen()(context);
-  } catch (...) {
-    context.KeepMachine();
+    const ExitStatus status = command.Chosen()(context);
+    context.CheckKept();
+    return status;
+  } catch (const CommandError&) {
+    context.CheckKept();
     throw;
   }
-  context.KeepMachine();
-  return status;
 }
 
 void PrintError(const CommandError& error, const Options& options, std::ostream& out,
@@ -233,14 +239,8 @@ void PrintError(const CommandError& error, const Options& options, std::ostream&
 
 std::string Suggest(const std::string& word, const std::vector<std::string>& names,
                     const std::string& otherwise) {
-  constexpr std::size_t kNear = 2;
-  constexpr std::size_t kLongestWord = 64;
-  if (word.size() > kLongestWord) return otherwise;
-  const auto nearest = std::min_element(
-      names.begin(), names.end(),
-      [&word](const auto& a, const auto& b) { return Distance(word, a) < Distance(word, b); });
-  if (nearest == names.end() || Distance(word, *nearest) > kNear) return otherwise;
-  return "Did you mean '" + *nearest + "'?";
+  const auto nearest = client::Nearest(word, names);
+  return nearest ? "Did you mean '" + *nearest + "'?" : otherwise;
 }
 
 int RunConsole(const std::vector<std::string>& arguments, std::istream& in, std::ostream& out,
@@ -265,14 +265,22 @@ int RunConsole(const std::vector<std::string>& arguments, std::istream& in, std:
     } else {
       status = Run(rest, options, in, out);
     }
-  } catch (const CommandError& error) {
-    status = fail(error);
+  } catch (const client::Error& error) {
+    status = fail(WithHint(error, options));
   } catch (const transport::ComError&) {
     status = fail(CommandError(kUnexpected, "out-of-memory", "The system ran out of memory."));
+  } catch (const std::bad_cast&) {
+    status = fail(CommandError(kUnexpected, "unexpected",
+                               "The command met data of a kind that it does not take."));
   } catch (const std::exception& error) {
-    status = fail(CommandError(kUnexpected, "unexpected", error.what()));
+    status = fail(CommandError(kUnexpected, "unexpected",
+                               std::string("The program failed unexpectedly: ") + error.what()));
   }
   out.flush();
+  if (!out) {
+    err << "mira: The output could not be written: what was asked for is not there.\n";
+    if (status == kDone) status = kUnexpected;
+  }
   return status;
 }
 

@@ -22,6 +22,9 @@ bool ReadLine(std::istream& in, bytes::SecureString& line) {
     line.str().push_back(c);
   }
   if (line.str().ends_with('\r')) line.str().pop_back();
+  // What marks a file as UTF-8 is no part of its text.
+  constexpr std::string_view kMark = "\xEF\xBB\xBF";
+  if (line.str().starts_with(kMark)) line.str().erase(0, kMark.size());
   return true;
 }
 
@@ -44,8 +47,7 @@ CommandError Unreadable(const SecretSource& source, const std::string& target) {
   const bool is_password = source.name.ends_with("password");
   const std::string kind = is_password ? "password" : source.name;
   std::error_code error;
-  const bool is_missing = !source.from_stdin && !source.file.empty() &&
-                          !std::filesystem::exists(ToPath(source.file), error);
+  const bool is_missing = source.file && !std::filesystem::exists(ToPath(*source.file), error);
   const ExitStatus status = is_password ? kPassword : is_missing ? kNotFound : kInvalidValue;
   return CommandError(status, kind + "-unreadable",
                       "No " + kind + " could be read from '" + target + "'.", target);
@@ -58,10 +60,13 @@ std::shared_ptr<SecretSource> AddSecretOptions(CLI::App& app, const std::string&
   source->name = name;
   CLI::Option* const from_stdin = app.add_flag("--" + name + "-stdin", source->from_stdin,
                                                "take it from the first line of standard input");
-  CLI::Option* const file =
-      app.add_option("--" + name + "-file", source->file, "take it from the first line of a file");
-  CLI::Option* const variable = app.add_option("--" + name + "-env", source->variable,
-                                               "take it from an environment variable, by name");
+  // An empty name was given, too: it is one that cannot be read.
+  CLI::Option* const file = app.add_option_function<std::string>(
+      "--" + name + "-file", [source](const std::string& path) { source->file = path; },
+      "take it from the first line of a file");
+  CLI::Option* const variable = app.add_option_function<std::string>(
+      "--" + name + "-env", [source](const std::string& text) { source->variable = text; },
+      "take it from an environment variable, by name");
   from_stdin->excludes(file)->excludes(variable);
   file->excludes(variable);
   for (CLI::Option* const option : {from_stdin, file, variable}) {
@@ -91,13 +96,14 @@ bytes::SecureString ReadSecret(Context& context, const SecretSource& source,
   std::string target;
   if (source.from_stdin) {
     target = "standard input";
-    read = ReadLine(context.In(), secret);
-  } else if (!source.file.empty()) {
-    target = source.file;
-    read = ReadFile(source.file, secret);
-  } else if (!source.variable.empty()) {
-    target = source.variable;
-    read = ReadVariable(source.variable, secret);
+    const bool is_typed = &context.In() == &std::cin && StandardInputIsTerminal();
+    read = is_typed ? ReadWithoutEcho(prompt, secret) : ReadLine(context.In(), secret);
+  } else if (source.file) {
+    target = *source.file;
+    read = ReadFile(*source.file, secret);
+  } else if (source.variable) {
+    target = *source.variable;
+    read = ReadVariable(*source.variable, secret);
   } else if (!context.IsInteractive() || !ReadWithoutEcho(prompt, secret)) {
     throw CommandError(kPassword, "password-needed", "A password is needed.", "",
                        "Without a terminal, give it by " + OptionNames(source) + ".");

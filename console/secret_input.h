@@ -7,6 +7,7 @@
 //   bytes::SecureString password = ReadSecret(context, *source, "Password : ");
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "bytes/secure.h"
@@ -17,9 +18,9 @@ namespace mira::console {
 struct SecretSource {
   std::string name = "password";  // of the options
   bool from_stdin = false;
-  std::string file;
-  std::string variable;
-  bool Given() const { return from_stdin || !file.empty() || !variable.empty(); }
+  std::optional<std::string> file;
+  std::optional<std::string> variable;
+  bool Given() const { return from_stdin || file || variable; }
 };
 
 // The options are called "--NAME-stdin", "--NAME-file" and "--NAME-env". Of two secrets taken from

@@ -36,17 +36,33 @@ SilentOutput::~SilentOutput() {
   _close(before_);
 }
 
+namespace {
+
+// Somebody who interrupts a prompt wants to see again what is typed.
+DWORD shown = 0;
+
+BOOL WINAPI ShowAndEnd(DWORD) {
+  SetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), shown);
+  return FALSE;  // the usual end follows
+}
+
+}  // namespace
+
 NoEcho::NoEcho() {
   const HANDLE console = GetStdHandle(STD_INPUT_HANDLE);
   DWORD mode = 0;
   if (GetConsoleMode(console, &mode) == 0) return;
   if (SetConsoleMode(console, mode & ~static_cast<DWORD>(ENABLE_ECHO_INPUT)) != 0) {
     before_ = std::make_unique<Mode>(Mode{mode});
+    shown = mode;
+    SetConsoleCtrlHandler(ShowAndEnd, TRUE);
   }
 }
 
 NoEcho::~NoEcho() {
-  if (before_) SetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), before_->value);
+  if (!before_) return;
+  SetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), before_->value);
+  SetConsoleCtrlHandler(ShowAndEnd, FALSE);
 }
 
 }  // namespace mira::console

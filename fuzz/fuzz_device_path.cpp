@@ -11,11 +11,13 @@
 #include <sstream>
 
 #include "buffers/buffer_factory.h"
-#include "buffers/device_path_text.h"
 #include "buffers/legacy_bbs_data.h"
+#include "buffers/uefi_boot_data.h"
 #include "bytes/reader.h"
 #include "bytes/utf16.h"
 #include "bytes/writer.h"
+#include "devicepath/load_option.h"
+#include "devicepath/text.h"
 
 namespace {
 
@@ -26,7 +28,7 @@ constexpr std::uint32_t kTransferSize = 64 * 1024;
 // What goes to a screen must be UTF-8, and must not upset the reader of texts.
 void Use(const std::string& text) {
   if (!mira::bytes::Utf16(text)) std::abort();
-  mira::boot::DevicePathFromText(text);
+  mira::devicepath::DevicePathFromText(text);
 }
 
 // The answer of one command of class 3 to a request.
@@ -54,7 +56,7 @@ void Options(ByteSpan bytes) {
     options.IsUEFI = is_uefi;
     Answer(11, bytes, options);
     for (const CUEFILOList::LoadOption& option : options.Options) {
-      Use(mira::boot::DevicePathText(option.FilePath));
+      Use(mira::devicepath::DevicePathToText(option.FilePath));
     }
   }
 }
@@ -68,16 +70,34 @@ void Priorities(ByteSpan bytes) {
   Answer(3, in.Rest(), data);
 }
 
-void Path(ByteSpan bytes) { Use(mira::boot::DevicePathText(bytes)); }
+// No byte of a list of paths is lost.
+void Path(ByteSpan bytes) {
+  std::size_t size = 0;
+  for (const auto& path : mira::devicepath::DecodePaths(bytes)) {
+    Use(path.text);
+    size += path.bytes.size();
+  }
+  if (size != bytes.size()) std::abort();
+}
 
 void Text(ByteSpan bytes) {
-  const auto path = mira::boot::DevicePathFromText(mira::bytes::AsText(bytes));
-  if (path) Path(*path);
+  const auto path = mira::devicepath::DevicePathFromText(mira::bytes::AsText(bytes));
+  if (!path) return;
+  // What the reader of texts makes is one path without a fault.
+  const auto paths = mira::devicepath::DecodePaths(*path);
+  if (paths.size() != 1 || paths.front().problem) std::abort();
+  Use(paths.front().text);
 }
 
 void Option(ByteSpan bytes) {
-  const auto option = mira::boot::DecodeLoadOption(bytes);
-  if (option) Use(option->path);
+  const auto option = mira::devicepath::DecodeLoadOption(bytes);
+  if (!option) return;
+  for (const auto& path : option->paths) Use(path.text);
+  const auto back = mira::devicepath::EncodeLoadOption(*option);
+  const ByteSpan behind = bytes.subspan(option->variable_attributes ? 4 : 0);
+  if (!back || !std::equal(back->begin(), back->end(), behind.begin(), behind.end())) {
+    std::abort();
+  }
 }
 
 }  // namespace

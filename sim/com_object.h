@@ -4,6 +4,9 @@
 // Reference counting and interface queries, and the methods of the WMI interfaces that the machine
 // does not serve.
 
+#include <initializer_list>
+#include <optional>
+#include <string_view>
 #include <utility>
 
 #include "platform/com_ptr.h"
@@ -12,7 +15,8 @@
 namespace mira::sim {
 
 // A COM object of one interface, made with one reference. Every reference counts into the machine's
-// live references.
+// live references, and into those of the apartment in which the object was made: once that has
+// ended the object can only be released.
 template <typename Interface>
 class ComObject : public Interface {
  public:
@@ -20,25 +24,40 @@ class ComObject : public Interface {
     if (object == nullptr) return E_POINTER;
     *object = nullptr;
     if (!(riid == IID_IUnknown) && !(riid == iid_)) return E_NOINTERFACE;
-    if (const auto failure = state_->faults.Fails("IUnknown::QueryInterface")) return *failure;
+    if (const auto refusal = Refused("IUnknown::QueryInterface")) return *refusal;
     *object = static_cast<Interface*>(this);
     AddRef();
     return S_OK;
   }
   ULONG STDMETHODCALLTYPE AddRef() override {
-    ++state_->live.references;
+    Count(1);
     return ++references_;
   }
   ULONG STDMETHODCALLTYPE Release() override {
-    --state_->live.references;
+    Count(-1);
     const ULONG left = --references_;
     if (left == 0) delete this;
     return left;
   }
 
+  // Why a call is not served, if it is not: the object cannot be reached, an argument is wrong (the
+  // caller gets `wrong_argument`), or a fault answers. Each call asks once: that counts it.
+  std::optional<HRESULT> Refused(std::string_view operation, HRESULT wrong_argument = E_INVALIDARG,
+                                 std::initializer_list<Argument> arguments = {}) const {
+    const auto forced = state_->faults.Fails(operation);
+    const HRESULT reached = state_->apartments.Reach(home_);
+    if (FAILED(reached)) {
+      state_->objections.Add(operation, "the object's apartment has ended or is another thread's");
+      return reached;
+    }
+    if (!state_->objections.Accept(operation, arguments)) return wrong_argument;
+    return forced;
+  }
+
  protected:
-  ComObject(StatePtr state, REFIID iid) : state_(std::move(state)), iid_(iid) {
-    ++state_->live.references;
+  ComObject(StatePtr state, REFIID iid)
+      : state_(std::move(state)), iid_(iid), home_(state_->apartments.Current()) {
+    Count(1);
   }
   virtual ~ComObject() = default;
 
@@ -46,8 +65,14 @@ class ComObject : public Interface {
   const StatePtr& shared_state() const { return state_; }
 
  private:
+  void Count(int change) {
+    state_->live.references += change;
+    if (home_) home_->references += change;
+  }
+
   StatePtr state_;
   IID iid_;
+  ApartmentPtr home_;
   ULONG references_ = 1;
 };
 

@@ -1,11 +1,80 @@
 #include "sim/faults.h"
 
+#include <algorithm>
+#include <cctype>
+#include <iterator>
+#include <stdexcept>
 #include <thread>
 #include <utility>
 
 namespace mira::sim {
+namespace {
 
-void Faults::Add(Fault fault) { armed_.push_back({std::move(fault)}); }
+constexpr std::string_view kOperations[] = {
+    "AllocateAndInitializeSid",
+    "CheckTokenMembership",
+    "CoCreateInstance",
+    "CoInitializeEx",
+    "CoInitializeSecurity",
+    "CoSetProxyBlanket",
+    "CoUninitialize",
+    "FormatMessageA",
+    "GetLastError",
+    "GetSystemFirmwareTable",
+    "IEnumWbemClassObject::Next",
+    "IUnknown::QueryInterface",
+    "IWbemClassObject::Get",
+    "IWbemClassObject::GetMethod",
+    "IWbemClassObject::Put",
+    "IWbemClassObject::SpawnInstance",
+    "IWbemLocator::ConnectServer",
+    "IWbemServices::CreateInstanceEnum",
+    "IWbemServices::ExecMethod",
+    "IWbemServices::GetObject",
+    "LocalFree",
+    "SafeArrayAccessData",
+    "SafeArrayCreate",
+    "SafeArrayDestroy",
+    "SafeArrayGetDim",
+    "SafeArrayGetLBound",
+    "SafeArrayGetUBound",
+    "SafeArrayPutElement",
+    "SafeArrayUnaccessData",
+    "SysAllocStringLen",
+    "SysFreeString",
+    "SysStringLen",
+    "VariantClear",
+    "firmware",
+};
+
+bool IsNumber(std::string_view text) {
+  return !text.empty() && std::all_of(text.begin(), text.end(),
+                                      [](unsigned char c) { return std::isdigit(c) != 0; });
+}
+
+bool IsKnown(std::string_view operation) {
+  if (std::find(std::begin(kOperations), std::end(kOperations), operation) !=
+      std::end(kOperations)) {
+    return true;
+  }
+  constexpr std::string_view kFirmware = "firmware ";
+  if (operation.substr(0, kFirmware.size()) != kFirmware) return false;
+  const std::string_view command = operation.substr(kFirmware.size());
+  const std::size_t slash = command.find('/');
+  return slash != std::string_view::npos && IsNumber(command.substr(0, slash)) &&
+         IsNumber(command.substr(slash + 1));
+}
+
+}  // namespace
+
+void Faults::Add(Fault fault) {
+  if (!IsKnown(fault.operation)) {
+    throw std::invalid_argument("no such operation: " + fault.operation);
+  }
+  armed_.push_back({std::move(fault)});
+}
+
+std::span<const std::string_view> Faults::Operations() { return kOperations; }
 
 void Faults::Clear() { armed_.clear(); }
 
@@ -15,6 +84,7 @@ int Faults::Calls(std::string_view operation) const {
 }
 
 std::vector<const Fault*> Faults::Hit(std::string_view operation) {
+  if (on_call_) on_call_(operation);
   const auto counted = calls_.find(operation);
   if (counted != calls_.end()) {
     ++counted->second;

@@ -4,8 +4,8 @@
 // Faults that the simulated machine injects on demand: a service that fails at its n-th call, a
 // completion code of the firmware's, a corrupted reply, a call that takes its time.
 //
-//   machine.Faults().Add({.operation = "IWbemServices::ExecMethod", .nth = 2, .result = E_FAIL});
-//   machine.Faults().Add({.operation = "firmware 11/0", .completion = -1});
+//   machine.GetFaults().Add({.operation = "CoInitializeEx", .nth = 2, .result = E_FAIL});
+//   machine.GetFaults().Add({.operation = "firmware 11/0", .completion = -1});
 
 #include <chrono>
 #include <cstdint>
@@ -15,6 +15,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace mira::sim {
@@ -40,8 +41,15 @@ struct Fault {
 
 class Faults {
  public:
+  // Throws std::invalid_argument for an operation that does not exist.
   void Add(Fault fault);
+  // All of them, but for the firmware calls of single commands.
+  static std::span<const std::string_view> Operations();
   void Clear();
+  // Called with the name of every operation that is called; null: nobody is.
+  void OnCall(std::function<void(std::string_view operation)> observer) {
+    on_call_ = std::move(observer);
+  }
   // How often an operation was called since the machine was made.
   int Calls(std::string_view operation) const;
 
@@ -57,6 +65,7 @@ class Faults {
   };
   std::vector<Armed> armed_;
   std::map<std::string, int, std::less<>> calls_;
+  std::function<void(std::string_view)> on_call_;
 };
 
 }  // namespace mira::sim

@@ -1,6 +1,10 @@
 #ifndef MIRA_SIM_JOURNAL_H_
 #define MIRA_SIM_JOURNAL_H_
 
+// What the simulated firmware was asked and what it answered.
+//
+//   mira::sim::Write(std::cerr, machine.Journal());
+
 #include <cstdint>
 #include <ostream>
 #include <vector>

@@ -2,58 +2,23 @@
 
 #include <algorithm>
 #include <cstring>
-#include <optional>
 #include <string>
 
 #include "facade/process_state.h"
-#include "platform/com_ptr.h"
+#include "sim/com_services.h"
 #include "sim/ole.h"
 #include "sim/smbios_tables.h"
-#include "sim/wmi.h"
 
 namespace mira::sim {
 namespace {
 
-// The services are plain functions, so the machine in force is a variable.
-StatePtr current;
+StatePtr& current = InForce();
+
+// Of the state's document.
+constexpr std::uint32_t kStateVersion = 1;
 
 constexpr DWORD kInsufficientBuffer = 122;
 constexpr DWORD kInvalidFunction = 1;
-
-HRESULT WINAPI InitializeEx(LPVOID, DWORD) {
-  if (const auto failure = current->faults.Fails("CoInitializeEx")) {
-    if (SUCCEEDED(*failure)) ++current->live.com_scopes;
-    return *failure;
-  }
-  // The first initialisation of the process gives S_OK, further ones S_FALSE, as on one thread of
-  // Windows.
-  return current->live.com_scopes++ > 0 ? S_FALSE : S_OK;
-}
-
-HRESULT WINAPI InitializeSecurity(PSECURITY_DESCRIPTOR, LONG, SOLE_AUTHENTICATION_SERVICE*, void*,
-                                  DWORD, DWORD, void*, DWORD, void*) {
-  return current->faults.Fails("CoInitializeSecurity").value_or(S_OK);
-}
-
-HRESULT WINAPI CreateInstance(REFCLSID clsid, IUnknown*, DWORD, REFIID iid, LPVOID* object) {
-  if (object == nullptr) return E_POINTER;
-  *object = nullptr;
-  if (const auto failure = current->faults.Fails("CoCreateInstance")) return *failure;
-  if (!(clsid == CLSID_WbemLocator)) return REGDB_E_CLASSNOTREG;
-  CComPtr<IWbemLocator> locator;
-  locator.Attach(MakeLocator(current));
-  return locator->QueryInterface(iid, object);
-}
-
-HRESULT WINAPI SetProxyBlanket(IUnknown*, DWORD, DWORD, OLECHAR*, DWORD, DWORD,
-                               RPC_AUTH_IDENTITY_HANDLE, DWORD) {
-  return current->faults.Fails("CoSetProxyBlanket").value_or(S_OK);
-}
-
-void WINAPI Uninitialize() {
-  current->faults.Hit("CoUninitialize");
-  --current->live.com_scopes;
-}
 
 BSTR WINAPI AllocStringLen(const OLECHAR* text, UINT length) {
   if (current->faults.Fails("SysAllocStringLen")) return nullptr;
@@ -63,13 +28,19 @@ BSTR WINAPI AllocStringLen(const OLECHAR* text, UINT length) {
 }
 
 void WINAPI FreeString(BSTR text) {
-  if (text == nullptr) return;
+  // A string that cannot be freed stays alive.
+  if (current->faults.Fails("SysFreeString") || text == nullptr) return;
   current->Release(StringBytes(text));
   --current->live.strings;
   Ole().SysFreeString(text);
 }
 
-UINT WINAPI StringLen(BSTR text) { return Ole().SysStringLen(text); }
+UINT WINAPI StringLen(BSTR text) {
+  if (const auto failure = current->faults.Fails("SysStringLen")) {
+    return static_cast<UINT>(*failure);
+  }
+  return Ole().SysStringLen(text);
+}
 
 HRESULT WINAPI ClearVariant(VARIANT* value) {
   if (const auto failure = current->faults.Fails("VariantClear")) return *failure;
@@ -109,9 +80,17 @@ HRESULT WINAPI AccessData(SAFEARRAY* array, void** data) {
   return Ole().SafeArrayAccessData(array, data);
 }
 
-HRESULT WINAPI UnaccessData(SAFEARRAY* array) { return Ole().SafeArrayUnaccessData(array); }
+HRESULT WINAPI UnaccessData(SAFEARRAY* array) {
+  if (const auto failure = current->faults.Fails("SafeArrayUnaccessData")) return *failure;
+  return Ole().SafeArrayUnaccessData(array);
+}
 
-UINT WINAPI GetDim(SAFEARRAY* array) { return Ole().SafeArrayGetDim(array); }
+UINT WINAPI GetDim(SAFEARRAY* array) {
+  if (const auto failure = current->faults.Fails("SafeArrayGetDim")) {
+    return static_cast<UINT>(*failure);
+  }
+  return Ole().SafeArrayGetDim(array);
+}
 
 HRESULT WINAPI GetLowerBound(SAFEARRAY* array, UINT dimension, LONG* bound) {
   if (const auto failure = current->faults.Fails("SafeArrayGetLBound")) return *failure;
@@ -161,7 +140,8 @@ BOOL WINAPI AllocateSid(SID_IDENTIFIER_AUTHORITY* authority, BYTE count, DWORD s
   return TRUE;
 }
 
-BOOL WINAPI CheckMembership(HANDLE, PSID sid, BOOL* is_member) {
+BOOL WINAPI CheckMembership(HANDLE token, PSID sid, BOOL* is_member) {
+  current->objections.Accept("CheckTokenMembership", {{"token", token != nullptr, 0}});
   if (const auto failure = current->faults.Fails("CheckTokenMembership")) {
     current->last_error = static_cast<DWORD>(*failure);
     return FALSE;
@@ -185,12 +165,18 @@ DWORD WINAPI FormatText(DWORD flags, LPCVOID, DWORD message_id, DWORD, LPSTR buf
 }
 
 HLOCAL WINAPI FreeLocal(HLOCAL memory) {
+  if (current->faults.Fails("LocalFree")) return memory;
   if (memory != nullptr) --current->live.strings;
   delete[] static_cast<char*>(memory);
   return nullptr;
 }
 
-DWORD WINAPI LastError() { return current->last_error; }
+DWORD WINAPI LastError() {
+  if (const auto failure = current->faults.Fails("GetLastError")) {
+    return static_cast<DWORD>(*failure);
+  }
+  return current->last_error;
+}
 
 const platform::ServiceTable kServices = {
     .CoInitializeEx = InitializeEx,
@@ -226,15 +212,47 @@ Machine::Machine(const Profile& profile) : state_(std::make_shared<State>(profil
   }
 }
 
-std::vector<std::uint8_t> Machine::SaveState() const {
-  return state_->firmware.GetHistory().Save(state_->profile.name);
+void Machine::Reboot() {
+  state_->Transact([this] { state_->firmware.Reboot(); });
 }
 
-bool Machine::RestoreState(bytes::ByteSpan saved) {
-  const std::optional<History> history = History::Load(saved, state_->profile.name);
-  if (history) state_->firmware.Replay(*history);
-  return history.has_value();
+void Machine::LosePower() {
+  state_->Transact([this] { state_->firmware.PowerLoss(); });
 }
+
+void Machine::Keep(Fields& fields) const {
+  std::uint32_t version = kStateVersion;
+  std::string profile = state_->profile.name;
+  fields("schemaVersion", version)("profile", profile);
+  fields.Require(version == kStateVersion, "this program does not know the version");
+  fields.Require(profile == state_->profile.name, "the state is that of another machine");
+  state_->firmware.Keep(fields);
+}
+
+Node Machine::StateTree() const {
+  Node tree;
+  Fields fields(Fields::Pass::kSave, tree);
+  fields.Whole([&] { Keep(fields); });
+  return tree;
+}
+
+void Machine::TakeState(const Node& tree) {
+  const Node before = StateTree();
+  const auto take = [this](Node from) {
+    Fields fields(Fields::Pass::kLoad, from);
+    fields.Whole([&] { Keep(fields); });
+  };
+  try {
+    take(tree);
+  } catch (...) {
+    take(before);
+    throw;
+  }
+}
+
+bytes::SecureString Machine::SaveState() const { return WriteJson(StateTree()); }
+
+void Machine::RestoreState(std::string_view saved) { TakeState(ParseJson(saved)); }
 
 Session::Session(Machine& machine) : state_before_(current), services_before_(nullptr) {
   ResetProcessState();

@@ -11,6 +11,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <string_view>
 #include <vector>
 
 #include "platform/services.h"
@@ -18,6 +19,7 @@
 #include "sim/journal.h"
 #include "sim/profile.h"
 #include "sim/state.h"
+#include "sim/state_document.h"
 
 namespace mira::sim {
 
@@ -28,6 +30,11 @@ class Machine {
   const Profile& GetProfile() const { return state_->profile; }
   Faults& GetFaults() { return state_->faults; }
   Firmware& GetFirmware() { return state_->firmware; }
+  const Objections& GetObjections() const { return state_->objections; }
+  // Called with the bytes of every array that is put into a WMI object.
+  void OnPut(std::function<void(bytes::ByteSpan)> observer) {
+    state_->on_put = std::move(observer);
+  }
   // The firmware calls made so far, secrets masked.
   const std::vector<JournalEntry>& Journal() const { return state_->firmware.Journal(); }
   // What the machine handed out and has not got back.
@@ -38,18 +45,27 @@ class Machine {
   }
   // Restarts the machine: what was pending comes into force. A process that read the machine before
   // does not see it until it asks again.
-  void Reboot() { state_->firmware.Reboot(); }
+  // Throws StateError when the machine is kept and that failed.
+  void Reboot();
+  // The same after a loss of power: what the firmware writes with an orderly restart is lost.
+  void LosePower();
 
-  // The machine's state as bytes, and the same state on a machine of the same profile that was just
-  // made; false, with nothing changed, for bytes that are no such state. What was typed into the
-  // machine stands in the bytes, passwords included, as in the memory of a real one.
-  std::vector<std::uint8_t> SaveState() const;
-  bool RestoreState(bytes::ByteSpan saved);
-  // How often the machine was changed or restarted.
-  std::size_t Changes() const { return state_->firmware.GetHistory().Events().size(); }
+  // The machine's state as a JSON text, and the same state on a machine of the same profile. Throws
+  // StateError, with nothing changed, for a text that is no such state. What was typed into the
+  // machine stands in the text, passwords included, as in the memory of a real one.
+  bytes::SecureString SaveState() const;
+  void RestoreState(std::string_view saved);
+  // The same as a tree.
+  Node StateTree() const;
+  void TakeState(const Node& tree);
+  // Null: the state ends with the machine. Otherwise all calls and restarts go through `storage`,
+  // until null is set.
+  void SetStorage(Storage* storage) { state_->storage = storage; }
 
  private:
   friend class Session;
+  void Keep(Fields& fields) const;
+
   StatePtr state_;
 };
 

@@ -4,8 +4,8 @@
 // Builds SMBIOS structures and tables (DSP0134), apart from the library's decoders.
 //
 //   SmbiosTable table(3, 2);
-//   table.Add(Structure(0,
-//   0x0000).Str("Maker").Str("1.0").Word(0xE000).Str("01/31/2026").Byte(0xFF));
+//   table.Add(Structure(0, 0x0000).Str("Maker").Str("1.0").Word(0xE000).Str("01/31/2026")
+//                 .Byte(0xFF));
 //   std::vector<std::uint8_t> bytes = table.Finish();
 
 #include <cstdint>

@@ -10,8 +10,10 @@
 
 #include "bytes/reader.h"
 #include "platform/com.h"
+#include "sim/apartments.h"
 #include "sim/faults.h"
 #include "sim/firmware/firmware.h"
+#include "sim/objections.h"
 #include "sim/profile.h"
 
 namespace mira::sim {
@@ -19,22 +21,44 @@ namespace mira::sim {
 // What is alive of what the machine handed out.
 struct Live {
   int references = 0;  // to COM objects, other than the objects' own
+  int outlived = 0;    // of these, those that were there when COM ended in their apartment, in sum
   int strings = 0;     // BSTRs
   int arrays = 0;      // SAFEARRAYs
   int com_scopes = 0;  // CoInitializeEx that succeeded, less CoUninitialize; may fall below 0
+};
+
+// Keeps a machine's state: every call and every restart is done through it.
+class Storage {
+ public:
+  virtual ~Storage() = default;
+  virtual void Transact(const std::function<void()>& work) = 0;
 };
 
 struct State {
   explicit State(Profile p) : profile(std::move(p)), firmware(profile) {}
 
   Profile profile;
+  Apartments apartments;
+  Objections objections;
+  // Sees the bytes of every array that is put into an object.
+  std::function<void(bytes::ByteSpan)> on_put;
   Faults faults;
   Firmware firmware;
   Live live;
   DWORD last_error = 0;
+  // Where the state is kept beyond the process, if it is.
+  Storage* storage = nullptr;
   // Sees the bytes of every string and array just before the library releases them.
   std::function<void(bytes::ByteSpan)> on_release;
 
+  // Does `work`, a call or a restart, as the storage wants it. Throws when it could not be kept.
+  void Transact(const std::function<void()>& work) const {
+    if (storage != nullptr) {
+      storage->Transact(work);
+    } else {
+      work();
+    }
+  }
   void Release(bytes::ByteSpan bytes) const {
     if (on_release && !bytes.empty()) on_release(bytes);
   }

@@ -23,6 +23,7 @@ using ObjectPtr = CComPtr<IWbemClassObject>;
 constexpr HRESULT kNotFound = static_cast<HRESULT>(WBEM_E_NOT_FOUND);
 constexpr HRESULT kInvalidClass = static_cast<HRESULT>(WBEM_E_INVALID_CLASS);
 constexpr HRESULT kInvalidNamespace = static_cast<HRESULT>(WBEM_E_INVALID_NAMESPACE);
+constexpr HRESULT kFailed = static_cast<HRESULT>(0x80041001U);
 constexpr HRESULT kTypeMismatch = static_cast<HRESULT>(0x80041005U);
 constexpr HRESULT kInvalidParameter = static_cast<HRESULT>(0x80041008U);
 constexpr HRESULT kInvalidMethod = static_cast<HRESULT>(0x8004102EU);
@@ -76,9 +77,12 @@ class WmiObject : public ClassObjectBase {
   }
   const std::wstring& ClassName() const { return class_name_; }
 
-  HRESULT STDMETHODCALLTYPE Get(LPCWSTR name, LONG, VARIANT* value, CIMTYPE* type,
+  HRESULT STDMETHODCALLTYPE Get(LPCWSTR name, LONG flags, VARIANT* value, CIMTYPE* type,
                                 LONG* flavor) override {
-    if (const auto failure = state().faults.Fails("IWbemClassObject::Get")) return *failure;
+    if (const auto refusal =
+            Refused("IWbemClassObject::Get", kInvalidParameter, {{"flags", flags, 0}})) {
+      return *refusal;
+    }
     const Value* const found = Find(Text(name));
     if (found == nullptr) return kNotFound;
     if (type != nullptr) *type = 0;
@@ -86,8 +90,11 @@ class WmiObject : public ClassObjectBase {
     return value != nullptr ? CopyOut(*found, *value) : S_OK;
   }
 
-  HRESULT STDMETHODCALLTYPE Put(LPCWSTR name, LONG, VARIANT* value, CIMTYPE) override {
-    if (const auto failure = state().faults.Fails("IWbemClassObject::Put")) return *failure;
+  HRESULT STDMETHODCALLTYPE Put(LPCWSTR name, LONG flags, VARIANT* value, CIMTYPE type) override {
+    if (const auto refusal = Refused("IWbemClassObject::Put", kInvalidParameter,
+                                     {{"flags", flags, 0}, {"type", type, 0}})) {
+      return *refusal;
+    }
     const auto found = properties_.find(Text(name));
     if (found == properties_.end()) return kNotFound;
     if (value == nullptr) return E_INVALIDARG;
@@ -103,6 +110,12 @@ class WmiObject : public ClassObjectBase {
       taken = std::move(held);
     } else if (value->vt == static_cast<VARTYPE>(VT_ARRAY | VT_UI1)) {
       const auto bytes = ArrayBytes(value->parray);
+      if (value->parray != nullptr &&
+          !state().objections.Accept("IWbemClassObject::Put",
+                                     {{"lower bound", value->parray->rgsabound[0].lLbound, 0}})) {
+        return kInvalidParameter;
+      }
+      if (state().on_put) state().on_put(bytes);
       taken = Bytes(bytes.begin(), bytes.end());
     } else {
       return kTypeMismatch;
@@ -113,11 +126,12 @@ class WmiObject : public ClassObjectBase {
 
   HRESULT STDMETHODCALLTYPE Delete(LPCWSTR) override { return E_NOTIMPL; }
 
-  HRESULT STDMETHODCALLTYPE SpawnInstance(LONG, IWbemClassObject** object) override {
+  HRESULT STDMETHODCALLTYPE SpawnInstance(LONG flags, IWbemClassObject** object) override {
     if (object == nullptr) return E_POINTER;
     *object = nullptr;
-    if (const auto failure = state().faults.Fails("IWbemClassObject::SpawnInstance")) {
-      return *failure;
+    if (const auto refusal =
+            Refused("IWbemClassObject::SpawnInstance", kInvalidParameter, {{"flags", flags, 0}})) {
+      return *refusal;
     }
     CComPtr<WmiObject> instance = Make(shared_state(), class_name_);
     for (const auto& [name, value] : properties_) instance->Declare(name);
@@ -125,9 +139,14 @@ class WmiObject : public ClassObjectBase {
     return S_OK;
   }
 
-  HRESULT STDMETHODCALLTYPE GetMethod(LPCWSTR name, LONG, IWbemClassObject** in,
+  HRESULT STDMETHODCALLTYPE GetMethod(LPCWSTR name, LONG flags, IWbemClassObject** in,
                                       IWbemClassObject** out) override {
-    if (const auto failure = state().faults.Fails("IWbemClassObject::GetMethod")) return *failure;
+    if (const auto refusal = Refused("IWbemClassObject::GetMethod", kInvalidParameter,
+                                     {{"flags", flags, 0},
+                                      {"asks for the input", in != nullptr, 1},
+                                      {"asks for the output", out != nullptr, 1}})) {
+      return *refusal;
+    }
     if (!SameName(Text(name), kMethod) || !in_) return kNotFound;
     if (in != nullptr) *in = ObjectPtr(in_).Detach();
     if (out != nullptr) *out = ObjectPtr(out_).Detach();
@@ -218,11 +237,14 @@ class Enumerator : public EnumeratorBase {
   Enumerator(const StatePtr& state, std::vector<ObjectPtr> objects)
       : EnumeratorBase(state), objects_(std::move(objects)) {}
 
-  HRESULT STDMETHODCALLTYPE Next(LONG, ULONG count, IWbemClassObject** objects,
+  HRESULT STDMETHODCALLTYPE Next(LONG timeout, ULONG count, IWbemClassObject** objects,
                                  ULONG* returned) override {
     if (objects == nullptr || returned == nullptr) return E_POINTER;
     *returned = 0;
-    if (const auto failure = state().faults.Fails("IEnumWbemClassObject::Next")) return *failure;
+    if (const auto refusal = Refused("IEnumWbemClassObject::Next", kInvalidParameter,
+                                     {{"timeout", timeout, 1000}, {"count", count, 1}})) {
+      return *refusal;
+    }
     for (; *returned < count && next_ < objects_.size(); ++*returned) {
       objects[*returned] = ObjectPtr(objects_[next_++]).Detach();
     }
@@ -238,11 +260,17 @@ class WmiServices : public ServicesBase {
  public:
   explicit WmiServices(const StatePtr& state) : ServicesBase(state) {}
 
-  HRESULT STDMETHODCALLTYPE GetObject(const BSTR path, LONG, IWbemContext*,
-                                      IWbemClassObject** object, IWbemCallResult**) override {
+  HRESULT STDMETHODCALLTYPE GetObject(const BSTR path, LONG flags, IWbemContext* context,
+                                      IWbemClassObject** object,
+                                      IWbemCallResult** result) override {
     if (object == nullptr) return E_POINTER;
     *object = nullptr;
-    if (const auto failure = state().faults.Fails("IWbemServices::GetObject")) return *failure;
+    if (const auto refusal = Refused("IWbemServices::GetObject", kInvalidParameter,
+                                     {{"flags", flags, 0},
+                                      {"context", context != nullptr, 0},
+                                      {"call result", result != nullptr, 0}})) {
+      return *refusal;
+    }
     const StatePtr& shared = shared_state();
     if (!state().profile.has_wmi_instance) return kNotFound;
     if (SameName(Text(path), kDataClass)) {
@@ -262,22 +290,28 @@ class WmiServices : public ServicesBase {
     return kNotFound;
   }
 
-  HRESULT STDMETHODCALLTYPE CreateInstanceEnum(const BSTR filter, LONG, IWbemContext*,
+  HRESULT STDMETHODCALLTYPE CreateInstanceEnum(const BSTR filter, LONG flags, IWbemContext* context,
                                                IEnumWbemClassObject** objects) override {
     if (objects == nullptr) return E_POINTER;
     *objects = nullptr;
-    if (const auto failure = state().faults.Fails("IWbemServices::CreateInstanceEnum")) {
-      return *failure;
+    if (const auto refusal = Refused("IWbemServices::CreateInstanceEnum", kInvalidParameter,
+                                     {{"flags", flags, 1}, {"context", context != nullptr, 0}})) {
+      return *refusal;
     }
     if (!SameName(Text(filter), kQueryClass)) return kInvalidClass;
     *objects = new Enumerator(shared_state(), QueryInstances(shared_state()));
     return S_OK;
   }
 
-  HRESULT STDMETHODCALLTYPE ExecMethod(const BSTR path, const BSTR method, LONG, IWbemContext*,
-                                       IWbemClassObject* in, IWbemClassObject** out,
-                                       IWbemCallResult**) override {
-    if (const auto failure = state().faults.Fails("IWbemServices::ExecMethod")) return *failure;
+  HRESULT STDMETHODCALLTYPE ExecMethod(const BSTR path, const BSTR method, LONG flags,
+                                       IWbemContext* context, IWbemClassObject* in,
+                                       IWbemClassObject** out, IWbemCallResult** result) override {
+    if (const auto refusal = Refused("IWbemServices::ExecMethod", kInvalidParameter,
+                                     {{"flags", flags, 0},
+                                      {"context", context != nullptr, 0},
+                                      {"call result", result != nullptr, 0}})) {
+      return *refusal;
+    }
     if (!IsInstance(Text(path))) return kNotFound;
     if (!SameName(Text(method), kMethod)) return kInvalidMethod;
     if (out == nullptr) return E_POINTER;
@@ -290,12 +324,22 @@ class WmiServices : public ServicesBase {
     const auto* const value = block != nullptr ? block->Find(kBytes) : nullptr;
     const auto* const bytes = value != nullptr ? std::get_if<Bytes>(value) : nullptr;
     if (bytes == nullptr) return kInvalidParameter;
+    // The array has the size that the data block announces, however short the record is.
+    if (!state().objections.Accept("IWbemServices::ExecMethod",
+                                   {{"size of Bytes", static_cast<std::int64_t>(bytes->size()),
+                                     state().profile.buffer_size}})) {
+      return kInvalidParameter;
+    }
 
     Bytes reply = *bytes;
-    state().firmware.Execute(reply, state().faults);
-    CComPtr<WmiObject> result = WmiObject::Make(shared_state(), L"__PARAMETERS");
-    result->Declare(kData, ObjectPtr(MakeData(shared_state(), std::move(reply))));
-    *out = result.Detach();
+    try {
+      state().Transact([&] { state().firmware.Execute(reply, state().faults); });
+    } catch (const std::exception&) {
+      return kFailed;
+    }
+    CComPtr<WmiObject> answer = WmiObject::Make(shared_state(), L"__PARAMETERS");
+    answer->Declare(kData, ObjectPtr(MakeData(shared_state(), std::move(reply))));
+    *out = answer.Detach();
     return S_OK;
   }
 
@@ -313,13 +357,28 @@ class Locator : public ComObject<IWbemLocator> {
  public:
   explicit Locator(const StatePtr& state) : ComObject(state, IID_IWbemLocator) {}
 
-  HRESULT STDMETHODCALLTYPE ConnectServer(const BSTR resource, const BSTR, const BSTR, const BSTR,
-                                          LONG, const BSTR, IWbemContext*,
+  HRESULT STDMETHODCALLTYPE ConnectServer(const BSTR resource, const BSTR user, const BSTR password,
+                                          const BSTR locale, LONG flags, const BSTR authority,
+                                          IWbemContext* context,
                                           IWbemServices** services) override {
+    constexpr std::string_view kName = "IWbemLocator::ConnectServer";
     if (services == nullptr) return E_POINTER;
     *services = nullptr;
-    if (const auto failure = state().faults.Fails("IWbemLocator::ConnectServer")) return *failure;
-    if (!SameName(Text(resource), L"ROOT\\WMI")) return kInvalidNamespace;
+    if (const auto refusal = Refused(kName, kInvalidParameter,
+                                     {{"user", user != nullptr, 0},
+                                      {"password", password != nullptr, 0},
+                                      {"locale", locale != nullptr, 0},
+                                      {"flags", flags, 0},
+                                      {"authority", authority != nullptr, 0},
+                                      {"context", context != nullptr, 0}})) {
+      return *refusal;
+    }
+    const bool is_wmi = SameName(Text(resource), L"ROOT\\WMI");
+    if (!state().objections.Accept(kName, {{"namespace is ROOT\\WMI", is_wmi, 1}})) {
+      return kInvalidNamespace;
+    }
+    // The first connection to another process settles the security of this one.
+    state().apartments.FixSecurity();
     *services = new WmiServices(shared_state());
     return S_OK;
   }

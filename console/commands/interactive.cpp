@@ -1,10 +1,10 @@
-#include <cstdio>
 #include <iostream>
 #include <memory>
 #include <optional>
 
 #include "buffers/buffer.h"
 #include "buffers/buffer_factory.h"
+#include "buffers/prompt_input.h"
 #include "buffers/secret_prompt.h"
 #include "bytes/reader.h"
 #include "callif/commands.h"
@@ -20,6 +20,7 @@ namespace {
 struct Arguments {
   std::string cls;
   std::string select;
+  std::string key_arg;
   bool class10 = false;
   std::shared_ptr<SecretSource> secret;
 };
@@ -35,9 +36,6 @@ class StandardStreams {
     std::cin.rdbuf(in_before_);
     std::cout.rdbuf(out_before_);
   }
-  // Whether a buffer has met the end. The library may have a std::cin of its own over the same
-  // standard input.
-  static bool Ended() { return std::cin.eof() || std::feof(stdin) != 0; }
   StandardStreams(const StandardStreams&) = delete;
   StandardStreams& operator=(const StandardStreams&) = delete;
 
@@ -78,8 +76,14 @@ CommandError InputEnded() {
 
 class TestConsole {
  public:
-  TestConsole(Context& context, CCallingInterface& calling, std::uint32_t key)
-      : context_(context), out_(context.Out()), key_(key), calling_(calling) {}
+  // `key_argument` is the argument word that receives the key, 1 to 4; 0 for none.
+  TestConsole(Context& context, CCallingInterface& calling, std::uint32_t key,
+              std::uint32_t key_argument)
+      : context_(context),
+        out_(context.Out()),
+        key_(key),
+        key_argument_(key_argument),
+        calling_(calling) {}
 
   // Asks for class and select until an empty line is typed, or the input ends behind a whole call.
   ExitStatus Loop() {
@@ -137,6 +141,7 @@ class TestConsole {
       call.record->cbArg3 = asked.cbArg3;
       call.record->cbArg4 = asked.cbArg4;
     }
+    PlaceKey(*call.record);
     if (context_.GetOptions().what_if) {
       out_ << "A record of " << call.buffer->Record().size() << " bytes. It was not sent.\n";
       return kDone;
@@ -145,6 +150,13 @@ class TestConsole {
     call.buffer->DisplayOutputBuffer();
     out_ << std::endl;
     return CallExit(status, call.record->cbRES1);
+  }
+
+  // The prompts ask for no place, so only commands with a fixed one carry the key by themselves.
+  void PlaceKey(SMBiosCI& record) const {
+    std::uint32_t* const words[] = {nullptr, &record.cbArg1, &record.cbArg2, &record.cbArg3,
+                                    &record.cbArg4};
+    if (key_argument_ != 0) *words[key_argument_] = key_;
   }
 
   static std::uint16_t Number(std::string text, const char* what) {
@@ -163,10 +175,14 @@ class TestConsole {
       throw CommandError(kNotSupported, "not-supported",
                          "The library has no command " + command + ".", command);
     }
+    if (!TraitsOf(cls, select).has_prompts) {
+      throw CommandError(kNotSupported, "no-prompts", "Command " + command + " has no prompts.",
+                         command, "'mira --help' lists the commands that make such calls.");
+    }
     const QuietSecrets quiet;
     prompted.record = prompted.buffer->PromptInputBuffer(key, size, asks);
     if (prompted.record != nullptr) return prompted;
-    if (StandardStreams::Ended()) throw InputEnded();
+    if (buffers::InputEnded()) throw InputEnded();
     throw CommandError(kInvalidValue, "no-record",
                        "Command " + command + " cannot be made of these answers.", command,
                        "No call was made.");
@@ -182,6 +198,7 @@ class TestConsole {
   Context& context_;
   std::ostream& out_;
   std::uint32_t key_;
+  std::uint32_t key_argument_;
   CCallingInterface& calling_;
 };
 
@@ -191,9 +208,10 @@ std::uint32_t ReadKey(Context& context, const Arguments& a) {
   mira.GetPwdInfo(info);
   const PwdInfo::PWDTYPE type = KeyType(info, a.class10);
   bytes::SecureString password;
-  if (a.secret->Given()) {
-    password = ReadSecret(context, *a.secret, "");
-  } else if (context.IsInteractive() && (info.installed & type) != 0) {
+  const bool is_installed = (info.installed & type) != 0;
+  if (a.secret->Given() || (!a.key_arg.empty() && is_installed)) {
+    password = ReadSecret(context, *a.secret, "Password : ");
+  } else if (context.IsInteractive() && is_installed) {
     password = ReadSecret(context, *a.secret, "Password (empty: calls carry no key) : ");
   }
   if (password.empty()) return 0;
@@ -214,9 +232,12 @@ ExitStatus RunTestConsole(Context& context, const Arguments& a) {
     throw CommandError(kNotSupported, "no-calling-interface",
                        "This PC offers no calling interface.");
   }
+  constexpr std::uint32_t kArguments = 4;
+  const std::uint32_t key_argument =
+      a.key_arg.empty() ? 0 : ParseNumber(a.key_arg, "number of an argument word", kArguments, 1);
   const std::uint32_t key = ReadKey(context, a);
   const StandardStreams streams(context);
-  TestConsole console(context, *calling, key);
+  TestConsole console(context, *calling, key, key_argument);
   return a.cls.empty() ? console.Loop() : console.Call(a.cls, a.select);
 }
 
@@ -228,11 +249,14 @@ void AddConsole(CLI::App& app, Command& command) {
   CLI::Option* const select =
       app.add_option("SELECT", arguments->select, "select within the class")->needs(cls);
   cls->needs(select);
+  app.add_option("--key-arg", arguments->key_arg,
+                 "the argument word (1 to 4) that receives the security key, whatever was typed");
   app.add_flag("--class10", arguments->class10, "the password is the class-10 one, not class 9's");
   arguments->secret = AddSecretOptions(app);
   app.footer(
       "Without CLASS and SELECT, asks for them, call after call.\n"
-      "Examples:\n  mira console\n  mira --sim=pre-boot console 10 7");
+      "Examples:\n  mira console\n  mira --sim=pre-boot console 10 7\n"
+      "  mira --sim=locked console 3 12 --key-arg 3");
   command.Run(app, [arguments](Context& context) { return RunTestConsole(context, *arguments); });
 }
 

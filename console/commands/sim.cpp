@@ -22,14 +22,12 @@ ExitStatus Show(Context& context) {
     context.Print({{"profile", profile.name},
                    {"description", profile.description},
                    {"boots", boots},
-                   {"changes", machine.Changes()},
                    {"keptIn", file.empty() ? Json() : Json(file)}});
     return kDone;
   }
   WriteTable(context.Out(), {{"Profile", profile.name},
                              {"Machine", profile.description},
                              {"Started", std::to_string(boots) + (boots == 1 ? " time" : " times")},
-                             {"Changes", std::to_string(machine.Changes())},
                              {"Kept in", file.empty() ? "nowhere" : file}});
   return kDone;
 }
@@ -53,11 +51,10 @@ ExitStatus Reset(Context& context) {
   SimulatedMachine(context);
   const Changes changes = {{"machine", "as it is kept", "new"}};
   if (!Approve(context, changes)) return ReportWhatIf(context, changes);
-  std::error_code error;
-  std::filesystem::remove(context.MachineFile(), error);
-  if (error) {
-    throw CommandError(kUnexpected, "not-removed", "The machine's file could not be removed.",
-                       PathText(context.MachineFile()));
+  try {
+    sim::KeptMachine::Reset(context.MachineFile());
+  } catch (const sim::StateError& error) {
+    throw CommandError(kUnexpected, "not-removed", error.what(), PathText(context.MachineFile()));
   }
   if (context.IsJson()) {
     context.Print({{"reset", true}});

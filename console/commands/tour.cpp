@@ -1,61 +1,66 @@
-#include "console/call.h"
+#include <map>
+
+#include "client/raw_call.h"
+#include "client/smbios.h"
+#include "client/start_up.h"
+#include "client/token.h"
 #include "console/commands.h"
-#include "console/info.h"
-#include "console/structures.h"
-#include "console/tokens.h"
-#include "smbios/structure_factory.h"
+#include "console/face.h"
+#include "console/render/info.h"
+#include "smbios/table.h"
 
 namespace mira::console {
 namespace {
 
 // Reading a token's value is a call that every calling interface answers.
-constexpr std::uint16_t kReadTokenClass = 0;
-constexpr std::uint16_t kReadTokenSelect = 0;
+constexpr callif::Command kReadToken = {0, 0};
 
-void WriteStructures(std::ostream& out, const Structures& structures) {
+void WriteStructures(std::ostream& out, const client::StructureList& list) {
+  std::map<unsigned, std::vector<const client::StructureValue*>> by_type;
+  for (const client::StructureValue& structure : list.structures) {
+    by_type[structure.type].push_back(&structure);
+  }
   Rows rows = {{"Type", "Count", "Class"}};
-  for (const auto& [type, head] : structures.Objects()) {
-    unsigned count = 0;
-    for (const CBIOSObject* object = head; object != nullptr; object = object->getNextObj()) {
-      ++count;
-    }
-    rows.push_back({std::to_string(type), std::to_string(count), smbios::ClassName(type)});
+  for (const auto& [type, structures] : by_type) {
+    rows.push_back(
+        {std::to_string(type), std::to_string(structures.size()), structures.front()->class_name});
   }
   WriteTable(out, rows, {0, 1});
-  constexpr unsigned char kShown[] = {0, 1};
-  for (const unsigned char type : kShown) {
-    const CBIOSObject* const object = structures.Find(type);
-    if (object == nullptr) continue;
+  constexpr unsigned kShown[] = {0, 1};
+  for (const unsigned type : kShown) {
+    const auto found = by_type.find(type);
+    if (found == by_type.end()) continue;
     out << '\n';
-    object->DisplayOwn(out);
-    out << std::dec;
+    client::WriteDump(found->second.front()->bytes, Escaped, out);
   }
 }
 
 ExitStatus Tour(Context& context) {
   std::ostream& out = context.Out();
   out << "== Init\n";
-  const Opened& opened = context.Open();
-  WriteSteps(out, opened);
+  client::Session& session = context.GetSession();
+  const client::StartUp start_up = client::ReadStartUp(session);
+  RenderSteps(client::ToJson(start_up), out);
 
-  const Structures structures(smbios::ReadFirmwareTable());
   out << "\n== SMBIOS structures\n";
-  WriteStructures(out, structures);
-  if (opened.status != STATUS_SUCCESS) throw InitError(opened);
+  WriteStructures(out, client::ReadStructures(smbios::ReadFirmwareTable()));
+  if (start_up.problem) throw *start_up.problem;
 
-  CMiraIntf& mira = *opened.mira;
-  const std::vector<TokenRow> tokens = ReadTokens(mira);
-  out << "\n== Calling interface\nCommand classes: " << ClassList(structures.AnnouncedClasses())
-      << "\nTransfer buffer: " << mira.GetACPIBufSize() << " bytes\n";
-  WriteTokens(out, tokens);
+  const std::vector<client::Token> tokens = client::ReadTokens(session);
+  out << "\n== Calling interface\nCommand classes: " << ClassList(start_up.announced_classes)
+      << "\nTransfer buffer: " << start_up.transfer_buffer_size << " bytes\n";
+  Json list = Json::array();
+  for (const client::Token& token : tokens) list.push_back(client::ToJson(token));
+  FindFace("tokens")->render({{"tokens", list}}, out);
   if (tokens.empty()) return kDone;
 
-  CSimpleTokenData data;
-  data.Arg1 = tokens.front().location;
-  out << "\n== One call: the value at location " << Hex(data.Arg1, 4) << '\n';
-  const Status status =
-      mira.ExecuteDACI(kReadTokenClass, kReadTokenSelect, data, "", PwdInfo::PWD_NONE);
-  return ReportCall(context, kReadTokenClass, kReadTokenSelect, status, data);
+  client::RawCall call;
+  call.command = kReadToken;
+  call.arguments[0] = tokens.front().location;
+  out << "\n== One call: the value at location " << Hex(call.arguments[0], 4) << '\n';
+  client::Make(session, call, {});
+  FindFace("call")->render(client::ToJson(call), out);
+  return kDone;
 }
 
 }  // namespace

@@ -111,6 +111,10 @@ void AttributeHandler::Prepare() {
     if (changed == nullptr) throw std::invalid_argument("No setup attribute is called " + name);
     attributes_[changed->handle - kFirstAttribute].value = Encode(*changed, value);
   }
+  for (Stored& attribute : attributes_) {
+    attribute.first = attribute.value;
+    attribute.first_at_start = attribute.at_start;
+  }
 }
 
 void AttributeHandler::Handle(Call& call) {
@@ -131,7 +135,34 @@ void AttributeHandler::Handle(Call& call) {
 }
 
 void AttributeHandler::Reboot() {
-  if (!profile_) BuildValueTable();
+  if (!profile_) TakeValues();
+}
+
+void AttributeHandler::Keep(Fields& fields) {
+  std::map<std::string, Kept> kept;
+  for (const Stored& a : attributes_) {
+    if (a.value == a.first && a.at_start == a.first_at_start) continue;
+    kept[a.setup.name] = {Decode(a, a.value), Decode(a, a.at_start)};
+  }
+  fields("attributes", kept);
+  if (!fields.IsLoading()) return;
+  if (!kept.empty()) Prepare();
+  for (Stored& a : attributes_) {
+    a.value = a.first;
+    a.at_start = a.first_at_start;
+  }
+  for (const auto& [name, texts] : kept) {
+    const std::uint16_t handle = HandleOf(name);
+    fields.Require(handle != 0, "an attribute is unknown");
+    Stored& a = attributes_[std::size_t{handle} - kFirstAttribute];
+    try {
+      a.value = Encode(a, texts.now);
+      a.at_start = Encode(a, texts.at_start);
+    } catch (const std::logic_error& error) {
+      fields.Require(false, error.what());
+    }
+  }
+  if (!attributes_.empty()) BuildValueTable();
 }
 
 const AttributeHandler::Stored* AttributeHandler::Find(std::uint16_t handle) const {
@@ -173,10 +204,13 @@ AttributeHandler::Value AttributeHandler::Encode(const Stored& attribute,
     case AttributeKind::kInteger:
       value.QWord(std::stoull(text));
       break;
-    case AttributeKind::kBootOrder:
-      value.Byte(kDefaultBootConfig).Byte(kOrderedWithFailThrough);
-      value.ByteList(Positions(attribute, text));
+    case AttributeKind::kBootOrder: {
+      const bool has_mode = text.size() > 1 && text[1] == ':';
+      const int mode = has_mode ? text[0] - '0' : kOrderedWithFailThrough;
+      value.Byte(kDefaultBootConfig).Byte(static_cast<std::uint8_t>(mode));
+      value.ByteList(Positions(attribute, has_mode ? text.substr(2) : text));
       break;
+    }
     case AttributeKind::kCollection: {
       std::vector<std::uint16_t> members;
       for (const std::string& part : Parts(text)) members.push_back(HandleOf(part));
@@ -192,6 +226,44 @@ AttributeHandler::Value AttributeHandler::Encode(const Stored& attribute,
     Refuse(attribute.setup, text);
   }
   return value.Entries();
+}
+
+std::string AttributeHandler::Decode(const Stored& attribute, const Value& value) const {
+  bytes::Reader in(value);
+  std::string text;
+  const auto add = [&text](const std::string& part) { text += (text.empty() ? "" : "|") + part; };
+  const auto add_choices = [&](bytes::ByteSpan positions) {
+    for (const std::uint8_t position : positions) add(attribute.setup.choices.at(position));
+  };
+  switch (attribute.setup.kind) {
+    case AttributeKind::kEnumeration:
+      add_choices(in.Take(in.U8()));
+      break;
+    case AttributeKind::kString:
+      text = bytes::AsText(in.Take(in.U16()));
+      break;
+    case AttributeKind::kPassword:
+      break;
+    case AttributeKind::kInteger:
+      text = std::to_string(in.U64());
+      break;
+    case AttributeKind::kBootOrder: {
+      in.U8();
+      const std::uint8_t mode = in.U8();
+      add_choices(in.Take(in.U8()));
+      if (mode != kOrderedWithFailThrough) text = std::to_string(mode) + ":" + text;
+      break;
+    }
+    case AttributeKind::kCollection:
+      for (unsigned left = in.U8(); left > 0; --left) {
+        if (const Stored* const member = Find(in.U16())) add(member->setup.name);
+      }
+      break;
+    case AttributeKind::kConfigSet:
+      add_choices(in.Rest());
+      break;
+  }
+  return text;
 }
 
 void AttributeHandler::BuildTables() {
@@ -242,6 +314,11 @@ void AttributeHandler::BuildTables() {
       {ListedTable::kStringData, ListedTable::kDisplay, kDisplayTable, display.Finish()},
       {ListedTable::kStringData, ListedTable::kHelp, kHelpTable, help.Finish()},
   };
+  TakeValues();
+}
+
+void AttributeHandler::TakeValues() {
+  for (Stored& attribute : attributes_) attribute.at_start = attribute.value;
   BuildValueTable();
 }
 
@@ -250,7 +327,7 @@ void AttributeHandler::BuildValueTable() {
   for (const Stored& attribute : attributes_) {
     const auto type = static_cast<std::uint8_t>(attribute.setup.kind);
     values.Word(attribute.handle).Byte(attribute.setup.read_only ? type | kReadOnlyBit : type);
-    values.Bytes(attribute.value);
+    values.Bytes(attribute.at_start);
   }
   tables_[kValueTable].bytes = values.Finish();
 }

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "sim/attribute_tables.h"
+#include "sim/firmware/fields.h"
 #include "sim/firmware/handler.h"
 #include "sim/firmware/security.h"
 #include "sim/profile.h"
@@ -41,6 +42,7 @@ class AttributeHandler : public CommandHandler {
   AttributeHandler(std::shared_ptr<Security> security, const Profile& profile);
   void Handle(Call& call) override;
   void Reboot() override;
+  void Keep(Fields& fields) override;
 
  private:
   // A value as the tables and the answers hold it, behind handle and type.
@@ -51,6 +53,15 @@ class AttributeHandler : public CommandHandler {
     std::uint16_t name_handle = 0;
     std::vector<std::uint16_t> choice_handles;
     Value value;
+    Value at_start;  // what the tables say
+    Value first;     // both on a new machine
+    Value first_at_start;
+  };
+  // What is kept of an attribute that is no longer as on a new machine: texts as in a profile.
+  struct Kept {
+    std::string now;
+    std::string at_start;
+    void Keep(Fields& fields) { fields("now", now)("atStart", at_start); }
   };
   // The block in which an attribute is named and its value travels.
   struct Request {
@@ -62,6 +73,8 @@ class AttributeHandler : public CommandHandler {
   // Takes the profile's attributes, at the first call at the latest: most machines get none.
   void Prepare();
   void BuildTables();
+  // The machine starts: the tables take the values of now.
+  void TakeValues();
   void BuildValueTable();
   void ReadTable(Call& call) const;
   void ReadValue(Call& call) const;
@@ -74,6 +87,8 @@ class AttributeHandler : public CommandHandler {
   std::uint16_t HandleOf(std::string_view name) const;
   // What stands for a text of SetupAttribute.
   Value Encode(const Stored& attribute, const std::string& text) const;
+  // The text that stands for a value. A boot order may begin with the number of its mode.
+  std::string Decode(const Stored& attribute, const Value& value) const;
   std::vector<std::uint8_t> Positions(const Stored& attribute, const std::string& text) const;
   WriteStatus Check(const Stored& attribute, bytes::ByteSpan value) const;
 

@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <string>
+
+#include "sim/firmware/fields.h"
 
 namespace mira::sim {
 namespace {
@@ -88,6 +91,23 @@ void WritePeakShift(Call& call, Battery& battery) {
 }
 
 }  // namespace
+
+void BatteryHandler::Keep(Fields& fields) {
+  fields.Group("batteries", [&] {
+    NumberNames name;
+    for (Battery& b : batteries_) {
+      fields.Group(name(b.number), [&] {
+        fields.Parts("charging", [&] {
+          fields("mode", b.charging_mode)("start", b.start_limit)("stop", b.stop_limit);
+          fields("days", b.charging_days);
+        });
+        fields.Parts("peakShift", [&] {
+          fields("on", b.peak_shift)("threshold", b.peak_threshold)("days", b.peak_days);
+        });
+      });
+    }
+  });
+}
 
 void BatteryHandler::Handle(Call& call) {
   const bool is_read = call.Select() == 18;

@@ -15,6 +15,7 @@ class BatteryHandler : public CommandHandler {
  public:
   explicit BatteryHandler(std::vector<Battery> batteries) : batteries_(std::move(batteries)) {}
   void Handle(Call& call) override;
+  void Keep(Fields& fields) override;
 
  private:
   static void Read(Call& call, const Battery& battery);

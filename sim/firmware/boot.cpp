@@ -1,6 +1,7 @@
 #include "sim/firmware/boot.h"
 
 #include <algorithm>
+#include <string>
 
 #include "sim/device_path_builder.h"
 
@@ -86,6 +87,29 @@ void BootHandler::Reboot() {
   for (List& list : lists_) list.in_force = list.stored.order;
   in_use_ = next_start_ ? next_start_->list : chosen_;
   next_start_.reset();
+}
+
+void BootHandler::Keep(Fields& fields) {
+  fields.Group("boot", [&] {
+    fields("chosenList", chosen_)("listInUse", in_use_)("nextStart", next_start_);
+    // The two priorities are stored one after the other.
+    fields.Parts("legacy", [&] {
+      fields("iplPriority", legacy_.ipl_priority)("bcvPriority", legacy_.bcv_priority);
+    });
+    fields.Group("lists", [&] {
+      NumberNames name;
+      for (List& list : lists_) {
+        fields.Group(name(list.stored.value), [&] {
+          fields("order", list.stored.order)("inForce", list.in_force);
+          for (const auto* const order : {&list.stored.order, &list.in_force}) {
+            fields.Require(std::is_permutation(order->begin(), order->end(), list.delivered.begin(),
+                                               list.delivered.end()),
+                           "an order names every option once");
+          }
+        });
+      }
+    });
+  });
 }
 
 BootHandler::List* BootHandler::FindList(Call& call) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "sim/boot_lists.h"
+#include "sim/firmware/fields.h"
 #include "sim/firmware/handler.h"
 #include "sim/firmware/security.h"
 #include "sim/profile.h"
@@ -15,6 +16,8 @@ namespace mira::sim {
 
 // Class 3: what the machine boots from. A change is stored at once, read back by the commands below
 // and followed by the machine from its next start on. Argument 3 is the security key of a change.
+//
+// Selects 7, 8, 10 and 13 are the simulated firmware's own.
 //
 //   0  tell the list that the next start uses (result 2) and the one in use (result 3)
 //   1  choose the list of argument 1
@@ -36,6 +39,7 @@ class BootHandler : public CommandHandler {
   BootHandler(std::shared_ptr<Security> security, const Profile& profile);
   void Handle(Call& call) override;
   void Reboot() override;
+  void Keep(Fields& fields) override;
 
  private:
   struct List {
@@ -46,6 +50,7 @@ class BootHandler : public CommandHandler {
   struct NextStart {
     std::uint8_t list;
     std::uint16_t option;
+    void Keep(Fields& fields) { fields("list", list)("option", option); }
   };
   struct Command;
 

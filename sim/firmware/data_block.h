@@ -18,17 +18,16 @@ namespace mira::sim {
 // them to write; with 0 there the block is read. Argument 4 is the security key of a write.
 class DataBlockHandler : public CommandHandler {
  public:
-  DataBlockHandler(std::uint16_t size_select, std::uint16_t data_select,
-                   std::vector<DataBlock> blocks, std::shared_ptr<Security> security)
-      : size_select_(size_select),
-        data_select_(data_select),
-        blocks_(std::move(blocks)),
-        security_(std::move(security)) {}
+  // Takes those of the blocks that are of class `cls`.
+  DataBlockHandler(std::uint16_t cls, std::uint16_t size_select, std::uint16_t data_select,
+                   std::vector<DataBlock> blocks, std::shared_ptr<Security> security);
   void Handle(Call& call) override;
+  void Keep(Fields& fields) override;
 
  private:
   void Write(Call& call, DataBlock& block);
 
+  std::uint16_t cls_;
   std::uint16_t size_select_;
   std::uint16_t data_select_;
   std::vector<DataBlock> blocks_;

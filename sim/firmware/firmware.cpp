@@ -4,7 +4,6 @@
 #include <string>
 #include <utility>
 
-#include "bytes/secure.h"
 #include "sim/firmware/attributes.h"
 #include "sim/firmware/batteries.h"
 #include "sim/firmware/boot.h"
@@ -24,14 +23,16 @@ constexpr std::uint16_t kUnannouncedClass = 64;
 
 }  // namespace
 
-Firmware::Firmware(const Profile& profile) : supported_classes_(profile.supported_classes) {
-  auto security = std::make_shared<Security>(profile);
+Firmware::Firmware(const Profile& profile)
+    : supported_classes_(profile.supported_classes),
+      security_(std::make_shared<Security>(profile)) {
+  const auto& security = security_;
   auto tokens = std::make_shared<TokenStore>(profile.tokens);
   SetHandler(0, std::make_unique<TokenReadHandler>(tokens));
   SetHandler(1, std::make_unique<TokenWriteHandler>(tokens, security));
-  SetHandler(2, std::make_unique<DataBlockHandler>(0, 1, profile.data_blocks, security));
+  SetHandler(2, std::make_unique<DataBlockHandler>(2, 0, 1, profile.data_blocks, security));
   SetHandler(3, std::make_unique<BootHandler>(security, profile));
-  SetHandler(6, std::make_unique<DataBlockHandler>(4, 5, profile.data_blocks, security));
+  SetHandler(6, std::make_unique<DataBlockHandler>(6, 4, 5, profile.data_blocks, security));
   SetHandler(5, std::make_unique<AttributeHandler>(security, profile));
   SetHandler(7, std::make_unique<SkyportHandler>());
   SetHandler(8, std::make_unique<BatteryHandler>(profile.batteries));
@@ -54,23 +55,24 @@ void Firmware::SetHandler(std::uint16_t cls, std::unique_ptr<CommandHandler> han
   handlers_.at(cls) = std::move(handler);
 }
 
-void Firmware::Replay(const History& history) {
-  Faults none;
-  for (const History::Event& event : history.Events()) {
-    if (event.empty()) {
-      Reboot();
-      continue;
+void Firmware::Keep(Fields& fields) {
+  fields("starts", boot_count_);
+  fields.Group("firmware", [&] {
+    for (const auto& handler : handlers_) {
+      if (handler) handler->Keep(fields);
     }
-    std::vector<std::uint8_t> array = event;
-    Execute(array, none);
-    bytes::Wipe(array.data(), array.size());
-  }
-  journal_.clear();
+  });
 }
 
-void Firmware::Reboot() {
+void Firmware::Reboot() { Restart(Fields::Pass::kRestart); }
+
+void Firmware::PowerLoss() { Restart(Fields::Pass::kPowerLoss); }
+
+void Firmware::Restart(Fields::Pass pass) {
+  Node nowhere;
+  Fields late(pass, nowhere);
+  Keep(late);
   ++boot_count_;
-  history_.Add({});
   for (const auto& handler : handlers_) {
     if (handler) handler->Reboot();
   }
@@ -94,8 +96,9 @@ void Firmware::Execute(std::vector<std::uint8_t>& array, Faults& faults) {
   entry.record_length = static_cast<std::uint32_t>(call.Record().size());
   for (unsigned i = 0; i < 4; ++i) {
     const std::uint32_t arg = call.Arg(i + 1);
-    entry.masked[i] =
-        std::find(issued_keys_.begin(), issued_keys_.end(), arg) != issued_keys_.end();
+    // Also those that another program was given, and those from before the last start.
+    entry.masked[i] = security_->IsKey(arg) || std::find(issued_keys_.begin(), issued_keys_.end(),
+                                                         arg) != issued_keys_.end();
     if (!entry.masked[i]) entry.args[i] = arg;
   }
 
@@ -115,21 +118,16 @@ void Firmware::Execute(std::vector<std::uint8_t>& array, Faults& faults) {
     if (forced != hit.end()) {
       call.Complete(*(*forced)->completion);
     } else {
-      const bool changes = History::Changes(call.Record());
-      History::Event request;
-      if (changes) request.assign(call.Record().begin(), call.Record().end());
       call.Complete(Dispatch(call));
-      if (changes) {
-        if (auto event = History::Outcome(std::move(request), call.Completion())) {
-          history_.Add(std::move(*event));
-        }
-      }
     }
     entry.completion = call.Completion();
     bytes::Reader results(call.Record(), 24);
     for (std::uint32_t& result : entry.results) result = results.U32();
     if (call.HandedOutKey() != 0) {
-      issued_keys_.push_back(call.HandedOutKey());
+      if (std::find(issued_keys_.begin(), issued_keys_.end(), call.HandedOutKey()) ==
+          issued_keys_.end()) {
+        issued_keys_.push_back(call.HandedOutKey());
+      }
       entry.results[0] = 0;
     }
   }

@@ -8,7 +8,7 @@
 
 #include "sim/faults.h"
 #include "sim/firmware/handler.h"
-#include "sim/firmware/history.h"
+#include "sim/firmware/security.h"
 #include "sim/journal.h"
 #include "sim/profile.h"
 
@@ -28,11 +28,10 @@ class Firmware {
   // Puts a handler in charge of a class (0 to 64).
   void SetHandler(std::uint16_t cls, std::unique_ptr<CommandHandler> handler);
   void Reboot();
-
-  // What has happened since the machine was made, and the same once more on a machine just made.
-  // The journal keeps none of that.
-  const History& GetHistory() const { return history_; }
-  void Replay(const History& history);
+  // The same after a loss of power: what was to be written with the restart is lost.
+  void PowerLoss();
+  // Declares the state of all handlers. The journal is no part of it.
+  void Keep(Fields& fields);
 
   const std::vector<JournalEntry>& Journal() const { return journal_; }
   void ClearJournal() { journal_.clear(); }
@@ -44,11 +43,13 @@ class Firmware {
 
   std::int32_t Dispatch(Call& call);
 
+  void Restart(Fields::Pass pass);
+
   std::uint32_t supported_classes_;
+  std::shared_ptr<Security> security_;
   std::array<std::unique_ptr<CommandHandler>, kClasses> handlers_;
   std::vector<std::uint32_t> issued_keys_;
   std::vector<JournalEntry> journal_;
-  History history_;
   int boot_count_ = 1;
 };
 

@@ -24,12 +24,12 @@ Call::Call(std::span<std::uint8_t> record) {
   record_ = record.first(well_formed_ ? length : 0);
 }
 
-std::optional<std::string> Call::Text(unsigned index) const {
+std::optional<std::string_view> Call::Text(unsigned index) const {
   if (!IsOffset(index)) return std::nullopt;
   bytes::Reader in(record_, Arg(index));
   const std::string_view text = in.CString();
   if (!in.Ok()) return std::nullopt;
-  return std::string(text);
+  return text;
 }
 
 std::optional<std::span<std::uint8_t>> Call::DataArea(unsigned index) const {

@@ -14,7 +14,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
-#include <string>
+#include <string_view>
 #include <vector>
 
 #include "bytes/reader.h"
@@ -49,9 +49,9 @@ class Call {
 
   // The call's record, from its first byte to the length that it states.
   std::span<std::uint8_t> Record() const { return record_; }
-  // The NUL-terminated text at the offset in argument word `index`; nothing when the word is no
-  // offset, or the text leaves the record.
-  std::optional<std::string> Text(unsigned index) const;
+  // The NUL-terminated text at the offset in argument word `index`, where it stands in the record;
+  // nothing when the word is no offset, or the text leaves the record.
+  std::optional<std::string_view> Text(unsigned index) const;
   // The data area at the offset in argument word `index`: a 32-bit length, then that many bytes.
   // Gives the bytes behind the length word; nothing when the argument is no offset, or the area
   // leaves the record.
@@ -81,6 +81,8 @@ class Call {
   std::uint32_t handed_out_key_ = 0;
 };
 
+class Fields;
+
 class CommandHandler {
  public:
   virtual ~CommandHandler() = default;
@@ -88,6 +90,9 @@ class CommandHandler {
   virtual void Handle(Call& call) = 0;
   // The machine restarts: pending becomes current, counters start again.
   virtual void Reboot() {}
+  // Declares what the handler keeps beyond a call, each value in a group of the handler's own.
+  // Handlers that share a value may both declare it.
+  virtual void Keep(Fields&) {}
 };
 
 }  // namespace mira::sim

@@ -49,6 +49,16 @@ TagHandler::TagHandler(std::shared_ptr<Security> security, const Profile& profil
       mac_address_(profile.mac_address),
       extended_tags_(profile.extended_tags) {}
 
+void TagHandler::Keep(Fields& fields) {
+  fields.Group("tags", [&] {
+    fields("asset", asset_tag_)("service", service_tag_);
+    fields("imageServer", image_server_)("macAddress", mac_address_);
+    fields.Group("extended", [&] {
+      for (auto& [number, text] : extended_tags_) fields(std::to_string(number), text);
+    });
+  });
+}
+
 void TagHandler::Handle(Call& call) {
   switch (call.Select()) {
     case 0:

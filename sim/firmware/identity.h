@@ -7,6 +7,7 @@
 #include <string>
 #include <utility>
 
+#include "sim/firmware/fields.h"
 #include "sim/firmware/handler.h"
 #include "sim/firmware/security.h"
 #include "sim/profile.h"
@@ -20,6 +21,7 @@ class TagHandler : public CommandHandler {
  public:
   TagHandler(std::shared_ptr<Security> security, const Profile& profile);
   void Handle(Call& call) override;
+  void Keep(Fields& fields) override;
 
  private:
   void WriteTag(Call& call, std::string& tag) const;
@@ -43,6 +45,7 @@ class OwnershipTagHandler : public CommandHandler {
   OwnershipTagHandler(std::shared_ptr<Security> security, std::shared_ptr<std::string> tag)
       : security_(std::move(security)), tag_(std::move(tag)) {}
   void Handle(Call& call) override;
+  void Keep(Fields& fields) override { fields("ownershipTag", *tag_); }
 
  private:
   void Write(Call& call);
@@ -57,6 +60,7 @@ class EppidHandler : public CommandHandler {
  public:
   explicit EppidHandler(std::string eppid) : eppid_(std::move(eppid)) {}
   void Handle(Call& call) override;
+  void Keep(Fields& fields) override { fields("eppid", eppid_); }
 
  private:
   std::string eppid_;
@@ -67,6 +71,7 @@ class ThinClientHandler : public CommandHandler {
  public:
   explicit ThinClientHandler(std::string text) : text_(std::move(text)) {}
   void Handle(Call& call) override;
+  void Keep(Fields& fields) override { fields("thinClient", text_); }
 
  private:
   std::string text_;

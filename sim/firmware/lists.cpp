@@ -1,6 +1,9 @@
 #include "sim/firmware/lists.h"
 
 #include <algorithm>
+#include <string>
+
+#include "sim/firmware/fields.h"
 
 namespace mira::sim {
 namespace {
@@ -28,10 +31,20 @@ class List {
 
 ListHandler::ListHandler(const Profile& profile)
     : batteries_(profile.batteries),
-      messages_(profile.messages),
       buttons_(profile.tablet_buttons),
       sensors_(profile.thermal_sensors),
-      log_(profile.log) {}
+      log_(profile.log) {
+  for (const FirmwareMessage& message : profile.messages) messages_.push_back({message});
+}
+
+void ListHandler::Keep(Fields& fields) {
+  fields.Group("messages", [&] {
+    NumberNames name;
+    for (Message& message : messages_) {
+      fields.Late(name(message.number), message.seen, message.seen_is_written);
+    }
+  });
+}
 
 void ListHandler::Handle(Call& call) {
   List list;

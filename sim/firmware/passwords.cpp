@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <string_view>
 
 namespace mira::sim {
 namespace {
@@ -24,11 +25,11 @@ constexpr std::uint16_t kAdminClass = 9;
 
 // The text in a field that begins at an offset of the record and is ended by a NUL or the field's
 // end.
-std::optional<std::string> FieldText(const Call& call, std::size_t offset, std::size_t size) {
+std::optional<std::string_view> FieldText(const Call& call, std::size_t offset, std::size_t size) {
   bytes::Reader in(call.Record(), offset);
   const std::string_view text = in.FixedText(std::min(size, in.Left()));
   if (!in.Ok()) return std::nullopt;
-  return std::string(text);
+  return text;
 }
 
 }  // namespace
@@ -54,7 +55,7 @@ void PasswordHandler::Verify(Call& call, StoredPassword& password) {
   if (!password.IsInstalled()) return call.Complete(kError);
   switch (password.Verify(*text)) {
     case StoredPassword::Check::kRight:
-      return call.HandOutKey(security_->IssueKey());
+      return call.HandOutKey(security_->Key(call.Class()));
     case StoredPassword::Check::kWrong:
       return call.Complete(kWrongPassword);
     case StoredPassword::Check::kLocked:
@@ -63,10 +64,14 @@ void PasswordHandler::Verify(Call& call, StoredPassword& password) {
 }
 
 void PasswordHandler::Change(Call& call, StoredPassword& password) {
-  const std::size_t field = password.FieldSize();
+  // Two fields of one size stand behind the fixed part of 44 bytes, and the last text's NUL behind
+  // them.
+  constexpr std::size_t kOverhead = 45;
+  const std::size_t length = call.Record().size();
+  const std::size_t field = length > kOverhead ? (length - kOverhead) / 2 : 0;
   const auto old_text = call.IsOffset(1) ? FieldText(call, call.Arg(1), field) : std::nullopt;
   const auto new_text =
-      call.IsOffset(1) ? FieldText(call, call.Arg(1) + field, field) : std::nullopt;
+      call.IsOffset(1) ? FieldText(call, call.Arg(1) + field, field + 1) : std::nullopt;
   if (!old_text || !new_text) return call.Complete(kBadFormat);
   if (password.IsInstalled()) {
     const StoredPassword::Check check = password.Verify(*old_text);
@@ -112,6 +117,15 @@ void SystemPasswordHandler::Reboot() {
   for (StoredDrive& drive : drives_) drive.password.Reboot();
 }
 
+void SystemPasswordHandler::Keep(Fields& fields) {
+  security().Keep(fields);
+  users_.Keep(fields);
+  fields.Group("drives", [&] {
+    NumberNames name;
+    for (StoredDrive& stored : drives_) fields(name(stored.drive.handle), stored.password);
+  });
+}
+
 void SystemPasswordHandler::ListDrives(Call& call) const {
   std::vector<std::uint8_t> list;
   for (const StoredDrive& stored : drives_) {
@@ -141,7 +155,7 @@ void SystemPasswordHandler::TellWhetherAdminIsNeeded(Call& call) {
 }
 
 bool SystemPasswordHandler::IsAllowed(Call& call, unsigned admin, StoredDrive& drive,
-                                      const std::string& current) {
+                                      std::string_view current) {
   StoredPassword& setup = security().ForClass(kAdminClass);
   if (setup.IsInstalled() &&
       setup.Verify(call.Text(admin).value_or("")) != StoredPassword::Check::kRight) {

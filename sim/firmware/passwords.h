@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -18,6 +19,7 @@ class PasswordHandler : public CommandHandler {
  public:
   explicit PasswordHandler(std::shared_ptr<Security> security) : security_(std::move(security)) {}
   void Handle(Call& call) override;
+  void Keep(Fields& fields) override { security_->Keep(fields); }
 
  protected:
   Security& security() const { return *security_; }
@@ -36,6 +38,7 @@ class SystemPasswordHandler : public PasswordHandler {
   SystemPasswordHandler(std::shared_ptr<Security> security, const Profile& profile);
   void Handle(Call& call) override;
   void Reboot() override;
+  void Keep(Fields& fields) override;
 
  private:
   struct StoredDrive {
@@ -50,7 +53,7 @@ class SystemPasswordHandler : public PasswordHandler {
   StoredDrive* FindDrive(Call& call);
   // Whether the setup password in argument `admin` is right, or none is installed, and `current` is
   // the drive's password. Completes the call otherwise.
-  bool IsAllowed(Call& call, unsigned admin, StoredDrive& drive, const std::string& current);
+  bool IsAllowed(Call& call, unsigned admin, StoredDrive& drive, std::string_view current);
 
   std::vector<StoredDrive> drives_;
   PreBootUsers users_;

@@ -65,13 +65,31 @@ PreBootUsers::PreBootUsers(std::shared_ptr<Security> security, const PreBoot& pr
 }
 
 void PreBootUsers::Reboot() {
-  configuration_key_ = 0;
   fetched_.clear();
   authenticated_.reset();
   const auto id = FromText<UserId>(profile_.authenticates);
   for (const User& user : users_) {
     if (user.id == id && (user.permitted & profile_.method) != 0) authenticated_ = user;
   }
+}
+
+void PreBootUsers::User::Keep(Fields& fields) {
+  // Filling zeros are no part of a passphrase.
+  const std::string_view bytes = bytes::AsText(key);
+  const std::size_t size = bytes.find_last_not_of('\0') + 1;
+  bytes::SecureString passphrase(bytes.substr(0, size));
+  fields("id", id)("passphrase", passphrase)("permitted", permitted)("required", required);
+  if (!fields.IsLoading()) return;
+  fields.Require(passphrase.size() <= key.size(), "a passphrase has 16 bytes at most");
+  key = {};
+  std::copy(passphrase.str().begin(), passphrase.str().end(), key.begin());
+}
+
+void PreBootUsers::Keep(Fields& fields) {
+  fields.Group("preBoot", [&] {
+    fields("users", users_)("authenticated", authenticated_)("fetched", fetched_);
+    fields.Require(users_.size() <= profile_.capacity, "there are more users than places");
+  });
 }
 
 bool PreBootUsers::Handle(Call& call) {
@@ -103,7 +121,7 @@ bool PreBootUsers::Handle(Call& call) {
 }
 
 bool PreBootUsers::Opens(Call& call, std::uint32_t key) const {
-  if (configuration_key_ != 0 && key == configuration_key_) return true;
+  if (key == security_->Key(Security::kPreBootConfiguration)) return true;
   call.Complete(kWrongConfigurationKey);
   return false;
 }
@@ -135,8 +153,7 @@ void PreBootUsers::HandOutConfigurationKey(Call& call) {
   if (password.Verify(*text) != StoredPassword::Check::kRight) {
     return call.Complete(kWrongPassword);
   }
-  configuration_key_ = security_->NextKey();
-  call.HandOutKey(configuration_key_);
+  call.HandOutKey(security_->Key(Security::kPreBootConfiguration));
 }
 
 void PreBootUsers::Add(Call& call) {
@@ -183,7 +200,7 @@ void PreBootUsers::TellAuthenticated(Call& call) const {
 }
 
 void PreBootUsers::HandOutCredential(Call& call) {
-  const std::uint32_t bitmap = call.Arg(1);
+  const std::uint32_t bitmap = call.Arg(1) & profile_.methods;
   if (!authenticated_ || (bitmap & profile_.method) == 0) return call.Complete(kNotWithThisMethod);
   if (std::find(fetched_.begin(), fetched_.end(), bitmap) != fetched_.end()) {
     return call.Complete(kFetchedBefore);

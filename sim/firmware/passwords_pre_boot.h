@@ -25,6 +25,7 @@ class PreBootUsers {
   // False for a select that is none of these.
   bool Handle(Call& call);
   void Reboot();
+  void Keep(Fields& fields);
 
  private:
   using UserId = std::array<std::uint8_t, 8>;
@@ -34,6 +35,7 @@ class PreBootUsers {
     UserKey key;
     std::uint32_t permitted;
     std::uint32_t required;
+    void Keep(Fields& fields);
   };
 
   void Configure(Call& call);
@@ -50,9 +52,9 @@ class PreBootUsers {
   std::shared_ptr<Security> security_;
   PreBoot profile_;
   std::vector<User> users_;
-  std::uint32_t configuration_key_ = 0;  // 0: none was handed out since the start
   std::optional<User> authenticated_;
-  std::vector<std::uint32_t> fetched_;  // bitmaps that credentials were fetched with
+  // Bitmaps that credentials were fetched with, without the bits of methods that there are not.
+  std::vector<std::uint32_t> fetched_;
 };
 
 }  // namespace mira::sim

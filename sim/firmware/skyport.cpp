@@ -1,5 +1,7 @@
 #include "sim/firmware/skyport.h"
 
+#include "sim/firmware/fields.h"
+
 namespace mira::sim {
 
 void SkyportHandler::Handle(Call& call) {
@@ -18,5 +20,7 @@ void SkyportHandler::Handle(Call& call) {
   bytes::Writer(bytes).U32(word);
   if (call.IsOffset(1)) call.AnswerData(bytes);
 }
+
+void SkyportHandler::Keep(Fields& fields) { fields.Late("skyport", words_, written_); }
 
 }  // namespace mira::sim

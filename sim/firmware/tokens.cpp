@@ -1,5 +1,7 @@
 #include "sim/firmware/tokens.h"
 
+#include <string>
+
 namespace mira::sim {
 namespace {
 
@@ -19,6 +21,12 @@ TokenStore::Value* TokenStore::Find(std::uint32_t location) {
 
 void TokenStore::Reboot() {
   for (auto& [location, value] : values_) value.current = value.pending;
+}
+
+void TokenStore::Keep(Fields& fields) {
+  fields.Group("tokens", [&] {
+    for (auto& [location, value] : values_) fields(std::to_string(location), value);
+  });
 }
 
 void TokenReadHandler::Handle(Call& call) {

@@ -20,10 +20,12 @@ class TokenStore {
   struct Value {
     std::uint32_t current;
     std::uint32_t pending;
+    void Keep(Fields& fields) { fields("current", current)("pending", pending); }
   };
   // Null for a location that no token names.
   Value* Find(std::uint32_t location);
   void Reboot();
+  void Keep(Fields& fields);
 
  private:
   std::map<std::uint32_t, Value> values_;
@@ -36,6 +38,7 @@ class TokenReadHandler : public CommandHandler {
   explicit TokenReadHandler(std::shared_ptr<TokenStore> store) : store_(std::move(store)) {}
   void Handle(Call& call) override;
   void Reboot() override { store_->Reboot(); }
+  void Keep(Fields& fields) override { store_->Keep(fields); }
 
  private:
   std::shared_ptr<TokenStore> store_;

@@ -26,8 +26,8 @@ SMBiosCI* CAssetSvcTagBuffer::FillInputBuffer(std::uint32_t securityKey, std::ui
   SMBiosCI* const record = NewKeyedRecord(kArea, request, securityKey, 4);
   std::uint32_t words[3] = {};
   for (std::size_t i = 0; i < std::min(request.Tag.size(), kLongestTag); ++i) {
-    // A character of 0x80 and above is sign-extended, so that it sets the bytes above its own, too:
-    // firmware in the field expects it so.
+    // A character of 0x80 and above is sign-extended and thereby also sets all higher bytes of its
+    // word: firmware in the field expects it.
     const auto extended = static_cast<std::uint32_t>(static_cast<signed char>(request.Tag[i]));
     words[i / kCharactersPerWord] |= extended << (8 * (i % kCharactersPerWord));
   }

@@ -27,6 +27,7 @@ SMBiosCI* CAuxMACBuffer::FillInputBuffer(std::uint32_t securityKey, std::uint32_
     mira::bytes::Writer out(Record(), kArea);
     out.U32(kTextSize);
     out.Text(std::string_view(request.MAC.data(), request.MAC.size()));
+    if (!out.Ok()) return nullptr;
   }
   return Sized(size);
 }

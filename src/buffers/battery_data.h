@@ -38,9 +38,9 @@ struct MIRA_API ADV_BATT_CONFIG : BATTERY_INFO {
 
   std::uint32_t Version = 0;
   std::array<std::uint32_t, 7> DaySchedule{};  // Sunday first
-  std::uint8_t ChargingMode = 0;
-  std::uint8_t StartChargingLimit = 0;  // percent
-  std::uint8_t StopChargingLimit = 0;   // percent
+  std::uint8_t ChargingMode = 0;               // codes: the firmware's; see docs/identity.md
+  std::uint8_t StartChargingLimit = 0;         // percent
+  std::uint8_t StopChargingLimit = 0;          // percent
 };
 
 // Peak shift: command 4 of select 18, command 1 of select 19.
@@ -61,8 +61,9 @@ namespace mira::battery {
 inline constexpr const char* kDays[7] = {"Sunday",   "Monday", "Tuesday", "Wednesday",
                                          "Thursday", "Friday", "Saturday"};
 
-// One day of a schedule. Times are quarter hours since midnight, 0 to 96 (24:00). In the word they
-// are bytes 0, 1 and 2; byte 3 is 0. A word of 0 is a day without a schedule.
+// A day in quarter hours (0 to 96), in the word's bytes 0 to 2; a word of 0 is off. No standard
+// lays the word out: this form is the simulated firmware's own, and a real machine's may be
+// another.
 struct DayTimes {
   std::uint8_t begin = 0;
   std::uint8_t end = 0;

@@ -10,10 +10,13 @@ std::uint32_t Word(std::uint8_t byte0, std::uint8_t byte1, std::uint8_t byte2,
          std::uint32_t{byte3} << 24;
 }
 
+// False when the area is too short.
 template <typename Config>
-void WriteSchedule(mira::bytes::Writer out, const Config& config) {
+bool WriteSchedule(mira::bytes::MutableByteSpan area, const Config& config) {
+  mira::bytes::Writer out(area);
   out.U32(config.Version);
   for (const std::uint32_t day : config.DaySchedule) out.U32(day);
+  return out.Ok();
 }
 
 }  // namespace
@@ -23,24 +26,25 @@ SMBiosCI* CBatteryInfoSetBuffer::FillInputBuffer(std::uint32_t, std::uint32_t& s
   const BATTERY_INFO& request = dynamic_cast<BATTERY_INFO&>(data);
   NewBatteryRecord(kArea + kConfigArea, request);
   AddConfigArea(3);
+  bool encoded = true;
   if (CommandOf(request) == BATTERY_SET_ADVANCED) {
-    Encode(dynamic_cast<ADV_BATT_CONFIG&>(data));
+    encoded = Encode(dynamic_cast<ADV_BATT_CONFIG&>(data));
   } else if (CommandOf(request) == BATTERY_SET_PEAK_SHIFT) {
-    Encode(dynamic_cast<PEAK_SHIFT_CONFIG&>(data));
+    encoded = Encode(dynamic_cast<PEAK_SHIFT_CONFIG&>(data));
   }
-  return Sized(size);
+  return encoded ? Sized(size) : nullptr;
 }
 
-void CBatteryInfoSetBuffer::Encode(const ADV_BATT_CONFIG& config) {
+bool CBatteryInfoSetBuffer::Encode(const ADV_BATT_CONFIG& config) {
   m_pCIBuffer->cbArg2 =
       Word(config.ChargingMode, config.StartChargingLimit, config.StopChargingLimit);
-  WriteSchedule(mira::bytes::Writer(Record(), kData), config);
+  return WriteSchedule(Record().subspan(kData), config);
 }
 
-void CBatteryInfoSetBuffer::Encode(const PEAK_SHIFT_CONFIG& config) {
+bool CBatteryInfoSetBuffer::Encode(const PEAK_SHIFT_CONFIG& config) {
   m_pCIBuffer->cbArg2 = Word(config.Enabled ? 1 : 0, config.CurrentThreshold,
                              config.MinimumThreshold, config.MaximumThreshold);
-  WriteSchedule(mira::bytes::Writer(Record(), kData), config);
+  return WriteSchedule(Record().subspan(kData), config);
 }
 
 SMBiosCI* CBatteryInfoSetBuffer::PromptInputBuffer(std::uint32_t securityKey, std::uint32_t& size,

@@ -16,8 +16,8 @@ class CBatteryInfoSetBuffer : public CBatteryInfoBuffer {
   SMBiosCI* PromptInputBuffer(std::uint32_t securityKey, std::uint32_t& size, bool prompt) override;
 
  private:
-  void Encode(const ADV_BATT_CONFIG& config);
-  void Encode(const PEAK_SHIFT_CONFIG& config);
+  bool Encode(const ADV_BATT_CONFIG& config);
+  bool Encode(const PEAK_SHIFT_CONFIG& config);
 };
 
 #endif  // MIRA_BUFFERS_BATTERY_INFO_SET_BUFFER_H_

@@ -53,6 +53,7 @@ void CBuffer::InitExtendedBuffer(mira::bytes::MutableByteSpan area) {
   mira::bytes::Writer out(area);
   out.U32(static_cast<std::uint32_t>(area.size() - kWord));
   for (std::size_t words = area.size() / kWord - 1; words > 0; --words) out.U32(kSignature);
+  static_cast<void>(out.Ok());  // the words were counted, so they fit
 }
 
 SMBiosCI* CBuffer::FillInputBuffer(std::uint32_t securityKey, std::uint32_t& size,

@@ -1,13 +1,26 @@
 #include "buffers/console_io.h"
 
 #include <algorithm>
-#include <charconv>
 #include <iostream>
+#include <limits>
 #include <string_view>
 #include <utility>
 
+#include "buffers/prompt_input.h"
 #include "bytes/secure.h"
+#include "bytes/text.h"
 #include "bytes/utf16.h"
+
+namespace mira::buffers {
+namespace {
+
+bool input_ended = false;
+
+}  // namespace
+
+bool InputEnded() noexcept { return input_ended; }
+
+}  // namespace mira::buffers
 
 namespace mira::console_io {
 namespace {
@@ -34,14 +47,15 @@ bool ReadLine(bytes::SecureString& line) {
   return !line.empty();
 }
 
-// Asks until a line comes that `accept` takes.
+// Asks until `accept` takes a line.
 template <typename Accept>
 bool Ask(const char* prompt, const Accept& accept) {
   bytes::SecureString line;
   line.str().reserve(256);
   for (;;) {
     std::cout << prompt << std::flush;
-    if (!ReadLine(line)) return false;
+    buffers::input_ended = !ReadLine(line);
+    if (buffers::input_ended) return false;
     std::string_view answer = line;
     if (answer.ends_with('\r')) answer.remove_suffix(1);
     if (accept(answer)) return true;
@@ -51,12 +65,10 @@ bool Ask(const char* prompt, const Accept& accept) {
 bool ParseNumber(std::string_view text, int base, std::uint32_t& value) {
   text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
   text = text.substr(0, text.find_last_not_of(kBlanks) + 1);
-  if (base == 16 && (text.starts_with("0x") || text.starts_with("0X"))) text.remove_prefix(2);
-  std::uint32_t parsed = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), parsed, base);
-  if (error != std::errc() || end != text.data() + text.size()) return false;
-  value = parsed;
-  return true;
+  if (base == 16) text = bytes::WithoutHexPrefix(text).value_or(text);
+  const auto parsed = bytes::ParseDigits(text, base, std::numeric_limits<std::uint32_t>::max());
+  if (parsed) value = static_cast<std::uint32_t>(*parsed);
+  return parsed.has_value();
 }
 
 }  // namespace

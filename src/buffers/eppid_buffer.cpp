@@ -37,7 +37,7 @@ SMBiosCI* CEPPIDBuffer::FillInputBuffer(std::uint32_t securityKey, std::uint32_t
     out.Bytes(text);
     out.U8(Checksum(text));
   }
-  return Sized(size);
+  return out.Ok() ? Sized(size) : nullptr;
 }
 
 void CEPPIDBuffer::ParseOutputBuffer(IBIOSData& data) {

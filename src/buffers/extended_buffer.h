@@ -23,8 +23,8 @@ class CExtendedBuffer : public CBuffer {
   SMBiosCI* NewKeyedRecord(std::uint64_t length, const CSimpleTokenData& data,
                            std::uint32_t securityKey, unsigned key_argument);
 
-  // What a call with an area returns: its record, or null when there is none; tells the caller the
-  // record's length.
+  // The record of a call with an area, whose length it stores in `size`. Null, and `size` as it
+  // was, when there is no record.
   SMBiosCI* Sized(std::uint32_t& size) const;
 
   // A read of as many bytes as `room`: the words and key of the request as in the base, the area

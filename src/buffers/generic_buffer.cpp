@@ -18,7 +18,9 @@ SMBiosCI* CGenericBuffer::FillInputBuffer(std::uint32_t, std::uint32_t& size, IB
   if (request.IsRead) {
     InitExtendedBuffer(DataArea());
   } else {
-    mira::bytes::Writer(Record(), kArea).Bytes({request.Data, request.DataLength});
+    mira::bytes::Writer out(Record(), kArea);
+    out.Bytes({request.Data, request.DataLength});
+    if (!out.Ok()) return nullptr;
   }
   return Sized(size);
 }

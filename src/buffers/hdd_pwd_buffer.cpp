@@ -122,7 +122,7 @@ SMBiosCI* CHDDPwdBuffer::FillInputBuffer(std::uint32_t, std::uint32_t& size, IBI
     if (record == nullptr) return nullptr;
     record->cbArg1 = request.HDDHandle;
     if (is_change) record->cbArg4 = request.ATASecurityMode;
-    strings.Write(*record, Record());
+    if (!strings.Write(*record, Record())) return nullptr;
   }
   size = record->cbLength;
   return record;

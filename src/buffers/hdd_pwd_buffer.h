@@ -25,8 +25,7 @@ struct MIRA_API CHDDPwd : CSimpleTokenData {
   std::uint32_t HDDHandle = 0;  // as the list gives it
   std::string Password;         // to verify; for a change, the current one, empty when none is set
   std::string NewPassword;      // for a change; empty to clear
-  std::string
-      AdminPassword;  // where the platform asks for it (class 10 select 12 tells), else empty
+  std::string AdminPassword;    // where class 10 select 12 says that it is required, else empty
   std::uint32_t ATASecurityMode = 0;  // for a change without an administrator password: 0 or 1
   // Filled by the list operation, behind what stands there: handle and description.
   std::list<std::pair<std::uint8_t, std::string>> HDDList;

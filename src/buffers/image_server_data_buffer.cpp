@@ -28,7 +28,9 @@ SMBiosCI* CImageServerDataBuffer::PromptInputBuffer(std::uint32_t, std::uint32_t
                                    std::numeric_limits<std::size_t>::max())) {
       return nullptr;
     }
-    mira::bytes::Writer(Record(), kData).Text(text.substr(0, kLongestText));
+    mira::bytes::Writer out(Record(), kData);
+    out.Text(text.substr(0, kLongestText));
+    if (!out.Ok()) return nullptr;
   }
   return Sized(size);
 }

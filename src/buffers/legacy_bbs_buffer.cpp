@@ -67,7 +67,7 @@ SMBiosCI* CLegacyBBSBuffer::BuildWrite(const CLegacyBBSIPLPriority& request,
   mira::bytes::Writer out(Record(), kArea);
   out.Bytes(Slice(request.IPLPriority, 0, count));
   out.Bytes(Slice(request.BCVPriority, 0, count));
-  return record;
+  return out.Ok() ? record : nullptr;
 }
 
 SMBiosCI* CLegacyBBSBuffer::FillInputBuffer(std::uint32_t securityKey, std::uint32_t& size,
@@ -94,7 +94,6 @@ SMBiosCI* CLegacyBBSBuffer::PromptInputBuffer(std::uint32_t securityKey, std::ui
                                        data.EntryLength)) {
         return nullptr;
       }
-      data.Count = data.MaxDevices;
       break;
     case kWriteIpl:
     case kWriteBcv:

@@ -27,7 +27,9 @@ SMBiosCI* COwnershipTagBuffer::FillInputBuffer(std::uint32_t securityKey, std::u
     // byte, which ends it.
     std::string text = request.Tag.substr(0, kLongestTag);
     text.resize(kAreaSize - 1, ' ');
-    mira::bytes::Writer(Record(), kArea).Text(text);
+    mira::bytes::Writer out(Record(), kArea);
+    out.Text(text);
+    if (!out.Ok()) return nullptr;
   }
   return Sized(size);
 }

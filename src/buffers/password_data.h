@@ -15,8 +15,8 @@ struct MIRA_API CVerifyPwdData : CSimpleTokenData {
   CVerifyPwdData& operator=(const CVerifyPwdData& other);
   ~CVerifyPwdData() override;
 
-  // Size in bytes of each password field of the record: the longest password (result of select 3)
-  // and its NUL.
+  // Size in bytes of a password field of the record. To verify: the longest password, as select 3
+  // reports it, and its NUL. For a change: the longest password, which each text may have.
   std::uint32_t MaxPwdLen = 0;
   // The password; for a change, the old one.
   std::string Password;

@@ -19,16 +19,24 @@ class CPBABuffer : public CBuffer {
   void DisplayReturnCode() override;
 
  private:
-  SMBiosCI* PromptPassword(std::uint32_t securityKey, std::uint32_t& size);
-  SMBiosCI* PromptPasswordChange(std::uint32_t securityKey, std::uint32_t& size);
-  SMBiosCI* PromptConfiguration();
-  SMBiosCI* PromptAddUser();
-  SMBiosCI* PromptDeleteUser();
-  SMBiosCI* BuildAuthenticatedUser();
-  SMBiosCI* PromptCredential();
-  SMBiosCI* PromptExistence();
-  SMBiosCI* PromptLookUp();
-  // A record with the key as argument 1 and the items at offset 44, named by `argument`.
+  // What one select does at the console.
+  struct Select;
+  static const Select kSelects[];
+  const Select* FindSelect() const;
+
+  // Each asks for what its select needs and builds the record; null when the input ended or no
+  // record holds the answers.
+  SMBiosCI* PromptPassword(std::uint32_t securityKey);
+  SMBiosCI* PromptPasswordChange(std::uint32_t securityKey);
+  SMBiosCI* PromptConfiguration(std::uint32_t securityKey);
+  SMBiosCI* PromptAddUser(std::uint32_t securityKey);
+  SMBiosCI* PromptDeleteUser(std::uint32_t securityKey);
+  SMBiosCI* BuildAuthenticatedUser(std::uint32_t securityKey);
+  SMBiosCI* PromptCredential(std::uint32_t securityKey);
+  SMBiosCI* PromptExistence(std::uint32_t securityKey);
+  SMBiosCI* PromptLookUp(std::uint32_t securityKey);
+  // A record with the configuration key as argument 1 and the items at offset 44, named by
+  // `argument`; `behind` more bytes follow them.
   SMBiosCI* NewItemRecord(std::uint32_t configuration_key, unsigned argument,
                           mira::bytes::ByteSpan items, std::uint32_t behind = 0);
   void DisplayUser() const;

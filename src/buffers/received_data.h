@@ -9,7 +9,7 @@
 //   for (const CThermalSensors::Entry& sensor : sensors.Entries) ...
 //
 // The first argument word names the answer's place, so a request's own arguments are Arg2 to Arg4.
-// A plain CSimpleTokenData may be handed in, too, and receives the four result words.
+// A plain CSimpleTokenData is accepted as well and receives the four result words only.
 //
 // Of the firmware it is assumed that an answer is a list of entries, one behind the other, with
 // little-endian numbers in the order of the fields below and texts ended by a NUL. An entry that

@@ -5,7 +5,8 @@
 // offset in an argument word.
 //
 //   StringArguments strings({{2, data.Password}, {3, data.NewPassword}});
-//   if (SMBiosCI* record = NewRecord(strings.RecordLength())) strings.Write(*record, Record());
+//   SMBiosCI* record = NewRecord(strings.RecordLength());
+//   if (record == nullptr || !strings.Write(*record, Record())) return nullptr;
 
 #include <cstdint>
 #include <initializer_list>
@@ -32,13 +33,14 @@ class StringArguments {
     return length;
   }
 
-  // Into a record of that length.
-  void Write(SMBiosCI& record, bytes::MutableByteSpan bytes) const {
+  // Into a record of that length. False when it is shorter.
+  [[nodiscard]] bool Write(SMBiosCI& record, bytes::MutableByteSpan bytes) const {
     bytes::Writer out(bytes, transport::kFixedRecordSize);
     for (const Entry& entry : entries_) {
       transport::SetArgOffset(record, entry.argument, static_cast<std::uint32_t>(out.Offset()));
       out.Text(entry.text);
     }
+    return out.Ok();
   }
 
  private:

@@ -13,13 +13,14 @@ SMBiosCI* CTagEx::FillInputBuffer(std::uint32_t securityKey, std::uint32_t& size
     if (record != nullptr) record->cbArg1 = request.Arg1;
     return Sized(size);
   }
-  // The text stands where the area begins, without a length, yet the record is as long as with one.
+  // The text lies at the area's start without a length word, but the record has room for one.
   const std::uint64_t length = std::uint64_t{kData} + request.Tag.size() + 1;
   SMBiosCI* const record = NewKeyedRecord(length, request, securityKey, 3);
   if (record == nullptr) return nullptr;
   mira::transport::SetArgOffset(*record, 2, kArea);
-  mira::bytes::Writer(Record(), kArea).Text(request.Tag);
-  return Sized(size);
+  mira::bytes::Writer out(Record(), kArea);
+  out.Text(request.Tag);
+  return out.Ok() ? Sized(size) : nullptr;
 }
 
 SMBiosCI* CTagEx::PromptInputBuffer(std::uint32_t securityKey, std::uint32_t& size, bool prompt) {

@@ -28,6 +28,7 @@ SMBiosCI* CThinClientInfoBuffer::FillInputBuffer(std::uint32_t securityKey, std:
     mira::bytes::Writer out(Record(), kArea);
     out.U32(static_cast<std::uint32_t>(text_size));
     out.Text(request.Tag);
+    if (!out.Ok()) return nullptr;
   }
   return Sized(size);
 }

@@ -6,9 +6,9 @@
 #include <utility>
 
 #include "buffers/console_io.h"
-#include "buffers/device_path_nodes.h"
 #include "bytes/reader.h"
 #include "bytes/writer.h"
+#include "devicepath/nodes.h"
 
 namespace {
 
@@ -23,7 +23,7 @@ ByteSpan ReadOption(ByteSpan bytes, CUEFILOList::LoadOption& option) {
   Reader in(bytes);
   option.Attributes = in.U32();
   option.FilePathListLength = in.U16();
-  option.Description = mira::boot::TakeWideText(in);
+  option.Description = mira::devicepath::TakeWideText(in);
   return in.Rest();
 }
 
@@ -36,24 +36,23 @@ std::unique_ptr<CUEFILOList::LegacyFilePathList> ReadLegacy(ByteSpan path) {
   record->DeviceType = in.U16();
   record->StatusFlag = in.U16();
   if (!in.Ok()) return nullptr;
-  record->Description = mira::boot::TakeText(in);
+  record->Description = mira::devicepath::TakeText(in);
   return record;
 }
 
-// The display does not know the kind of its list and tells by the bytes: a legacy entry is no chain
-// of nodes, and begins with the boot specification's type or with what can be no node at all.
-bool IsLegacy(ByteSpan path) {
+// Where nobody said of which kind the list is, the bytes are asked: a legacy entry is no path, and
+// begins with the boot specification's type or with what can be no node at all.
+bool LooksLegacy(ByteSpan path) {
   constexpr std::uint8_t kBootSpecification = 5;
-  if (mira::boot::IsDevicePath(path)) return false;
+  if (mira::devicepath::IsDevicePath(path)) return false;
   Reader in(path);
-  return !mira::boot::NextNode(in) || path[0] == kBootSpecification;
+  return !mira::devicepath::NextNode(in) || path[0] == kBootSpecification;
 }
 
 }  // namespace
 
 CUEFIBootList::~CUEFIBootList() = default;
 CUEFILOList::~CUEFILOList() = default;
-CUEFILOList::GenericDevicePath::~GenericDevicePath() = default;
 
 SMBiosCI* CUEFIBootBuffer::BuildWrite(std::uint32_t room, std::uint32_t securityKey,
                                       const CUEFILOList& request) {
@@ -66,7 +65,7 @@ SMBiosCI* CUEFIBootBuffer::BuildWrite(std::uint32_t room, std::uint32_t security
   SetArgOffset(*record, 2, kArea);
   mira::bytes::Writer out(Record(), kArea);
   for (std::uint32_t i = 0; i < request.Count; ++i) out.U16(request.BootOrder[i]);
-  return record;
+  return out.Ok() ? record : nullptr;
 }
 
 SMBiosCI* CUEFIBootBuffer::FillInputBuffer(std::uint32_t securityKey, std::uint32_t& size,
@@ -78,6 +77,7 @@ SMBiosCI* CUEFIBootBuffer::FillInputBuffer(std::uint32_t securityKey, std::uint3
       break;
     case kOptions: {
       const CUEFILOList& request = dynamic_cast<CUEFILOList&>(data);
+      m_oIsUEFI = request.IsUEFI;
       record = NewRead(size, CSimpleTokenData(), 0, 2);
       if (record != nullptr) record->cbArg1 = request.ListEnum & 0xFF;
       break;
@@ -114,7 +114,9 @@ SMBiosCI* CUEFIBootBuffer::PromptInputBuffer(std::uint32_t securityKey, std::uin
       data.BootOrder.push_back(static_cast<std::uint16_t>(number));
     }
   }
-  return FillInputBuffer(securityKey, size, data);
+  SMBiosCI* const record = FillInputBuffer(securityKey, size, data);
+  m_oIsUEFI.reset();  // nobody said it
+  return record;
 }
 
 void CUEFIBootBuffer::ReadLists(CUEFIBootList& result) const {
@@ -126,11 +128,12 @@ void CUEFIBootBuffer::ReadLists(CUEFIBootList& result) const {
   while (names.Ok() && result.Items.size() < count) {
     CUEFIBootList::Item item{in.U8(), {}};
     bool terminated = false;
-    item.Name = mira::boot::TakeWideText(names, &terminated);
+    item.Name = mira::devicepath::TakeWideText(names, &terminated);
     if (!terminated) break;
     result.Items.push_back(std::move(item));
   }
   result.Count = static_cast<std::uint32_t>(result.Items.size());
+  result.IsComplete = in.Ok() && result.Items.size() == count;
 }
 
 void CUEFIBootBuffer::ReadOptions(CUEFILOList& result) const {
@@ -141,7 +144,6 @@ void CUEFIBootBuffer::ReadOptions(CUEFILOList& result) const {
   while (result.BootOrder.size() < count && in.Left() >= sizeof(std::uint16_t)) {
     result.BootOrder.push_back(in.U16());
   }
-  if (result.BootOrder.size() < count) in = Reader();
   while (result.Options.size() < count) {
     CUEFILOList::LoadOption option;
     option.Index = in.U16();
@@ -151,20 +153,25 @@ void CUEFIBootBuffer::ReadOptions(CUEFILOList& result) const {
     option.Option.assign(bytes.begin(), bytes.end());
     const ByteSpan path = ReadOption(bytes, option);
     if (result.IsUEFI) {
-      option.FilePath = mira::boot::DecodeDevicePath(path);
+      option.FilePath = mira::devicepath::DecodeDevicePath(path);
     } else if (auto record = ReadLegacy(path)) {
       option.FilePath.push_back(std::move(record));
     }
     result.Options.push_back(std::move(option));
   }
   result.Count = static_cast<std::uint32_t>(result.Options.size());
+  result.IsComplete = in.Ok() && result.Options.size() == count;
 }
 
 void CUEFIBootBuffer::ParseOutputBuffer(IBIOSData& data) {
   CBuffer::ParseOutputBuffer(data);
   if (!m_pCIBuffer) return;
   if (m_wSelect == kLists) ReadLists(dynamic_cast<CUEFIBootList&>(data));
-  if (m_wSelect == kOptions) ReadOptions(dynamic_cast<CUEFILOList&>(data));
+  if (m_wSelect == kOptions) {
+    CUEFILOList& options = dynamic_cast<CUEFILOList&>(data);
+    m_oIsUEFI = options.IsUEFI;
+    ReadOptions(options);
+  }
 }
 
 void CUEFIBootBuffer::DisplayLists() const {
@@ -191,7 +198,7 @@ void CUEFIBootBuffer::DisplayOptions() const {
     mira::console_io::WriteWideLine(option.Description);
     std::cout << "File Path List :- " << std::endl;
     const ByteSpan path = ReadOption(option.Option, option);
-    if (!IsLegacy(path)) continue;
+    if (m_oIsUEFI ? *m_oIsUEFI : !LooksLegacy(path)) continue;
     if (const auto record = ReadLegacy(path)) {
       std::cout << "Type : " << unsigned{record->Type}
                 << "\tSub-Type : " << unsigned{record->SubType}

@@ -2,6 +2,7 @@
 #define MIRA_BUFFERS_UEFI_BOOT_BUFFER_H_
 
 #include <cstdint>
+#include <optional>
 
 #include "buffers/extended_buffer.h"
 #include "buffers/uefi_boot_data.h"
@@ -23,6 +24,9 @@ class CUEFIBootBuffer : public CExtendedBuffer {
   void ReadOptions(CUEFILOList& result) const;
   void DisplayLists() const;
   void DisplayOptions() const;
+
+  // Whether the list holds UEFI load options, where that was said with the request or the answer.
+  std::optional<bool> m_oIsUEFI;
 };
 
 #endif  // MIRA_BUFFERS_UEFI_BOOT_BUFFER_H_

@@ -13,74 +13,63 @@ constexpr char32_t kLast = 0x10FFFF;
 constexpr bool IsHigh(char32_t c) { return c >= kFirstHigh && c < kFirstLow; }
 constexpr bool IsLow(char32_t c) { return c >= kFirstLow && c < kBehindSurrogates; }
 
-// Hands each code point of the text to `take`.
-template <typename Take>
-void ForEachCodePoint(std::u16string_view text, const Take& take) {
+// Hands each code point of the text to `take`, a half of a pair that stands alone included. Wide
+// texts are read so, too: where their characters are whole code points, no pairs are found.
+template <typename Unit, typename Take>
+void ForEachCodePoint(std::basic_string_view<Unit> text, const Take& take) {
   for (std::size_t i = 0; i < text.size(); ++i) {
-    char32_t c = text[i];
-    if (IsHigh(c) && i + 1 < text.size() && IsLow(text[i + 1])) {
-      c = kFirstPair + ((c - kFirstHigh) << 10) + (text[++i] - kFirstLow);
-    } else if (IsHigh(c) || IsLow(c)) {
-      c = kReplacement;
+    char32_t c = static_cast<char32_t>(text[i]);
+    const char32_t next = i + 1 < text.size() ? static_cast<char32_t>(text[i + 1]) : 0;
+    if (IsHigh(c) && IsLow(next)) {
+      c = kFirstPair + ((c - kFirstHigh) << 10) + (next - kFirstLow);
+      ++i;
     }
     take(c);
   }
 }
 
-// Appends a code point as units of 16 bits.
-template <typename String>
-void AppendUnits(String& out, char32_t c) {
-  using Unit = typename String::value_type;
+void AppendUnits(std::u16string& out, char32_t c) {
   if (c < kFirstPair) {
-    out += static_cast<Unit>(c);
+    out += static_cast<char16_t>(c);
     return;
   }
-  out += static_cast<Unit>(kFirstHigh + ((c - kFirstPair) >> 10));
-  out += static_cast<Unit>(kFirstLow + ((c - kFirstPair) & 0x3FF));
+  out += static_cast<char16_t>(kFirstHigh + ((c - kFirstPair) >> 10));
+  out += static_cast<char16_t>(kFirstLow + ((c - kFirstPair) & 0x3FF));
 }
 
-}  // namespace
-
-std::string Utf8(std::u16string_view text) {
-  std::string out;
-  out.reserve(text.size());
-  const auto continuation = [&out](char32_t c, int shift) {
+void AppendUtf8(std::string& out, char32_t c) {
+  if (IsHigh(c) || IsLow(c) || c > kLast) c = kReplacement;
+  const auto continuation = [&out, c](int shift) {
     out += static_cast<char>(0x80 | (c >> shift & 0x3F));
   };
-  ForEachCodePoint(text, [&](char32_t c) {
-    if (c < 0x80) {
-      out += static_cast<char>(c);
-    } else if (c < 0x800) {
-      out += static_cast<char>(0xC0 | c >> 6);
-      continuation(c, 0);
-    } else if (c < kFirstPair) {
-      out += static_cast<char>(0xE0 | c >> 12);
-      continuation(c, 6);
-      continuation(c, 0);
-    } else {
-      out += static_cast<char>(0xF0 | c >> 18);
-      continuation(c, 12);
-      continuation(c, 6);
-      continuation(c, 0);
-    }
-  });
-  return out;
+  if (c < 0x80) {
+    out += static_cast<char>(c);
+  } else if (c < 0x800) {
+    out += static_cast<char>(0xC0 | c >> 6);
+    continuation(0);
+  } else if (c < kFirstPair) {
+    out += static_cast<char>(0xE0 | c >> 12);
+    continuation(6);
+    continuation(0);
+  } else {
+    out += static_cast<char>(0xF0 | c >> 18);
+    continuation(12);
+    continuation(6);
+    continuation(0);
+  }
 }
 
-std::wstring Wide(std::u16string_view text) {
-  std::wstring out;
+template <typename Unit>
+std::string ToUtf8(std::basic_string_view<Unit> text) {
+  std::string out;
   out.reserve(text.size());
-  ForEachCodePoint(text, [&](char32_t c) {
-    if constexpr (sizeof(wchar_t) == sizeof(char16_t)) {
-      AppendUnits(out, c);
-    } else {
-      out += static_cast<wchar_t>(c);
-    }
-  });
+  ForEachCodePoint(text, [&out](char32_t c) { AppendUtf8(out, c); });
   return out;
 }
 
-std::optional<std::u16string> Utf16(std::string_view utf8) {
+// Hands each code point of UTF-8 text to `take`; false at the first byte that is none.
+template <typename Take>
+bool ReadUtf8(std::string_view utf8, const Take& take) {
   // How a sequence begins: its first byte under a mask, its continuation bytes, and the smallest
   // code point that may be written so.
   struct Form {
@@ -93,25 +82,66 @@ std::optional<std::u16string> Utf16(std::string_view utf8) {
                                     {0xE0, 0xC0, 1, 0x80},
                                     {0xF0, 0xE0, 2, 0x800},
                                     {0xF8, 0xF0, 3, kFirstPair}};
-  std::u16string out;
-  out.reserve(utf8.size());
   while (!utf8.empty()) {
     const auto lead = static_cast<unsigned char>(utf8[0]);
     const Form* form = nullptr;
     for (const Form& row : kForms) {
       if ((lead & row.mask) == row.lead) form = &row;
     }
-    if (form == nullptr || utf8.size() <= form->continuations) return std::nullopt;
+    if (form == nullptr || utf8.size() <= form->continuations) return false;
     char32_t c = lead & static_cast<unsigned char>(~form->mask);
     for (std::size_t i = 1; i <= form->continuations; ++i) {
       const auto next = static_cast<unsigned char>(utf8[i]);
-      if ((next & 0xC0) != 0x80) return std::nullopt;
+      if ((next & 0xC0) != 0x80) return false;
       c = c << 6 | (next & 0x3F);
     }
-    if (c < form->smallest || c > kLast || IsHigh(c) || IsLow(c)) return std::nullopt;
-    AppendUnits(out, c);
+    if (c < form->smallest || c > kLast || IsHigh(c) || IsLow(c)) return false;
+    take(c);
     utf8.remove_prefix(1 + form->continuations);
   }
+  return true;
+}
+
+}  // namespace
+
+std::string Utf8(std::u16string_view text) { return ToUtf8(text); }
+
+std::string Utf8(std::wstring_view text) { return ToUtf8(text); }
+
+std::wstring Wide(std::u16string_view text) {
+  if constexpr (sizeof(wchar_t) == sizeof(char16_t)) return {text.begin(), text.end()};
+  std::wstring out;
+  out.reserve(text.size());
+  ForEachCodePoint(text, [&out](char32_t c) { out += static_cast<wchar_t>(c); });
+  return out;
+}
+
+std::optional<std::u16string> Utf16(std::string_view utf8) {
+  std::u16string out;
+  out.reserve(utf8.size());
+  if (!ReadUtf8(utf8, [&out](char32_t c) { AppendUnits(out, c); })) return std::nullopt;
+  return out;
+}
+
+bool IsUtf8(std::string_view text) {
+  return ReadUtf8(text, [](char32_t) {});
+}
+
+std::string Utf8OfLatin1(std::string_view latin1) {
+  std::string out;
+  out.reserve(latin1.size());
+  for (const char c : latin1) AppendUtf8(out, static_cast<unsigned char>(c));
+  return out;
+}
+
+std::optional<std::string> Latin1OfUtf8(std::string_view utf8) {
+  std::string out;
+  bool fits = true;
+  const bool is_utf8 = ReadUtf8(utf8, [&](char32_t c) {
+    fits = fits && c <= 0xFF;
+    out += static_cast<char>(c);
+  });
+  if (!is_utf8 || !fits) return std::nullopt;
   return out;
 }
 

@@ -1,8 +1,9 @@
 #ifndef MIRA_BYTES_UTF16_H_
 #define MIRA_BYTES_UTF16_H_
 
-// The firmware's UTF-16 texts in the forms in which hosts and consoles want them. A half of a
-// surrogate pair that stands alone becomes U+FFFD.
+// Texts of the firmware in the forms in which hosts and consoles want them. A half of a surrogate
+// pair that stands alone stays as it is in a wide text, which has room for it; UTF-8 has no form
+// for it, so U+FFFD stands in its place there.
 //
 //   std::cout << mira::bytes::Utf8(item.Name);
 
@@ -15,12 +16,19 @@
 namespace mira::bytes {
 
 MIRA_API std::string Utf8(std::u16string_view text);
+MIRA_API std::string Utf8(std::wstring_view text);
 
 // Wide characters are UTF-16 on Windows and whole code points elsewhere.
 MIRA_API std::wstring Wide(std::u16string_view text);
 
-// Nothing when the bytes are no UTF-8.
+// Nothing when the bytes are no UTF-8 (RFC 3629).
 MIRA_API std::optional<std::u16string> Utf16(std::string_view utf8);
+MIRA_API bool IsUtf8(std::string_view text);
+
+// Each byte is the code point of its number; back, nothing when a code point has no such byte or
+// the text is no UTF-8.
+MIRA_API std::string Utf8OfLatin1(std::string_view latin1);
+MIRA_API std::optional<std::string> Latin1OfUtf8(std::string_view utf8);
 
 }  // namespace mira::bytes
 

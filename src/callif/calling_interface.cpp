@@ -5,6 +5,7 @@
 #include <string>
 
 #include "bytes/reader.h"
+#include "smbios/guarded_show.h"
 
 namespace {
 
@@ -44,7 +45,19 @@ CCallingInterface::CCallingInterface(unsigned char* raw, CComPtr<IWbemServices>&
 }
 
 CCallingInterface::CCallingInterface(const CCallingInterface& other) = default;
-CCallingInterface& CCallingInterface::operator=(const CCallingInterface& other) = default;
+
+CCallingInterface& CCallingInterface::operator=(const CCallingInterface& other) {
+  // The source may hang on the chain that the base lets go of.
+  const mira::smbios::ChainLink chain = m_pNextObj;
+  CBIOSObject::operator=(other);
+  m_wCmdIOAddress = other.m_wCmdIOAddress;
+  m_byCmdIOCode = other.m_byCmdIOCode;
+  m_dwSupportedCmds = other.m_dwSupportedCmds;
+  m_mapDATokens = other.m_mapDATokens;
+  m_Method = other.m_Method;
+  return *this;
+}
+
 CCallingInterface::~CCallingInterface() = default;
 
 CCallingInterface::Status CCallingInterface::ConstructDATokens(unsigned char* p) {
@@ -105,10 +118,19 @@ CCallingInterface::Status CCallingInterface::Execute(SMBiosCI& ci, unsigned int 
                                                                    : STATUS_FAILURE;
 }
 
+void CCallingInterface::ForgetLastCall(unsigned int bufSize) noexcept {
+  m_Method.ForgetRecord(bufSize);
+}
+
 void CCallingInterface::AddAttributes(AttributeMap::mapped_type& list) const {
   list.emplace_back("CommandIOAddress", GetStrFromInt(m_wCmdIOAddress));
   list.emplace_back("CommandIOCode", GetStrFromInt(m_byCmdIOCode));
   list.emplace_back("SupportedCommands", GetStrFromInt(m_dwSupportedCmds));
+}
+
+void CCallingInterface::MarkBeyond(std::vector<bool>& beyond) const {
+  constexpr unsigned kEnds[] = {6, 7, 11};
+  for (const unsigned end : kEnds) beyond.push_back(m_byLength < end);
 }
 
 void CCallingInterface::DisplayFields(std::ostream& out) const {
@@ -142,9 +164,11 @@ void CCallingInterface::Display(std::ostream& out) const {
     DisplayChain(out);
     return;
   }
-  DisplayFields(out);
-  DisplayDATokens(out);
-  out << std::string(103, '-') << '\n';
+  mira::smbios::GuardedShow(out, [&] {
+    DisplayFields(out);
+    DisplayDATokens(out);
+    out << std::string(103, '-') << '\n';
+  });
 }
 
 void CCallingInterface::DisplayOne(std::ostream& out) const {

@@ -60,6 +60,9 @@ class MIRA_API CCallingInterface : public CBIOSObject {
   // is 0; the record holds the firmware's answer then, and also when cbRES1 alone failed.
   Status Execute(SMBiosCI& ci, unsigned int bufSize, const CComBSTR& instanceKey);
 
+  // Overwrites what the transport keeps of the last call, which may have carried a security key.
+  void ForgetLastCall(unsigned int bufSize) noexcept;
+
   std::uint16_t CommandIOAddress() const { return m_wCmdIOAddress; }
   std::uint8_t CommandIOCode() const { return m_byCmdIOCode; }
   // Bit n set: class n is announced.
@@ -69,6 +72,7 @@ class MIRA_API CCallingInterface : public CBIOSObject {
   ~CCallingInterface() override;
   void AddAttributes(AttributeMap::mapped_type& list) const override;
   void DisplayOne(std::ostream& out) const override;
+  void MarkBeyond(std::vector<bool>& beyond) const override;
 
  private:
   Status ConstructDATokens(unsigned char* p);

@@ -1,12 +1,14 @@
 #ifndef MIRA_CALLIF_COMMANDS_H_
 #define MIRA_CALLIF_COMMANDS_H_
 
-// Which commands are dispatched in a way of their own, for the dispatcher and for test consoles
-// that drive buffers themselves.
+// The two numbers that name a command, and the class with a dispatch of its own. The traits of each
+// command are in buffers/buffer_factory.h.
+//
+//   constexpr mira::callif::Command kReadAssetTag = {11, 0};
 
-#include <algorithm>
 #include <cstdint>
-#include <iterator>
+
+#include "buffers/buffer_factory.h"
 
 namespace mira::callif {
 
@@ -19,12 +21,9 @@ struct Command {
   bool operator==(const Command&) const = default;
 };
 
-// Whether the command is a read of variable length: a first call without key asks how many bytes
-// there are, and has the answer behind the fixed part of its record.
-constexpr bool IsProbed(Command command) {
-  constexpr Command kProbed[] = {{3, 9},   {3, 11},  {11, 8},  {17, 5},
-                                 {17, 16}, {17, 18}, {17, 22}, {17, 24}};
-  return std::find(std::begin(kProbed), std::end(kProbed), command) != std::end(kProbed);
+// Whether the command is a read whose length a first call without a key asks for.
+inline bool IsProbed(Command command) {
+  return TraitsOf(command.cls, command.select).preparation == CommandTraits::kProbe;
 }
 
 }  // namespace mira::callif

@@ -1,43 +1,43 @@
 #include "callif/dispatch.h"
 
-#include <algorithm>
-#include <iterator>
-
+#include "buffers/buffer_factory.h"
 #include "bytes/reader.h"
 #include "callif/password.h"
+#include "transport/operation_log.h"
 
 namespace mira::callif {
 namespace {
 
-// Legacy boot priorities: a first call fetches what the request needs.
-constexpr Command kLegacyBootReads[] = {{3, 3}, {3, 4}};
 constexpr Command kLegacyBootInfo = {3, 2};
 
 }  // namespace
 
 Outcome Dispatch(const Target& target, std::uint16_t cls, std::uint16_t select, IBIOSData& data,
                  const std::string& password, bool class10) {
-  if (cls != kUncheckedClass && !target.calling.IsCommandSupported(cls)) {
+  if (cls != kUncheckedClass && !IsAnnounced(target, {cls, select})) {
     return Outcome::kNotSupported;
   }
   std::uint32_t key = 0;
   if (!password.empty()) {
     CPwdContext context(target.calling, target.buffer_size, target.instance_key);
     key = context.GetSecurityKey(password, class10);
-    if (key == CPwdContext::kNoKey) return Outcome::kNoKey;
+    if (key == CPwdContext::kNoKey) {
+      transport::OperationLog::Get().FailWithCall(Step::kSecurityKey);
+      return Outcome::kNoKey;
+    }
   }
 
   const Command command{cls, select};
   std::uint32_t size = 0;
-  if (IsProbed(command)) {
+  const auto preparation = TraitsOf(cls, select).preparation;
+  if (preparation == CommandTraits::kProbe) {
     OneCall probe(target, command, 0, size, data);
     if (probe.Sent()) {
       bytes::Reader answer(probe.Buffer().Record(), transport::kFixedRecordSize);
       size = answer.U32();
     }
   }
-  if (std::find(std::begin(kLegacyBootReads), std::end(kLegacyBootReads), command) !=
-      std::end(kLegacyBootReads)) {
+  if (preparation == CommandTraits::kLegacyBootInfo) {
     OneCall info(target, kLegacyBootInfo, 0, size, data);
     if (info.Succeeded()) info.Buffer().ParseOutputBuffer(data);
   }

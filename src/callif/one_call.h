@@ -24,6 +24,10 @@ struct Target {
   const CComBSTR& instance_key;  // of the WMI instance
 };
 
+// Whether the firmware announces the command's class. Throws std::out_of_range for a class bitmap
+// that cannot be read.
+bool IsAnnounced(const Target& target, Command command);
+
 class OneCall {
  public:
   // Makes the call. `size` as in CBuffer::FillInputBuffer.

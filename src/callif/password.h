@@ -9,8 +9,8 @@
 #include <cstdint>
 #include <string>
 
-#include "bytes/secure.h"
 #include "callif/calling_interface.h"
+#include "callif/scan_codes.h"
 #include "platform/com_ptr.h"
 
 struct PwdInfo {
@@ -68,13 +68,5 @@ class CPwdContext {
   Entry class9_;
   Entry class12_;
 };
-
-namespace mira::callif {
-
-// Replaces each character by the make code (set 1) of the key that types it on a US keyboard,
-// whatever shift and control do. False, with an empty result, for characters that no key types.
-MIRA_API bool ToScanCodes(const std::string& text, bytes::SecureString& codes);
-
-}  // namespace mira::callif
 
 #endif  // MIRA_CALLIF_PASSWORD_H_

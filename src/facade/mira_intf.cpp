@@ -1,13 +1,15 @@
 #include "facade/mira_intf.h"
 
-#include <algorithm>
 #include <exception>
-#include <span>
+#include <string>
 #include <string_view>
 #include <utility>
 
 #include "buffers/hdd_pwd_buffer.h"
 #include "callif/dispatch.h"
+#include "facade/administrator.h"
+#include "facade/attribute_status.h"
+#include "facade/com_ownership.h"
 #include "facade/process_state.h"
 #include "pldm/manager.h"
 #include "smbios/structure_factory.h"
@@ -15,10 +17,16 @@
 #include "smbios/table.h"
 #include "transport/com_error.h"
 #include "transport/connection.h"
+#include "transport/operation_log.h"
 
+using mira::CodeKind;
+using mira::Step;
+using mira::StepOutcome;
 using mira::platform::Services;
 using mira::pldm::Manager;
 using mira::pldm::Outcome;
+using mira::transport::OperationLog;
+using mira::transport::OperationScope;
 
 bool bFlagCheck = false;
 
@@ -33,55 +41,6 @@ namespace {
 constexpr unsigned char kCallingInterfaceType = 0xDA;
 constexpr unsigned short kFirstMajorVersionWithPLDM = 2;
 
-struct CodeStatus {
-  std::int32_t code;
-  Status status;
-};
-
-// Of the completion code of an attribute's read or write; any other is STATUS_FAILURE.
-constexpr CodeStatus kCompletionStatus[] = {
-    {-1, STATUS_FUNCTION_ERROR},        {-2, STATUS_NOT_SUPPORTED},
-    {-3, STATUS_FUNCTION_NOT_EXECUTED}, {-5, STATUS_OUTPUT_MALFORMED},
-    {-6, STATUS_OUTPUT_TOO_SMALL},      {-7, STATUS_INVALID_SECURITY_KEY},
-};
-constexpr std::int32_t kTransportCodes = -2000000000;  // below this
-
-// Of the firmware's status of a write; any other is STATUS_SUCCESS.
-constexpr CodeStatus kWriteStatus[] = {
-    {1, STATUS_ATTRIBUTE_REFUSED_1}, {2, STATUS_ATTRIBUTE_REFUSED_2},
-    {3, STATUS_ATTRIBUTE_NOT_FOUND}, {4, STATUS_OUTPUT_TOO_SMALL},
-    {5, STATUS_ATTRIBUTE_REFUSED_5},
-};
-
-Status Look(std::span<const CodeStatus> rows, std::int32_t code, Status other) {
-  const auto found = std::find_if(rows.begin(), rows.end(),
-                                  [code](const CodeStatus& row) { return row.code == code; });
-  return found != rows.end() ? found->status : other;
-}
-
-Status StatusOf(const Outcome& outcome) {
-  switch (outcome.kind) {
-    case Outcome::kDone:
-      return STATUS_SUCCESS;
-    case Outcome::kNotSupported:
-      return STATUS_NOT_SUPPORTED;
-    case Outcome::kNotFound:
-      return STATUS_ATTRIBUTE_NOT_FOUND;
-    case Outcome::kNoKey:
-      return STATUS_SECURITY_KEY_FAILED;
-    case Outcome::kMalformed:
-      return STATUS_OUTPUT_MALFORMED;
-    case Outcome::kCallFailed:
-      return Look(kCompletionStatus, outcome.code,
-                  outcome.code < kTransportCodes ? STATUS_TRANSPORT_ERROR : STATUS_FAILURE);
-    case Outcome::kAnswered:
-      return Look(kWriteStatus, outcome.code, STATUS_SUCCESS);
-    case Outcome::kFailed:
-      break;
-  }
-  return STATUS_FAILURE;
-}
-
 }  // namespace
 
 CMiraIntf::CMiraIntf(std::ostream& diag) : m_Diag(diag) { m_bIsWMIACPIBufferFixPresent = false; }
@@ -90,6 +49,7 @@ CMiraIntf::CMiraIntf(const CMiraIntf& other) = default;
 
 CMiraIntf::~CMiraIntf() {
   m_pPLDM.reset();
+  if (m_bCOMInitialized) mira::PrepareToUninitialize(this, m_pServices);
   m_pServices.Release();
   if (m_bCOMInitialized) Services().CoUninitialize();
 }
@@ -101,12 +61,14 @@ Result CMiraIntf::Guard(const char* what, Result failed, Operation operation) {
   } catch (const mira::transport::ComError&) {
     throw;
   } catch (const std::exception& error) {
+    OperationLog::Get().Interrupt();
     m_Diag << what << " failed: " << error.what() << std::endl;
   }
   return failed;
 }
 
 Status CMiraIntf::Init(bool loadPLDM, bool loadDisplayStrings, bool loadHelpStrings) {
+  const OperationScope scope("Init", OperationScope::kStartUp);
   if (!IsUserAdmin()) return STATUS_NOT_ADMIN;
   m_bCOMInitialized = InitializeCOM();
   if (!m_bCOMInitialized) return STATUS_COM_INIT_FAILED;
@@ -117,52 +79,53 @@ Status CMiraIntf::Init(bool loadPLDM, bool loadDisplayStrings, bool loadHelpStri
     return STATUS_WMI_INSTANCE_NOT_FOUND;
   }
   if (!IsACPISupported()) return STATUS_ACPI_NOT_SUPPORTED;
-  if (m_SMBIOSMajorVersion < kFirstMajorVersionWithPLDM || !loadPLDM) return STATUS_SUCCESS;
+  if (m_SMBIOSMajorVersion < kFirstMajorVersionWithPLDM || !loadPLDM) {
+    OperationLog::Get().Pass(Step::kAttributeTables, StepOutcome::kSkipped);
+    return STATUS_SUCCESS;
+  }
   return InitPLDM(loadDisplayStrings, loadHelpStrings) ? STATUS_SUCCESS : STATUS_PLDM_INIT_FAILED;
 }
 
-bool CMiraIntf::IsUserAdmin() {
-  const auto& system = Services();
-  SID_IDENTIFIER_AUTHORITY nt_authority = {{0, 0, 0, 0, 0, 5}};
-  PSID administrators = nullptr;
-  BOOL is_member = FALSE;
-  if (system.AllocateAndInitializeSid(&nt_authority, 2, SECURITY_BUILTIN_DOMAIN_RID,
-                                      DOMAIN_ALIAS_RID_ADMINS, 0, 0, 0, 0, 0, 0, &administrators) &&
-      system.CheckTokenMembership(nullptr, administrators, &is_member)) {
-    return is_member == 1;
-  }
-  const DWORD error = system.GetLastError();
-  LPSTR text = nullptr;
-  // With the allocate flag the buffer argument is the place of the pointer to the text.
-  const DWORD length =
-      system.FormatMessageA(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM, nullptr,
-                            error, 0, reinterpret_cast<LPSTR>(&text), 0, nullptr);
-  std::string_view line(text != nullptr ? text : "", text != nullptr ? length : 0);
-  line = line.substr(0, line.find_last_not_of("\r\n") + 1);
-  if (line.empty()) {
-    m_Diag << "The administrator check failed with error " << error << std::endl;
-  } else {
-    m_Diag << line << std::endl;
-  }
-  system.LocalFree(text);
-  return false;
-}
+bool CMiraIntf::IsUserAdmin() { return mira::IsAdministrator(m_Diag); }
 
 bool CMiraIntf::InitializeCOM() {
   if (m_pServices) {
+    mira::PrepareToUninitialize(this, m_pServices);
     m_pServices.Release();
     Services().CoUninitialize();
     m_bCOMInitialized = false;
   }
-  return mira::transport::Connect(m_Diag, m_pServices);
+  mira::transport::Attempt attempt = mira::transport::Connect(m_Diag);
+  if (attempt.services && attempt.initialized == S_OK && !Guard("Connecting", false, [&] {
+        mira::AddOwner(this, attempt.services);
+        return true;
+      })) {
+    attempt.services.Release();
+  }
+  if (attempt.EndsCom()) {
+    if (attempt.initialized != S_OK) mira::PrepareToUninitialize(this, {});
+    Services().CoUninitialize();
+  }
+  m_pServices = attempt.services;
+  if (!m_pServices) return false;
+  mira::transport::BfnMethod::Reconnect(m_pServices);
+  return true;
 }
 
 bool CMiraIntf::GetSMBIOSTables() {
-  if (!m_mapBIOSTable.empty()) return true;
+  OperationLog& log = OperationLog::Get();
+  if (!m_mapBIOSTable.empty()) {
+    log.Pass(Step::kSmbiosTable, StepOutcome::kKnown);
+    return true;
+  }
   const std::vector<std::uint8_t> table = mira::smbios::ReadFirmwareTable();
-  if (table.empty()) return false;
+  if (table.empty()) {
+    log.Fail(Step::kSmbiosTable, CodeKind::kSystemError,
+             static_cast<std::int32_t>(Services().GetLastError()));
+    return false;
+  }
   m_SMBIOSMajorVersion = table[1];
-  return mira::smbios::FillRegistry(
+  const bool filled = mira::smbios::FillRegistry(
       mira::bytes::Slice(table, mira::smbios::kFirmwareHeaderSize),
       [this](std::unique_ptr<unsigned char[]> raw) {
         CBIOSObject* object = nullptr;
@@ -171,6 +134,12 @@ bool CMiraIntf::GetSMBIOSTables() {
         return object;
       },
       m_mapBIOSTable);
+  if (filled) {
+    log.Done(Step::kSmbiosTable);
+  } else {
+    log.Fail(Step::kSmbiosTable);
+  }
+  return filled;
 }
 
 bool CMiraIntf::ConstructBIOSObject(unsigned char* raw, CBIOSObject*& obj, unsigned char& type) {
@@ -185,16 +154,45 @@ void CMiraIntf::BIOSObjDeletor(std::pair<unsigned char, CBIOSObject*> entry) {
 }
 
 bool CMiraIntf::FindInstanceAndGetData() {
+  OperationLog& log = OperationLog::Get();
   if (!m_pServices) return false;
-  if (m_dwACPIBufSize != 0) return true;
-  mira::transport::Discovery found = mira::transport::FindInstance(m_pServices);
-  if (found.found) {
-    m_dwACPIBufSize = found.buffer_size;
-    m_bIsWMIACPIBufferFixPresent = found.buffer_fix;
-    m_bstrACPIInstanceName = std::move(found.relative_path);
-    ConvertPathToInstanceName();
+  if (m_dwACPIBufSize != 0) {
+    for (const Step step : {Step::kWmiInstance, Step::kBufferSize, Step::kInstanceKey}) {
+      log.Pass(step, StepOutcome::kKnown);
+    }
+    return true;
   }
-  return m_dwACPIBufSize != 0 && m_bstrACPIInstanceName.Length() != 0;
+  mira::transport::Discovery found = mira::transport::FindInstance(m_pServices);
+  if (!found.found) {
+    log.Fail(Step::kWmiInstance, CodeKind::kHresult, found.result);
+    return false;
+  }
+  log.Done(Step::kWmiInstance);
+  const auto report = [&log](bool has_size, bool has_key) {
+    for (const auto& [step, is_there] :
+         {std::pair(Step::kBufferSize, has_size), std::pair(Step::kInstanceKey, has_key)}) {
+      if (is_there) {
+        log.Done(step);
+      } else {
+        log.Fail(step);
+      }
+    }
+    return has_size && has_key;
+  };
+  // Size, flag and key are stored together or, where the key cannot be had, not at all: a size that
+  // is known ends the search of every later Init.
+  if (found.relative_path.m_str == nullptr) return report(found.buffer_size != 0, false);
+  CComBSTR path = std::move(m_bstrACPIInstanceName);
+  m_bstrACPIInstanceName = std::move(found.relative_path);
+  try {
+    ConvertPathToInstanceName();
+  } catch (...) {
+    m_bstrACPIInstanceName = std::move(path);
+    throw;
+  }
+  m_dwACPIBufSize = found.buffer_size;
+  m_bIsWMIACPIBufferFixPresent = found.buffer_fix;
+  return report(m_dwACPIBufSize != 0, m_bstrACPIInstanceName.Length() != 0);
 }
 
 void CMiraIntf::ConvertPathToInstanceName() {
@@ -236,8 +234,10 @@ void CMiraIntf::GetAllDATokens(std::map<std::uint16_t, CDAToken>& out) {
 
 Status CMiraIntf::ExecuteDACI(std::uint16_t cls, std::uint16_t sel, IBIOSData& data,
                               const std::string& password, PwdInfo::PWDTYPE pwdType) {
-  return Guard("ExecuteDACI", STATUS_FAILURE, [&] {
+  const OperationScope scope("ExecuteDACI");
+  const Status status = Guard("ExecuteDACI", STATUS_FAILURE, [&] {
     const mira::transport::ComScope com;
+    if (CallingInterface() == nullptr) OperationLog::Get().FailOperation(Step::kCallingInterface);
     if (GetBIOSObject(kCallingInterfaceType) == nullptr) {
       m_Diag << "Unable to get DA Type Object!" << std::endl;
       return STATUS_FAILURE;
@@ -261,33 +261,43 @@ Status CMiraIntf::ExecuteDACI(std::uint16_t cls, std::uint16_t sel, IBIOSData& d
     }
     return STATUS_FAILURE;
   });
+  return scope.Ended(status, STATUS_SUCCESS);
 }
 
 bool CMiraIntf::GetPwdInfo(PwdInfo& info) {
+  const OperationScope scope("GetPwdInfo");
   info = PwdInfo{};
   return Guard("GetPwdInfo", false, [&] {
     CCallingInterface* const calling = CallingInterface();
-    if (calling == nullptr) return false;
+    if (calling == nullptr) {
+      OperationLog::Get().FailOperation(Step::kCallingInterface);
+      return false;
+    }
     CPwdContext(*calling, m_dwACPIBufSize, m_bstrACPIInstanceName).Fill(info);
     return true;
   });
 }
 
 unsigned int CMiraIntf::ValidatePwd(const std::string& password, PwdInfo::PWDTYPE type) {
+  const OperationScope scope("ValidatePwd");
   return Guard("ValidatePwd", CPwdContext::kNoKey, [&] {
     CCallingInterface* const calling = CallingInterface();
+    if (calling == nullptr) OperationLog::Get().FailOperation(Step::kCallingInterface);
     if (calling == nullptr || (type != PwdInfo::PWD_CLASS9 && type != PwdInfo::PWD_CLASS10)) {
       return std::uint32_t{0};
     }
     CPwdContext context(*calling, m_dwACPIBufSize, m_bstrACPIInstanceName);
-    return context.GetSecurityKey(password, type == PwdInfo::PWD_CLASS10);
+    const std::uint32_t key = context.GetSecurityKey(password, type == PwdInfo::PWD_CLASS10);
+    if (key == CPwdContext::kNoKey) OperationLog::Get().FailWithCall(Step::kSecurityKey);
+    return key;
   });
 }
 
 template <typename Operation>
 Status CMiraIntf::WithPLDM(const char* what, Operation operation) {
-  if (!IsPLDMSupported()) return STATUS_NOT_SUPPORTED;
-  return Guard(what, STATUS_FAILURE, [&] { return StatusOf(operation(*m_pPLDM)); });
+  const OperationScope scope(what);
+  if (!IsPLDMSupported()) return mira::StatusOf({Outcome::kNotSupported});
+  return Guard(what, STATUS_FAILURE, [&] { return mira::StatusOf(operation(*m_pPLDM)); });
 }
 
 bool CMiraIntf::IsPLDMSupported() { return m_pPLDM && m_pPLDM->IsSupported(); }
@@ -355,30 +365,76 @@ bool CMiraIntf::IsACPISupported() {
   constexpr std::uint16_t kCallsThroughWmi = 0x0002;
   constexpr std::uint16_t kProbeClass = 10;
   constexpr std::uint16_t kProbeSelect = 11;
+  OperationLog& log = OperationLog::Get();
   const auto* const flags = dynamic_cast<CBIOSFlags*>(GetBIOSObject(kFlagsType));
-  if (flags == nullptr) return false;
+  if (flags == nullptr) {
+    log.Fail(Step::kFirmwareFlags);
+    return false;
+  }
+  const std::uint16_t word = flags->GetFlags(0);
+  const bool calls_through_wmi = (word & kCallsThroughWmi) != 0;
+  if (calls_through_wmi) {
+    log.Done(Step::kFirmwareFlags, CodeKind::kFlagsWord, word);
+  } else {
+    log.Fail(Step::kFirmwareFlags, CodeKind::kFlagsWord, word);
+  }
   // Firmware that does not announce the buffer fix shows by a real call whether it has it.
-  if (!bFlagCheck && !m_bIsWMIACPIBufferFixPresent) {
+  if (m_bIsWMIACPIBufferFixPresent) {
+    log.Pass(Step::kBufferFix, StepOutcome::kKnown);
+  } else if (bFlagCheck) {
+    log.Fail(Step::kBufferFix);
+  } else {
     CHDDPwd probe;
     m_bIsWMIACPIBufferFixPresent =
         ExecuteDACI(kProbeClass, kProbeSelect, probe, "", PwdInfo::PWD_NONE) == STATUS_SUCCESS;
+    if (m_bIsWMIACPIBufferFixPresent) {
+      log.Done(Step::kBufferFix);
+    } else {
+      const mira::StepResult& failure = log.LastOperation().call.failure;
+      log.Fail(Step::kBufferFix, failure.code_kind, failure.code);
+    }
   }
-  return (flags->GetFlags(0) & kCallsThroughWmi) != 0 && m_bIsWMIACPIBufferFixPresent;
+  return calls_through_wmi && m_bIsWMIACPIBufferFixPresent;
 }
 
 bool CMiraIntf::InitPLDM(bool loadDisplayStrings, bool loadHelpStrings) {
+  OperationLog& log = OperationLog::Get();
   CCallingInterface* const calling = CallingInterface();
-  if (calling == nullptr) return false;
-  if (m_pPLDM) return true;
+  if (calling == nullptr) {
+    log.Fail(Step::kAttributeTables);
+    return false;
+  }
+  if (m_pPLDM) {
+    log.Pass(Step::kAttributeTables, StepOutcome::kKnown);
+    return true;
+  }
   // Whether the tables are there shows in IsPLDMSupported.
   return Guard("Loading the attribute tables", true, [&] {
     auto store = std::make_shared<Manager>(
         mira::callif::Target{*calling, m_dwACPIBufSize, m_bstrACPIInstanceName}, loadDisplayStrings,
         loadHelpStrings);
-    store->Load();
+    if (!store->Load()) {
+      // Without a store, the next Init loads the tables.
+      log.Fail(Step::kAttributeTables, CodeKind::kNone, 0, StepOutcome::kCancelled);
+      return true;
+    }
+    if (store->IsSupported()) {
+      log.Done(Step::kAttributeTables);
+    } else {
+      const mira::StepResult& failure = log.LastOperation().call.failure;
+      log.Fail(Step::kAttributeTables, failure.code_kind, failure.code);
+    }
     m_pPLDM = std::move(store);
     return true;
   });
+}
+
+const mira::OperationReport& CMiraIntf::GetLastOperation() noexcept {
+  return OperationLog::Get().LastOperation();
+}
+
+const mira::StartUpReport& CMiraIntf::GetStartUp() noexcept {
+  return OperationLog::Get().StartUp();
 }
 
 namespace mira {
@@ -390,6 +446,8 @@ void ResetProcessState() noexcept {
   CMiraIntf::m_bIsWMIACPIBufferFixPresent = false;
   CMiraIntf::m_bstrACPIInstanceName.Empty();
   CMiraIntf::m_dwACPIBufSize = 0;
+  ForgetOwners();
+  OperationLog::Get().Clear();
 }
 
 }  // namespace mira

@@ -9,7 +9,8 @@
 //   if (Status status = mira.Init(false, false, false); status != STATUS_SUCCESS) return status;
 //   mira.Display(std::cout);
 //   CSimpleTokenData data;
-//   mira.ExecuteDACI(17, 0, data, "", PwdInfo::PWD_NONE);
+//   data.Arg1 = 0x70;   // is this token set?
+//   mira.ExecuteDACI(0, 0, data, "", PwdInfo::PWD_NONE);
 
 #include <cstdint>
 #include <list>
@@ -27,6 +28,7 @@
 #include "platform/com_ptr.h"
 #include "pldm/attribute.h"
 #include "smbios/bios_object.h"
+#include "transport/operation_report.h"
 
 namespace mira::pldm {
 class Manager;
@@ -50,8 +52,8 @@ class MIRA_API CMiraIntf {
 
   // Runs the start-up steps and stops at the first failure, undoing nothing; it may be repeated.
   // With `loadPLDM`, also loads the attribute tables, and with the two further flags their display
-  // and help strings. Throws mira::transport::ComError (E_OUTOFMEMORY) when a COM string cannot be
-  // made, and nothing else.
+  // and help strings; that these are missing, or were cancelled, is no failure. Throws
+  // mira::transport::ComError (E_OUTOFMEMORY) when a COM string cannot be made, and nothing else.
   Status Init(bool loadPLDM, bool loadDisplayStrings, bool loadHelpStrings);
 
   // Writes the dump of every structure, ascending by type.
@@ -125,13 +127,21 @@ class MIRA_API CMiraIntf {
   Status SetAttributeValue(PLDM::Attribute& attr, const std::string& password,
                            PwdInfo::PWDTYPE pwdType, unsigned int securityKey);
 
-  // For front ends. The default of an attribute as text: of an enumeration the names, joined by
-  // ", "; empty for types that have no default. STATUS_ATTRIBUTE_NOT_FOUND for an unknown handle.
+  // For front ends. The default of an attribute as text: of an enumeration the names with their
+  // suffixes, joined by ", "; empty for types that have no default. STATUS_ATTRIBUTE_NOT_FOUND for
+  // an unknown handle.
   Status GetAttributeDefault(std::uint16_t handle, std::string& value);
   // Replaces `names` by an enumeration's possible values, each with its suffix, a boot order's
   // possible sources or a config set's members; by nothing for other types.
   // STATUS_ATTRIBUTE_NOT_FOUND for an unknown handle.
   Status GetPossibleValues(std::uint16_t handle, std::list<std::string>& names);
+
+  // For front ends. Which step of the last operation failed and with which code, and whether its
+  // call reached the firmware: of Init, ExecuteDACI, GetPwdInfo, ValidatePwd and the operations on
+  // attributes, whichever object ran it. The last Init step by step. Both stay valid for the rest
+  // of the process, and change with the next operation.
+  static const mira::OperationReport& GetLastOperation() noexcept;
+  static const mira::StartUpReport& GetStartUp() noexcept;
 
   // What the process knows about the machine, shared by all objects. Read it through the operations
   // above.

@@ -5,7 +5,7 @@
 // below have the same size and the members that the library's interface needs.
 //
 //   CComPtr<IWbemServices> services;
-//   locator->ConnectServer(..., &services);
+//   locator->ConnectServer(path, nullptr, nullptr, nullptr, 0, nullptr, nullptr, &services);
 //   CComBSTR name(L"QDATA");                // SysAllocString, freed at the end of the scope
 
 #include "platform/com.h"

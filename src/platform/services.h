@@ -6,7 +6,7 @@
 // answer, observe or fail each call.
 //
 //   mira::platform::ServiceTable table = mira::platform::Services();
-//   table.CoInitializeEx = [](void*, DWORD) -> HRESULT { return E_FAIL; };
+//   table.CoInitializeEx = RefuseToStart;  // HRESULT WINAPI RefuseToStart(LPVOID, DWORD)
 //   mira::platform::ScopedServices scope(table);   // in force until the end of the scope
 
 #include "platform/api.h"

@@ -10,8 +10,8 @@
 //   }
 
 #include <cstdint>
+#include <span>
 
-#include "bytes/writer.h"
 #include "platform/com_ptr.h"
 
 namespace mira::platform {
@@ -78,11 +78,11 @@ class ByteArrayAccess {
   ByteArrayAccess& operator=(const ByteArrayAccess&) = delete;
 
   bool Ok() const noexcept { return array_ != nullptr; }
-  bytes::MutableByteSpan Bytes() const noexcept { return bytes_; }
+  std::span<std::uint8_t> Bytes() const noexcept { return bytes_; }
 
  private:
   SAFEARRAY* array_ = nullptr;
-  bytes::MutableByteSpan bytes_;
+  std::span<std::uint8_t> bytes_;
 };
 
 }  // namespace mira::platform

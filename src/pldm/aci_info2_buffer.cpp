@@ -65,26 +65,24 @@ SMBiosCI* CACIInfo2Buffer::FillInputBuffer(std::uint32_t securityKey, std::uint3
   m_pCIBuffer.reset();
   switch (m_wSelect) {
     case kReadHeader:
-      NewTableRead(size);
-      break;
+      return NewTableRead(size) != nullptr ? Sized(size) : nullptr;
     case kReadTable:
       if (const TableDescriptor* const table = request.CurrentDescriptor()) {
         if (SMBiosCI* const record = NewTableRead(size)) {
           record->cbArg3 = table->index;
           record->cbArg4 = request.Received;
+          return Sized(size);
         }
       }
-      break;
+      return nullptr;
     case kReadValue:
-      if (request.Exchange) NewValueRead(size, request);
-      break;
+      return request.Exchange && NewValueRead(size, request) != nullptr ? Sized(size) : nullptr;
     case kWriteValue:
-      if (request.Exchange) NewValueWrite(size, request, securityKey);
-      break;
+      return request.Exchange && NewValueWrite(size, request, securityKey) != nullptr ? Sized(size)
+                                                                                      : nullptr;
     default:
-      break;
+      return nullptr;
   }
-  return Sized(size);
 }
 
 SMBiosCI* CACIInfo2Buffer::NewTableRead(std::uint32_t size) {
@@ -104,21 +102,21 @@ SMBiosCI* CACIInfo2Buffer::NewValueRecord(std::uint64_t length, std::uint16_t ha
   out.U32(kBlockVersion);
   out.U16(handle);
   out.U16(static_cast<std::uint16_t>(value_size));
-  return record;
+  return out.Ok() ? record : nullptr;
 }
 
 // The bytes of the block add up to 0.
-void CACIInfo2Buffer::Seal(std::size_t block_size) {
+bool CACIInfo2Buffer::Seal(std::size_t block_size) {
   const ByteSpan block = mira::bytes::Slice(Record(), kData, block_size);
-  Writer(Record(), kData + kBlockChecksum)
-      .U8(static_cast<std::uint8_t>(0u - std::accumulate(block.begin(), block.end(), 0u)));
+  Writer out(Record(), kData + kBlockChecksum);
+  out.U8(static_cast<std::uint8_t>(0u - std::accumulate(block.begin(), block.end(), 0u)));
+  return out.Ok();
 }
 
 SMBiosCI* CACIInfo2Buffer::NewValueRead(std::uint32_t size, const CACIInfo2Record& data) {
   SMBiosCI* const record = NewValueRecord(std::uint64_t{size} + kData + kReadBlockSize,
                                           data.Exchange->handle, kReadBlockSize, kReadValueSize);
-  if (record != nullptr) Seal(kReadBlockSize);
-  return record;
+  return record != nullptr && Seal(kReadBlockSize) ? record : nullptr;
 }
 
 SMBiosCI* CACIInfo2Buffer::NewValueWrite(std::uint32_t size, const CACIInfo2Record& data,
@@ -133,8 +131,7 @@ SMBiosCI* CACIInfo2Buffer::NewValueWrite(std::uint32_t size, const CACIInfo2Reco
   record->cbArg2 = securityKey != 0 ? securityKey : data.Arg2;
   Writer out(Record(), kData + kBlockValue);
   mira::pldm::Encode(value, out);
-  Seal(Record().size() - kData);
-  return record;
+  return out.Ok() && Seal(Record().size() - kData) ? record : nullptr;
 }
 
 SMBiosCI* CACIInfo2Buffer::PromptInputBuffer(std::uint32_t securityKey, std::uint32_t& size, bool) {
@@ -183,12 +180,15 @@ void CACIInfo2Buffer::AppendChunk(CACIInfo2Record& data) {
   const std::uint32_t length = in.U32();
   const ByteSpan chunk = in.Take(length);
   if (!in.Ok() || length > data.Expected - data.Received) return;
-  Writer(mira::transport::RecordBytes(data.Assembly), kData + data.Received).Bytes(chunk);
+  Writer out(mira::transport::RecordBytes(data.Assembly), kData + data.Received);
+  out.Bytes(chunk);
+  if (!out.Ok()) return;
   data.Received += length;
   if (data.Received != data.Expected) return;
   m_pCIBuffer = std::move(data.Assembly);
-  Writer(Record(), kArea).U32(data.Expected);
-  ParseTable(data);
+  Writer length_word(Record(), kArea);
+  length_word.U32(data.Expected);
+  if (length_word.Ok()) ParseTable(data);
 }
 
 void CACIInfo2Buffer::ParseTable(CACIInfo2Record& data) {

@@ -31,7 +31,7 @@ class CACIInfo2Buffer : public CExtendedBuffer {
   // The block that heads the request of selects 5 and 6. `value_size` is stated in it.
   SMBiosCI* NewValueRecord(std::uint64_t length, std::uint16_t handle, std::uint32_t block_size,
                            std::size_t value_size);
-  void Seal(std::size_t block_size);
+  bool Seal(std::size_t block_size);
 
   void ParseTable(CACIInfo2Record& data);
   void AppendChunk(CACIInfo2Record& data);

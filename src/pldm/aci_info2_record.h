@@ -33,7 +33,7 @@ struct TableDescriptor {
   std::uint8_t string_kind = 0;
   std::array<std::uint8_t, 4> reserved{};
   std::uint8_t unused = 0;
-  std::uint8_t index = 0;  // what the table is asked for by
+  std::uint8_t index = 0;  // the number that a read of the table names
   std::uint32_t size = 0;
   std::uint32_t address = 0;  // on the firmware's side
 };
@@ -43,7 +43,7 @@ struct TableDescriptor {
 struct CACIInfo2Record : CSimpleTokenData {
   ~CACIInfo2Record() override;
 
-  // Replaces the directory by the one that `data` holds: as much of it as is there.
+  // Replaces the directory by the one in `data`, as far as the bytes go.
   void DecodeHeader(mira::bytes::ByteSpan data);
   // The descriptor at the current table index; null where there is none.
   const mira::pldm::TableDescriptor* CurrentDescriptor() const;
@@ -64,7 +64,7 @@ struct CACIInfo2Record : CSimpleTokenData {
   std::uint32_t Received = 0;
   mira::transport::RecordPtr Assembly;
   std::uint32_t Expected = 0;
-  // What is read next or was read last, or is to be written; null at the start.
+  // The value of the read or write under way, or of the last one; null before the first.
   std::unique_ptr<mira::pldm::IntPLDMAttributeValue> Exchange;
   // The firmware's answer to the exchange; nothing when it did not hold what it should.
   std::optional<std::uint8_t> ExchangeStatus;

@@ -34,7 +34,7 @@ enum ATTRIBUTE_TYPE : std::uint32_t {
   BIOSBootConfigSettingReadOnly = 132,
   BIOSCollectionReadOnly = 133,
   BIOSConfigSetReadOnly = 134,
-  // What a handle that no attribute has is answered with.
+  // The answer for a handle that no attribute has.
   BIOSUnknownType = 255,
 };
 
@@ -75,6 +75,9 @@ struct MIRA_API Enumeration : Attribute {
   std::list<std::string> SuffixedValues;
   std::list<std::string> DefaultValues;
   std::list<std::uint8_t> CurrentIndices;  // into PossibleValues
+  // As DefaultValues, but tells apart values that differ in their suffixes alone. Into
+  // PossibleValues; an index that no value has is left out.
+  std::list<std::uint8_t> DefaultIndices;
 };
 
 // Lengths are in characters.

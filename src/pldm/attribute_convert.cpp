@@ -7,36 +7,15 @@
 #include <span>
 
 #include "bytes/secure.h"
+#include "bytes/utf16.h"
 #include "pldm/table_parser.h"
 
 namespace mira::pldm {
 namespace {
 
-// Of the firmware's 16-bit characters, pairs that stand for one character become one where wide
-// characters have room for it.
-std::wstring ToWide(const std::u16string& text) {
-  constexpr bool kOneUnitEach = sizeof(wchar_t) > sizeof(char16_t);
-  constexpr unsigned kHigh = 0xD800;
-  constexpr unsigned kLow = 0xDC00;
-  constexpr unsigned kEnd = 0xE000;
-  std::wstring wide;
-  wide.reserve(text.size());
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const unsigned unit = text[i];
-    const unsigned next = i + 1 < text.size() ? text[i + 1] : 0;
-    if (kOneUnitEach && unit >= kHigh && unit < kLow && next >= kLow && next < kEnd) {
-      wide += static_cast<wchar_t>(0x10000 + ((unit - kHigh) << 10) + (next - kLow));
-      ++i;
-    } else {
-      wide += static_cast<wchar_t>(unit);
-    }
-  }
-  return wide;
-}
-
 std::wstring WideText(const Tables::WideIndex& index, std::uint16_t handle) {
   const auto found = index.find(handle);
-  return found != index.end() ? ToWide(found->second) : std::wstring();
+  return found != index.end() ? bytes::Wide(found->second) : std::wstring();
 }
 
 std::string ChoiceName(const IntPLDMAttribute& attribute, std::size_t index, const Tables& tables) {
@@ -75,6 +54,10 @@ void Fill(const IntBIOSEnumeration& attribute, const IntBIOSEnumerationValue& va
     if (!name.suffix.empty()) out.SuffixedValues.emplace_back(name.text).append(name.suffix);
   }
   out.DefaultValues = ChoiceNames(attribute, attribute.default_indices, tables);
+  out.DefaultIndices.clear();
+  for (const std::uint8_t index : attribute.default_indices) {
+    if (index < attribute.possible_handles.size()) out.DefaultIndices.push_back(index);
+  }
   out.CurrentIndices.assign(value.indices.begin(), value.indices.end());
 }
 

@@ -1,7 +1,7 @@
 #ifndef MIRA_PLDM_HANDLE_INDEX_H_
 #define MIRA_PLDM_HANDLE_INDEX_H_
 
-// What belongs to each handle of 16 bits. Handles lie close together as a rule, so the index is an
+// Maps 16-bit handles to objects. Handles lie close together as a rule, so the index is an
 // array in pages that are made when they are needed: a look-up is two steps, and scattered handles
 // cost a bounded amount of memory.
 //

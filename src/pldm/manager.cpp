@@ -41,7 +41,7 @@ Manager::Manager(const callif::Target& target, bool wants_display_strings, bool 
 
 Manager::~Manager() { bytes::Wipe(&key_, sizeof(key_)); }
 
-void Manager::Load() { FetchTables(target_, key_, record_); }
+bool Manager::Load() { return FetchTables(target_, key_, record_); }
 
 const IntPLDMAttribute* Manager::Find(std::uint16_t handle) const {
   return record_ ? record_->Tables.FindAttribute(handle) : nullptr;
@@ -100,17 +100,16 @@ Outcome Manager::Resolve(PLDM::Attribute& attr) {
   return {attribute != nullptr ? Outcome::kDone : Outcome::kNotFound};
 }
 
-void Manager::FetchStrings(StringKind kind) {
-  if (!record_) return;
+bool Manager::FetchStrings(StringKind kind) {
+  if (!record_) return true;
   const bool wanted = kind == kHelpStrings ? wants_help_strings_ : wants_display_strings_;
   const Tables::WideIndex& index =
       kind == kHelpStrings ? record_->Tables.help_strings : record_->Tables.display_strings;
-  if (wanted && index.empty()) FetchStringData(target_, key_, kind, record_);
+  return !wanted || !index.empty() || FetchStringData(target_, key_, kind, record_);
 }
 
 Outcome Manager::Fill(PLDM::Attribute& attr, Source source) {
-  FetchStrings(kDisplayStrings);
-  FetchStrings(kHelpStrings);
+  if (!FetchStrings(kDisplayStrings) || !FetchStrings(kHelpStrings)) return {Outcome::kCancelled};
   if (!record_) return {Outcome::kNotSupported};
   // Looked up behind the fetch, which replaces every table that the directory points it to.
   const IntPLDMAttributeValue* const value =
@@ -218,8 +217,11 @@ Outcome Manager::GetAttributeDefault(std::uint16_t handle, std::string& value) c
   if (const auto* const enumeration = dynamic_cast<const IntBIOSEnumeration*>(attribute)) {
     const char* separator = "";
     for (const std::uint8_t index : enumeration->default_indices) {
-      value.append(separator).append(
-          ChoiceText(attribute, index, record_->Tables).value_or(std::string_view()));
+      const auto& choices = enumeration->possible_handles;
+      const BiosString choice =
+          index < choices.size() ? record_->Tables.FindString(choices[index]).value_or(BiosString())
+                                 : BiosString();
+      value.append(separator).append(choice.text).append(choice.suffix);
       separator = ", ";
     }
   } else if (const auto* const string = dynamic_cast<const IntBIOSString*>(attribute)) {
@@ -237,7 +239,7 @@ Outcome Manager::GetPossibleValues(std::uint16_t handle, std::list<std::string>&
   const Outcome found = Find(handle, attribute);
   if (attribute == nullptr) return found;
   names.clear();
-  // The suffix tells apart values of one name; sources and members are attributes, found by name.
+  // Two values may differ in their suffixes alone. Sources and members are found by name.
   const bool has_suffixes = dynamic_cast<const IntBIOSEnumeration*>(attribute) != nullptr;
   for (const std::uint16_t choice : Choices(*attribute)) {
     const BiosString name = record_->Tables.FindString(choice).value_or(BiosString{});

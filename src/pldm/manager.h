@@ -2,7 +2,7 @@
 #define MIRA_PLDM_MANAGER_H_
 
 // The attribute store of a facade: the tables read at start-up, and the reads and writes of single
-// attributes. What each operation does stands at the facade's operation of that name.
+// attributes. See the facade's operations of the same names.
 //
 //   Manager manager({calling, buffer_size, instance_key}, false, false);
 //   manager.Load();
@@ -28,6 +28,7 @@ struct Outcome {
     kNotSupported,  // no tables are loaded
     kNotFound,
     kNoKey,       // a password was given but no security key could be obtained for it
+    kCancelled,   // through the progress callback
     kMalformed,   // the answer ends within the value
     kCallFailed,  // `code` is the completion code
     kAnswered,    // `code` is the firmware's status of a write
@@ -44,8 +45,9 @@ class Manager {
   Manager(const Manager&) = delete;
   Manager& operator=(const Manager&) = delete;
 
-  // Fetches the tables. After an exception the store is of no use.
-  void Load();
+  // Fetches the tables. False when it was cancelled. After that, and after an exception, the store
+  // is of no use.
+  bool Load();
 
   // Without tables the lists stay untouched and everything else is kNotSupported.
   bool IsSupported() const { return record_ != nullptr; }
@@ -71,7 +73,8 @@ class Manager {
   Outcome Resolve(PLDM::Attribute& attr);
   enum Source { kLive, kAtBoot };
   Outcome Fill(PLDM::Attribute& attr, Source source);
-  void FetchStrings(StringKind kind);
+  // False when it was cancelled.
+  bool FetchStrings(StringKind kind);
   bool ObtainKey(const std::string& password, bool class10, std::uint32_t key);
 
   callif::Target target_;

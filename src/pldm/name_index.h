@@ -56,7 +56,7 @@ class NameIndex {
     return static_cast<std::uint32_t>(std::hash<std::string_view>{}(name));
   }
 
-  // Where the name stands, or the free slot where it would. There always is a free slot.
+  // The slot of the name, or the free one where it would be put. One slot is always free.
   std::size_t SlotOf(std::uint32_t hash, std::string_view characters, std::string_view name) const {
     std::size_t at = hash & (slots_.size() - 1);
     while (slots_[at].name.offset != 0 &&

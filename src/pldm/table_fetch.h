@@ -16,13 +16,15 @@
 
 namespace mira::pldm {
 
+// Both operations below: false when the progress callback cancelled them.
+
 // The directory, then each table in its order, but for the string data. Throws std::out_of_range
-// for a class bitmap that cannot be read.
-void FetchTables(const callif::Target& target, std::uint32_t key,
+// for a class bitmap that cannot be read. Cancelled, the record is null.
+bool FetchTables(const callif::Target& target, std::uint32_t key,
                  std::unique_ptr<CACIInfo2Record>& record);
 
-// The string data that may hold texts of that kind.
-void FetchStringData(const callif::Target& target, std::uint32_t key, StringKind kind,
+// The string data that may hold texts of that kind. Cancelled, there are none of that kind.
+bool FetchStringData(const callif::Target& target, std::uint32_t key, StringKind kind,
                      std::unique_ptr<CACIInfo2Record>& record);
 
 }  // namespace mira::pldm

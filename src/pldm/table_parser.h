@@ -29,7 +29,7 @@ void ParseStringData(bytes::ByteSpan data, Tables::WideIndex& index);
 // that does not exist.
 std::unique_ptr<IntPLDMAttributeValue> MakeValue(PLDM::ATTRIBUTE_TYPE type);
 
-// What stands behind handle and type in an entry of the value table; null when the bytes end within
+// Reads the part of a value-table entry behind handle and type; null when the bytes end within
 // it, and, after that line, for a type that does not exist.
 std::unique_ptr<IntPLDMAttributeValue> ReadValue(bytes::Reader& in, std::uint16_t handle,
                                                  PLDM::ATTRIBUTE_TYPE type);
@@ -41,7 +41,7 @@ void Encode(const IntPLDMAttributeValue& value, bytes::Writer& out);
 // Whether its counts and lengths fit into their fields.
 bool IsEncodable(const IntPLDMAttributeValue& value);
 
-// The line that says that a type does not exist, or not where it stands.
+// Prints the line for a type that does not exist or is not allowed in its place.
 void DiagnoseType();
 
 }  // namespace mira::pldm

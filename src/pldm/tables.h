@@ -163,7 +163,7 @@ class Tables {
   WideIndex help_strings;
 
  private:
-  // Where a string stands among the characters of all; these only grow.
+  // The place of a string in characters_, which only grows.
   struct Place {
     std::uint32_t offset = 0;
     std::uint16_t length = 0;

@@ -1,11 +1,13 @@
 #include "smbios/bios_object.h"
 
-#include <charconv>
 #include <cstring>
+#include <new>
 #include <sstream>
 
 #include "bytes/reader.h"
+#include "smbios/guarded_show.h"
 #include "smbios/structure_copy.h"
+#include "smbios/text_out.h"
 
 namespace {
 
@@ -31,23 +33,37 @@ CBIOSObject& CBIOSObject::operator=(const CBIOSObject& other) = default;
 // A chain may hold tens of thousands of objects: it is taken apart link by link, never by
 // recursion. A link that a copy still shares ends the walk; its last owner goes on from there.
 CBIOSObject::~CBIOSObject() {
-  std::shared_ptr<CBIOSObject> next = std::move(m_pNextObj);
-  while (next && next.use_count() == 1)
-    next = std::shared_ptr<CBIOSObject>(std::move(next->m_pNextObj));
+  CBIOSObject* next = m_pNextObj.Detach();
+  while (next != nullptr) {
+    CBIOSObject* const behind = next->m_pNextObj.Detach();
+    delete next;
+    next = behind;
+  }
 }
 
-void CBIOSObject::Display(std::ostream& os) const { DisplayHeader(os); }
+void CBIOSObject::Display(std::ostream& os) const {
+  mira::smbios::GuardedShow(os, [&] { DisplayHeader(os); });
+}
+
+void CBIOSObject::DisplayOwn(std::ostream& os) const {
+  mira::smbios::GuardedShow(os, [&] { DisplayOne(os); });
+}
 
 void CBIOSObject::GetAttributes(AttributeMap& attrs) {
   for (const CBIOSObject* object = this; object != nullptr; object = object->getNextObj()) {
-    attrs[object->m_wHandle] = object->OwnAttributes();
+    try {
+      attrs[object->m_wHandle] = object->OwnAttributes();
+    } catch (const std::bad_alloc&) {
+      for (; object != nullptr; object = object->getNextObj()) attrs.erase(object->m_wHandle);
+      return;
+    }
   }
 }
 
 void CBIOSObject::Append(CBIOSObject* obj) {
   CBIOSObject* tail = this;
-  while (tail->m_pNextObj) tail = tail->m_pNextObj.get();
-  tail->m_pNextObj = std::shared_ptr<CBIOSObject>(obj, Deleter{});
+  while (CBIOSObject* const next = tail->getNextObj()) tail = next;
+  tail->m_pNextObj = mira::smbios::ChainLink(obj);
 }
 
 AttributeMap::mapped_type CBIOSObject::OwnAttributes() const {
@@ -56,30 +72,38 @@ AttributeMap::mapped_type CBIOSObject::OwnAttributes() const {
   return list;
 }
 
+std::vector<bool> CBIOSObject::AttributesBeyond() const {
+  std::vector<bool> beyond;
+  MarkBeyond(beyond);
+  beyond.resize(OwnAttributes().size());
+  return beyond;
+}
+
 void CBIOSObject::AddAttributes(AttributeMap::mapped_type&) const {}
+
+void CBIOSObject::MarkBeyond(std::vector<bool>&) const {}
 
 void CBIOSObject::DisplayOne(std::ostream& os) const { DisplayHeader(os); }
 
 void CBIOSObject::DisplayChain(std::ostream& os) const {
-  for (const CBIOSObject* object = this; object != nullptr; object = object->getNextObj()) {
-    object->DisplayOne(os);
-  }
+  mira::smbios::GuardedShow(os, [&] {
+    for (const CBIOSObject* object = this; object != nullptr; object = object->getNextObj()) {
+      object->DisplayOne(os);
+    }
+  });
 }
 
-void CBIOSObject::AppendHeader(std::string& text) const {
-  const std::pair<const char*, unsigned> lines[] = {
-      {"Type : ", m_byType}, {"Length : ", m_byLength}, {"Handle : ", m_wHandle}};
-  for (const auto& [label, value] : lines) {
-    char digits[8];
-    const auto end = std::to_chars(digits, digits + sizeof(digits), value, 16).ptr;
-    text.append(label).append(digits, end).append("\n");
-  }
+void CBIOSObject::WriteHeader(mira::smbios::TextOut& out) const {
+  using mira::smbios::Hex;
+  out << "Type : " << Hex(m_byType) << "\nLength : " << Hex(m_byLength)
+      << "\nHandle : " << Hex(m_wHandle) << '\n';
 }
 
 void CBIOSObject::DisplayHeader(std::ostream& os) const {
-  std::string text;
-  AppendHeader(text);
-  os << text << std::dec;
+  mira::smbios::TextOut out(os);
+  WriteHeader(out);
+  out.Flush();
+  os << std::dec;
 }
 
 unsigned short CBIOSObject::BuildWord(unsigned char* data, unsigned int& offset) {

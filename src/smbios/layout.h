@@ -5,14 +5,16 @@
 // them. Adding a field is adding a line:
 //
 //   constexpr Field kFields[] = {
-//       {"Socket Designation", "SocketDesignation", Kind::kString},
-//       {"Cache Configuration", nullptr, Kind::kWord, {.hex = true}},
+//       {0x04, "Socket Designation", "SocketDesignation", Kind::kString},
+//       {0x05, "Cache Configuration", nullptr, Kind::kWord, {.hex = true}},
 //   };
 //   constinit const Layout CCacheInfo::kLayout("Cache Information", "7", kFields);
 //
-// Fields are read where the list puts them, whatever the structure's length: those of a short
-// structure come from its string set and from the zero bytes behind it.
+// The offsets are those that the standard prints. They must follow one another without a gap: a
+// list in which one is wrong does not compile. Fields are read there whatever the structure's
+// length: those of a short structure come from its string set and from the zero bytes behind it.
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -20,9 +22,11 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "bytes/reader.h"
 #include "smbios/bios_object.h"
+#include "smbios/text_out.h"
 
 namespace mira::smbios {
 
@@ -37,7 +41,7 @@ class StructureView {
   std::uint64_t Number(std::size_t offset, std::size_t width) const {
     return bytes::Reader(Bytes(offset, width)).Number(width);
   }
-  std::uint8_t Byte(std::size_t offset) const { return raw_[offset]; }
+  std::uint8_t Byte(std::size_t offset) const { return Bytes(offset, 1)[0]; }
   std::uint16_t Word(std::size_t offset) const {
     return static_cast<std::uint16_t>(Number(offset, 2));
   }
@@ -45,6 +49,7 @@ class StructureView {
     return static_cast<std::uint32_t>(Number(offset, 4));
   }
   bytes::ByteSpan Bytes(std::size_t offset, std::size_t width) const {
+    reach_ = std::max(reach_, offset + width);
     return {raw_ + offset, width};
   }
   // String `number` (from 1) of the string set; empty for 0 and for numbers beyond the set.
@@ -52,18 +57,14 @@ class StructureView {
   // The string behind `text`, which String() or NextString() gave; empty beyond the set.
   std::string_view NextString(std::string_view text) const;
 
+  // Where the farthest read outside the string set ended since the last call.
+  std::size_t TakeReach() const { return std::exchange(reach_, 0); }
+
  private:
   const unsigned char* raw_;
   unsigned char length_;
+  mutable std::size_t reach_ = 0;
 };
-
-// Appends to a dump or a value.
-void AppendDecimal(std::string& out, std::uint64_t value);
-void AppendHex(std::string& out, std::uint64_t value);
-// With six significant digits, as a stream writes a double.
-void AppendDouble(std::string& out, double value);
-// Each byte in hexadecimal, with a blank in between.
-void AppendHexBytes(std::string& out, bytes::ByteSpan bytes);
 
 using Attributes = AttributeMap::mapped_type;
 
@@ -73,13 +74,13 @@ struct Value {
   std::uint64_t number;
 };
 
-// Appends the text of a field. False: the field is left out.
-using Text = bool (*)(const StructureView& structure, const Value& value, std::string& out);
+// Writes the text of a field. False: the field is left out.
+using Text = bool (*)(const StructureView& structure, const Value& value, TextOut& out);
 // Whether a field is shown in the dump.
 using Condition = bool (*)(const StructureView& structure);
 
 enum class Kind : std::uint8_t {
-  kNone,  // no bytes of its own: a value computed from others
+  kNone,  // no bytes of its own: a value computed from the field that stands at its offset
   kByte,
   kWord,
   kDWord,
@@ -123,9 +124,16 @@ struct Extras {
   std::uint8_t rank = 0;  // place among the published pairs, where these are ordered otherwise
 };
 
+// A text that may be missing.
+struct Label {
+  constexpr Label(const char* label) : text(label != nullptr ? std::string_view(label) : "") {}
+  std::string_view text;
+};
+
 struct Field {
-  const char* label;  // null: not in the dump
-  const char* key;    // null: not published
+  std::uint8_t offset;  // in the structure; of repeated items, in the item
+  Label label;          // null: not in the dump
+  const char* key;      // null: not published
   Kind kind;
   Extras extras = {};
 };
@@ -137,7 +145,7 @@ struct Besides {
   // A fixed line behind the fields.
   const char* note = nullptr;
   // What no list of fields says.
-  void (*show)(const StructureView& structure, std::string& out) = nullptr;
+  void (*show)(const StructureView& structure, TextOut& out) = nullptr;
   void (*publish)(const StructureView& structure, Attributes& list) = nullptr;
   // Number of dashes in the closing line, where that is not the banner's length.
   std::size_t closing = 0;
@@ -153,11 +161,8 @@ class Layout {
                    Besides besides = {})
       : title_(title), type_(type), fields_(fields), besides_(besides) {
     if (fields.size() > kMaxFields) throw std::length_error("too many fields");
-    for (std::size_t i = 0; i < fields.size(); ++i) {
-      offsets_[i] = static_cast<std::uint8_t>(end_);
-      end_ += Width(fields[i].kind, fields[i].extras.size);
-    }
-    for (const Field& item : besides.items) item_size_ += Width(item.kind, item.extras.size);
+    end_ += CheckedSize(fields, kHeaderSize);
+    item_size_ = CheckedSize(besides.items, 0);
     // The zero bytes behind every structure copy cover a layout of this size.
     if (end_ + item_size_ > 255) throw std::length_error("layout too long");
     // Published in order of rank; without ranks, in the fields' order.
@@ -171,21 +176,37 @@ class Layout {
   }
 
   // The structure's dump between its header lines and the closing line.
-  void Show(const StructureView& structure, std::string& out) const;
-  void Publish(const StructureView& structure, Attributes& list) const;
-  // The banner without its line end.
-  void AppendBanner(std::string& out) const;
-  // The closing line without its end, as long as the banner.
-  void AppendClosing(std::string& out) const;
+  void Show(const StructureView& structure, TextOut& out) const;
+  // Adds the published pairs. With `beyond`, tells per pair whether anything was read beyond the
+  // structure's length.
+  void Publish(const StructureView& structure, Attributes& list,
+               std::vector<bool>* beyond = nullptr) const;
+  void ShowBanner(TextOut& out) const;
+  // As long as the banner.
+  void ShowClosing(TextOut& out) const;
 
  private:
+  // The size of fields that begin at `start` and follow one another.
+  static constexpr std::size_t CheckedSize(std::span<const Field> fields, std::size_t start) {
+    std::size_t end = start;
+    for (const Field& field : fields) {
+      const auto stands_there = [&field](const Field& other) {
+        return other.kind != Kind::kNone && other.offset == field.offset;
+      };
+      const bool is_right = field.kind == Kind::kNone
+                                ? std::any_of(fields.begin(), fields.end(), stands_there)
+                                : field.offset == end;
+      if (!is_right) throw std::logic_error("a field's offset is not where the one before ends");
+      end += Width(field.kind, field.extras.size);
+    }
+    return end - start;
+  }
   std::size_t ItemCount(const StructureView& structure) const;
 
   std::string_view title_;
   std::string_view type_;
   std::span<const Field> fields_;
   Besides besides_;
-  std::array<std::uint8_t, kMaxFields> offsets_{};
   std::array<std::uint8_t, kMaxFields> order_{};
   std::size_t published_ = 0;
   std::size_t end_ = kHeaderSize;  // of the fields, where the items begin
@@ -195,12 +216,22 @@ class Layout {
 // An object whose class is a layout.
 class CLayoutObject : public CBIOSObject {
  public:
+  CLayoutObject(const CLayoutObject&) = default;
+  // The source may hang on the chain that the base lets go of.
+  CLayoutObject& operator=(const CLayoutObject& other) {
+    const ChainLink chain = m_pNextObj;
+    CBIOSObject::operator=(other);
+    m_pLayout = other.m_pLayout;
+    return *this;
+  }
+
   void Display(std::ostream& os) const override { DisplayChain(os); }
 
  protected:
   CLayoutObject(unsigned char* raw, const Layout& layout) : CBIOSObject(raw), m_pLayout(&layout) {}
   void AddAttributes(AttributeMap::mapped_type& list) const override;
   void DisplayOne(std::ostream& os) const override;
+  void MarkBeyond(std::vector<bool>& beyond) const override;
   StructureView View() const { return {raw(), m_byLength}; }
 
  private:

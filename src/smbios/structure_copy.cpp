@@ -5,8 +5,9 @@
 namespace mira::smbios {
 
 unsigned char* CopyStructure(bytes::ByteSpan structure) {
-  unsigned char* const copy = new unsigned char[structure.size() + kStructureSlack]();
-  std::copy(structure.begin(), structure.end(), copy);
+  unsigned char* const copy = new unsigned char[structure.size() + kStructureSlack];
+  std::fill_n(std::copy(structure.begin(), structure.end(), copy), kStructureSlack,
+              static_cast<unsigned char>(0));
   return copy;
 }
 

@@ -3,7 +3,7 @@
 
 // The one way to make the bytes that a structure object takes over.
 //
-//   CBIOSObject* object = new CBIOSInfo(mira::smbios::CopyStructure(bytes));
+//   CBIOSObject* object = new CBIOSObject(mira::smbios::CopyStructure(bytes));
 
 #include <cstddef>
 
@@ -13,10 +13,10 @@
 namespace mira::smbios {
 
 // Structure objects get a bare pointer and read their whole layout whatever the structure's length.
-// The copy is therefore followed by this many zero bytes: enough for a layout that begins at the
-// end of the structure (fields end within 255 bytes of the start, DSP0134 6.1.2) and for string
-// number 255 of a set whose strings are all missing.
-inline constexpr std::size_t kStructureSlack = 1024;
+// The copy is therefore followed by this many zero bytes: enough for a length of 255 that is
+// not there (no field ends farther from the start, DSP0134 6.1.2), and behind it for string number
+// 255 of a set whose strings are all missing.
+inline constexpr std::size_t kStructureSlack = 512;
 
 // A copy of `structure` (formatted area and string set) and the zero bytes behind it, made with
 // new[]; the caller, or the structure object made from it, owns it. A structure below 4 bytes is

@@ -1,7 +1,9 @@
 #include "smbios/structure_factory.h"
 
-#include <algorithm>
+#include <array>
+#include <cstdint>
 #include <iterator>
+#include <stdexcept>
 
 #include "callif/calling_interface.h"
 #include "smbios/structures/structures.h"
@@ -85,10 +87,22 @@ constexpr Row kRows[] = {
     {222, "CRemoteBIOSUpdate", Make<CRemoteBIOSUpdate>},
 };
 
+constexpr std::uint8_t kNoRow = 0xFF;
+
+// Per type the number of its row.
+constexpr auto kRowOfType = [] {
+  std::array<std::uint8_t, 256> row_of_type{};
+  row_of_type.fill(kNoRow);
+  for (std::size_t i = 0; i < std::size(kRows); ++i) {
+    if (i > 0 && kRows[i - 1].type >= kRows[i].type) throw std::logic_error("rows out of order");
+    row_of_type[kRows[i].type] = static_cast<std::uint8_t>(i);
+  }
+  return row_of_type;
+}();
+
 const Row* Find(unsigned char type) {
-  const Row* const row = std::lower_bound(std::begin(kRows), std::end(kRows), type,
-                                          [](const Row& r, unsigned char t) { return r.type < t; });
-  return row != std::end(kRows) && row->type == type ? row : nullptr;
+  const std::uint8_t row = kRowOfType[type];
+  return row != kNoRow ? &kRows[row] : nullptr;
 }
 
 }  // namespace

@@ -19,12 +19,14 @@ TableWalk::Step TableWalk::Next() {
   if (length < kHeaderSize || length > rest_.size()) return Step::kMalformed;
 
   // The string set ends at the first pair of NULs behind the formatted area.
-  constexpr std::uint8_t kTerminator[2] = {0, 0};
-  const auto strings = rest_.subspan(length);
-  const auto end =
-      std::search(strings.begin(), strings.end(), std::begin(kTerminator), std::end(kTerminator));
-  if (end == strings.end()) return Step::kMalformed;
-  const std::size_t terminator = length + static_cast<std::size_t>(end - strings.begin());
+  const std::string_view table = bytes::AsText(rest_);
+  std::size_t terminator = length;
+  for (;;) {
+    terminator = table.find('\0', terminator);
+    if (terminator == table.npos || terminator + 1 == table.size()) return Step::kMalformed;
+    if (table[terminator + 1] == '\0') break;
+    terminator += 2;
+  }
   structure_ = rest_.first(terminator + 1);
   rest_ = rest_.subspan(terminator + 2);
   ended_ = structure_[0] == kEndOfTable;

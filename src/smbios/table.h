@@ -32,7 +32,7 @@ using ObjectMaker = std::function<CBIOSObject*(std::unique_ptr<unsigned char[]> 
 // Splits a structure table (without the firmware table's header) into structures, never leaving its
 // bytes. Each structure is the formatted area and the string set with the NUL that ends the last
 // string (without strings: with one NUL), which is what objects are made from.
-class TableWalk {
+class MIRA_API TableWalk {
  public:
   explicit TableWalk(bytes::ByteSpan table) : rest_(table) {}
 

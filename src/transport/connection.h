@@ -29,15 +29,25 @@ class ComScope {
   HRESULT result_;
 };
 
+// How an attempt to connect went.
+struct Attempt {
+  HRESULT initialized = E_FAIL;  // of CoInitializeEx; S_OK: this thread's COM is ours
+  CComPtr<IWbemServices> services;
+  // It failed behind CoInitializeEx: the caller calls CoUninitialize once, whether or not this
+  // thread's initialisation was ours.
+  bool EndsCom() const {
+    return !services && (SUCCEEDED(initialized) || initialized == RPC_E_CHANGED_MODE);
+  }
+};
+
 // Initialises COM on the calling thread and connects to ROOT\WMI. On failure writes one line to
-// `diag`, leaves `services` empty and returns false; each failure behind CoInitializeEx then calls
-// CoUninitialize once, whether or not this thread's initialisation was ours. Throws ComError when a
-// COM string cannot be made.
-bool Connect(std::ostream& diag, CComPtr<IWbemServices>& services);
+// `diag`. Throws ComError when a COM string cannot be made.
+Attempt Connect(std::ostream& diag);
 
 // What the data block of the WMI instance says.
 struct Discovery {
   bool found = false;             // an instance carried the signature
+  HRESULT result = S_OK;          // what the search ended with
   std::uint32_t buffer_size = 0;  // bytes of the firmware's transfer buffer
   bool buffer_fix = false;        // the firmware's buffer handling is announced as usable
   CComBSTR relative_path;         // of the instance

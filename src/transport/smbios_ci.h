@@ -7,7 +7,7 @@
 //
 //   mira::transport::RecordPtr record = mira::transport::MakeRecord(11, 0, 44);
 //   record->cbArg1 = 1;
-//   bytes::Writer area(mira::transport::RecordBytes(record), mira::transport::kFixedRecordSize);
+//   mira::bytes::Writer area(mira::transport::RecordBytes(record), 44);
 
 #include <cstddef>
 #include <cstdint>

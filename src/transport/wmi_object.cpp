@@ -4,19 +4,20 @@
 
 namespace mira::transport {
 
-bool GetProperty(IWbemClassObject* object, const wchar_t* name, platform::Variant& value) {
+HRESULT GetProperty(IWbemClassObject* object, const wchar_t* name, platform::Variant& value) {
   const CComBSTR property = MakeBstr(name);
-  return SUCCEEDED(object->Get(property, 0, &value, nullptr, nullptr));
+  return object->Get(property, 0, &value, nullptr, nullptr);
 }
 
-CComPtr<IWbemClassObject> EmbeddedObject(IWbemClassObject* object, const wchar_t* name) {
+CComPtr<IWbemClassObject> EmbeddedObject(IWbemClassObject* object, const wchar_t* name,
+                                         HRESULT& result) {
   platform::Variant value;
   CComPtr<IWbemClassObject> embedded;
-  if (!GetProperty(object, name, value) || value.Object() == nullptr) return embedded;
+  result = GetProperty(object, name, value);
+  if (FAILED(result) || value.Object() == nullptr) return embedded;
   void* found = nullptr;
-  if (SUCCEEDED(value.Object()->QueryInterface(IID_IWbemClassObject, &found))) {
-    embedded.Attach(static_cast<IWbemClassObject*>(found));
-  }
+  result = value.Object()->QueryInterface(IID_IWbemClassObject, &found);
+  if (SUCCEEDED(result)) embedded.Attach(static_cast<IWbemClassObject*>(found));
   return embedded;
 }
 

@@ -6,12 +6,14 @@
 
 namespace mira::transport {
 
-// The class object that an object embeds under `name`; empty on any failure. Throws ComError when
-// the name's string cannot be made.
-CComPtr<IWbemClassObject> EmbeddedObject(IWbemClassObject* object, const wchar_t* name);
-
 // Reads a property. Throws ComError when the name's string cannot be made.
-bool GetProperty(IWbemClassObject* object, const wchar_t* name, platform::Variant& value);
+HRESULT GetProperty(IWbemClassObject* object, const wchar_t* name, platform::Variant& value);
+
+// The class object that an object embeds under `name`; empty on any failure, with what the service
+// that failed said in `result` (S_OK: there is no object). Throws ComError when the name's string
+// cannot be made.
+CComPtr<IWbemClassObject> EmbeddedObject(IWbemClassObject* object, const wchar_t* name,
+                                         HRESULT& result);
 
 }  // namespace mira::transport
 

@@ -331,7 +331,7 @@ TEST(AttributeLoad, LeavesTheMachineUnsupportedWhenAFetchFails) {
       {"the transport fails",
        {.operation = "IWbemServices::ExecMethod", .nth = 4, .result = -1},
        false},
-      {"none", {.operation = "none"}, true}};
+      {"none", {.operation = "LocalFree"}, true}};
   const Bytes strings = ByteBuilder().String(3, std::string(140, 's')).Table();
   const Bytes attributes = ByteBuilder().U16(3).U8(6).U16(3).U8(0).Table();
   for (const Case& c : cases) {
@@ -344,6 +344,41 @@ TEST(AttributeLoad, LeavesTheMachineUnsupportedWhenAFetchFails) {
     host.machine().GetFaults().Clear();
     EXPECT_EQ(host.Start(), STATUS_SUCCESS);
     EXPECT_EQ(host->IsPLDMSupported(), c.supported) << "for the life of the object";
+  }
+}
+
+TEST(AttributeLoad, BeginsEachTableInChunksAtItsStart) {
+  const Bytes first = ByteBuilder().String(3, std::string(140, 's')).Table();
+  const Bytes second = ByteBuilder().String(4, std::string(140, 't')).Table();
+  const Bytes attributes = ByteBuilder().U16(4).U8(6).U16(4).U8(0).Table();
+  Host host({{0, 0, first}, {0, 0, second}, {1, 0, attributes}}, WithBuffer(200));
+  EXPECT_EQ(host.Start(), STATUS_SUCCESS);
+  EXPECT_EQ(host.Calls(),
+            "3/0+0 (0)->-6 3/0+0 (72)->0 "
+            "4/0+0 (0)->-6 4/0+0 (108)->0 4/0+108 (108)->0 "
+            "4/1+0 (0)->-6 4/1+0 (108)->0 4/1+108 (108)->0 "
+            "4/2+0 (0)->-6 4/2+0 (12)->0 ");
+  std::string name;
+  EXPECT_EQ(host->GetAttributeName(4, name), STATUS_SUCCESS);
+  EXPECT_EQ(name, std::string(140, 't'));
+}
+
+TEST(AttributeLoad, BelievesNoTableLargerThanAnyTransfer) {
+  struct Case {
+    std::uint32_t stated;
+    const char* calls;
+  };
+  constexpr std::uint32_t kLargest = 16 * 1024 * 1024;
+  const Case cases[] = {{kLargest,
+                         "3/0+0 (0)->-6 3/0+0 (40)->0 "
+                         "4/0+0 (0)->-6 4/0+0 (108)->0 4/0+108 (108)->0 4/0+148 (108)->0 "},
+                        {kLargest + 1, "3/0+0 (0)->-6 3/0+0 (40)->0 4/0+0 (0)->-6 "}};
+  for (const Case& c : cases) {
+    Host host({{0, 0, ByteBuilder().String(3, std::string(140, 's')).Table()}}, WithBuffer(200));
+    host.firmware().stated_size = c.stated;
+    EXPECT_EQ(host.Start(), STATUS_SUCCESS);
+    EXPECT_EQ(host.Calls(), c.calls);
+    EXPECT_FALSE(host->IsPLDMSupported());
   }
 }
 
@@ -472,7 +507,12 @@ TEST(AttributeQuery, GivesValuesAtBootDefaultsAndChoicesAsText) {
     std::list<std::string> choices;
   };
   const Case cases[] = {
-      {1, STATUS_SUCCESS, "was;OffAuto", STATUS_SUCCESS, "On, Auto", {"Off", "On[fast]", "Auto"}},
+      {1,
+       STATUS_SUCCESS,
+       "was;OffAuto",
+       STATUS_SUCCESS,
+       "On[fast], Auto",
+       {"Off", "On[fast]", "Auto"}},
       {2, STATUS_SUCCESS, "at boot", STATUS_SUCCESS, "none", {}},
       {3, STATUS_SUCCESS, "18446744073709551615", STATUS_SUCCESS, "50", {}},
       {4, STATUS_SUCCESS, "was;Net;Disk;", STATUS_SUCCESS, "", {"Disk", "Net"}},
@@ -522,6 +562,7 @@ std::string Text(const PLDM::Attribute& attribute) {
     list("of", e->PossibleValues);
     list("suffixed", e->SuffixedValues);
     list("default", e->DefaultValues);
+    list("at", e->DefaultIndices);
     list("is", e->CurrentIndices);
   } else if (const auto* const s = dynamic_cast<const PLDM::String*>(&attribute)) {
     text(*s);
@@ -555,7 +596,7 @@ TEST(AttributeRead, FillsEachType) {
   const Case cases[] = {
       {1,
        "Wake",
-       "1 Wake of Off On Auto suffixed On[fast] default On Auto is",
+       "1 Wake of Off On Auto suffixed On[fast] default On Auto at 1 2 is",
        " 0 2",
        {1, 1},
        " 1"},
@@ -565,7 +606,12 @@ TEST(AttributeRead, FillsEachType) {
       {7, "Secret", "7 Secret 4-16 ", "hush", {0, 0}, ""},
       {8, "Group", "8 Group All 9 members", " 1 3", {1, 2, 1}, " 258"},
       {9, "Profile", "9 Profile ", "Net", {0}, "Disk"},
-      {10, "Locked", "10 Locked of Off On suffixed On[fast] default Off is", " 1", {1, 0}, " 0"}};
+      {10,
+       "Locked",
+       "10 Locked of Off On suffixed On[fast] default Off at 0 is",
+       " 1",
+       {1, 0},
+       " 0"}};
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
     LoadedHost host;
@@ -600,6 +646,7 @@ TEST(AttributeRead, RefusesWithoutACall) {
        3},
       {"neither name nor handle", PLDM::BIOSInteger, "", 0, STATUS_ATTRIBUTE_NOT_FOUND, 0},
       {"unknown name, known handle", PLDM::BIOSInteger, "Fann", 3, STATUS_ATTRIBUTE_NOT_FOUND, 0},
+      {"a name in another case", PLDM::BIOSInteger, "fan", 0, STATUS_ATTRIBUTE_NOT_FOUND, 0},
       {"unknown handle", PLDM::BIOSInteger, "", 77, STATUS_ATTRIBUTE_NOT_FOUND, 77},
       {"an object of another class", PLDM::BIOSString, "Label", 0, STATUS_FAILURE, 2},
       {"an attribute of another type", PLDM::BIOSInteger, "Label", 0, STATUS_FAILURE, 2}};

@@ -35,6 +35,9 @@ using test::ProgramResult;
 using test::TemporaryFile;
 using Words = std::vector<std::string>;
 
+// Where an attribute's value begins in the record of a live read: behind the block and the type.
+constexpr std::size_t kLiveValue = 73;
+
 TEST(BiosTable, EndsWithPaddingAndChecksum) {
   struct Case {
     const char* what;
@@ -327,7 +330,7 @@ TEST(AttributeFirmware, WantsAKeyWhileAPasswordIsInstalled) {
     Firmware firmware(profile);
     EXPECT_EQ(firmware.Write(1, value), 5);
     EXPECT_EQ(firmware.Write(1, value, 0x11111111), 5);
-    const std::uint32_t key = firmware.security().IssueKey();
+    const std::uint32_t key = firmware.security().Key(is_setup ? 9 : 10);
     EXPECT_EQ(firmware.Write(1, value, key), 0);
     EXPECT_EQ(firmware.Write(6, value, key), 2) << "with a key, it is read-only all the same";
     firmware.security().Reboot();
@@ -484,9 +487,27 @@ TEST(AttrCommand, EndsWithTheStatusAndASentence) {
       {{"get", "WakeOnLam"}, 3, "Did you mean 'WakeOnLan'?"},
       {{"get", "0xFFFF"}, 3, "There is no attribute '0xFFFF'"},
       {{"get", "SiteCode[US]"}, 3, "There is no attribute"},
-      {{"diff"}, 0, "Every attribute has the value that it had at boot."},
+      {{"get", "wakeonlan"}, 0, "Wake on LAN"},
+      {{"get", "sitecode[eu]"}, 0, "SiteCode[EU]"},
+      {{"get", "WakeOnLan", "FanFloor"}, 0, "0 to 60, in steps"},
+      {{"get", "WakeOnLan", "Nope"}, 3, "There is no attribute 'Nope'"},
+      {{"list", "wake on lan"}, 0, "0x0096  WakeOnLan"},
+      {{"list", "--pending"}, 0, "(none)"},
+      {{"diff"}, 0, "Every attribute has the value that it had at boot. No restart is pending."},
       {{"set", "WakeOnLan", "LAN", "--yes"}, 0, "'Disabled' -> 'LAN'. It differs from the value"},
       {{"set", "WakeOnLan", "Disabled"}, 0, "WakeOnLan is 'Disabled' already."},
+      {{"set", "WakeOnLan=LAN", "fanfloor=20", "AssetTag=a=b", "--yes"}, 0, "'NF-004711' -> 'a=b'"},
+      {{"set", "AssetTag", "a=b", "--yes"}, 0, "'NF-004711' -> 'a=b'"},
+      {{"set", "WakeOnLan=LAN", "FanFloor", "--yes"}, 3, "There is no attribute 'WakeOnLan=LAN'"},
+      {{"set", "WakeOnLan=LAN", "FanFloor=1", "x", "--yes"}, 2, "'x' is no NAME=VALUE"},
+      {{"set", "WakeOnLan=LAN", "FanFloor=70", "--yes"}, 6, "above the upper bound"},
+      {{"set", "WakeOnLan=LAN", "wakeonlan=WLAN", "--yes"}, 2, "WakeOnLan is given twice."},
+      {{"set", "OwnerPassword=geheim", "--yes"}, 2, "is a password"},
+      {{"reset", "AssetTag", "--what-if"}, 0, "Nothing was written."},
+      {{"reset"}, 2, "Either the names"},
+      {{"reset", "AssetTag", "--all"}, 2, "Either the names"},
+      {{"reset", "OwnerPassword", "--yes"}, 6, "passwords are never set to a default"},
+      {{"reset", "BootOrder", "--yes"}, 6, "tell no default"},
       {{"set", "WakeOnLan", "LAN"}, 8, "nobody can be asked"},
       {{"set", "WakeOnLan", "LAN", "--what-if"}, 0, "Nothing was written."},
       {{"set", "WakeOnLan", "lan", "--yes"}, 6, "They are: Disabled, LAN, LAN or PXE, WLAN"},
@@ -495,6 +516,7 @@ TEST(AttrCommand, EndsWithTheStatusAndASentence) {
       {{"set", "WakeOnLan", "300", "--force", "--yes"}, 6, "is none of its values"},
       {{"set", "WakeOnLan"}, 2, "A value is needed for WakeOnLan."},
       {{"set", "PrivacyKeys", "Screen[F10], Camera", "--yes"}, 0, "'Screen[F10], Camera[F9]'"},
+      {{"set", "PrivacyKeys", "Camera, Camera[F9]", "--yes"}, 6, "'Camera[F9]' is given twice"},
       {{"set", "FanFloor", "0x14", "--yes"}, 0, "-> '20'"},
       {{"set", "FanFloor", "70", "--yes"}, 6, "above the upper bound. It takes 0 to 60, in steps"},
       {{"set", "FanFloor", "70", "--yes", "--force"}, 11, "refused the value (status 1)"},
@@ -520,7 +542,43 @@ TEST(AttrCommand, EndsWithTheStatusAndASentence) {
       {{"set", "ServiceTag", "X", "--yes"}, 6, "ServiceTag is read-only."},
       {{"set", "ServiceTag", "X", "--yes", "--force"}, 11, "refused the write (status 2)"},
       {{"import", "no such file"}, 3, "cannot be read"},
-      {{"import", "-"}, 6, "is no JSON", "["},
+      {{"import", "-"}, 6, "is no JSON from line 2, column 3", "{\"attributes\":\n  ]"},
+      {{"import", "-"}, 6, "has the key 'A' twice", R"({"attributes": {"A": 1, "A": 2}})"},
+      {{"import", "-"}, 6, "nobody knows: attribute, x", R"({"attribute": {}, "x": 1})"},
+      {{"import", "-"},
+       6,
+       "FanFloor has what nobody knows: valeu",
+       R"({"attributes": [{"name": "FanFloor", "valeu": 1}]})"},
+      {{"import", "-"},
+       6,
+       "schemaVersion 2, which is newer",
+       R"({"schemaVersion": 2, "attributes": {}})"},
+      {{"import", "-"},
+       6,
+       "schemaVersion \"1\", which there is not",
+       R"({"schemaVersion": "1", "attributes": {}})"},
+      {{"import", "-"}, 6, "FanFloor: -5 is below 0.", R"({"attributes": {"FanFloor": -5}})"},
+      {{"import", "-"},
+       6,
+       "FanFloor: 20.0 is no whole number",
+       R"({"attributes": {"FanFloor": 20.0}})"},
+      {{"import", "-"},
+       6,
+       "FanFloor: 'null' is no number",
+       R"({"attributes": {"FanFloor": null}})"},
+      {{"import", "-"}, 6, "AssetTag: 'true' is no text", R"({"attributes": {"AssetTag": true}})"},
+      {{"import", "-", "--dry-run"},
+       0,
+       "would change: FanFloor: '0' -> '20'",
+       R"({"attributes": {"FanFloor": 20}})"},
+      {{"import", "-", "--check"},
+       12,
+       "1 of the values differ",
+       R"({"attributes": {"FanFloor": 20, "AssetTag": "NF-004711"}})"},
+      {{"import", "-", "--check"},
+       0,
+       "0 changed, 1 unchanged",
+       R"({"attributes": {"FanFloor": 0}})"},
       {{"import", "-"}, 6, "has no \"attributes\"", "{}"},
       {{"import", "-"}, 6, "are no list", R"({"attributes": 5})"},
       {{"import", "-"}, 6, "names no attribute in entry 1", R"({"attributes": [5]})"},
@@ -548,14 +606,16 @@ TEST(AttrCommand, EndsWithTheStatusAndASentence) {
 
 TEST(AttrCommand, GivesDocuments) {
   EXPECT_EQ(Document(Mira({"--sim=pending-attributes", "attr", "get", "WakeOnLan", "--json"})),
-            json::parse(R"({"schemaVersion": 1, "simulated": true, "handle": 150,
+            json::parse(R"({"schemaVersion": 1, "simulated": true, "attributes": [{"handle": 150,
                 "name": "WakeOnLan", "suffix": "", "type": "enumeration", "readOnly": false,
                 "displayName": "Wake on LAN", "help": "Which network starts the computer.",
                 "value": "LAN", "atBoot": "Disabled", "default": "Disabled",
                 "restartPending": true,
-                "possibleValues": ["Disabled", "LAN", "LAN or PXE", "WLAN", "LAN or WLAN"]})"));
-  EXPECT_EQ(Document(Mira({"--sim=pending-attributes", "attr", "diff", "--json"}))["differences"],
-            json::parse(R"([
+                "possibleValues": ["Disabled", "LAN", "LAN or PXE", "WLAN", "LAN or WLAN"]}]})"));
+  const json diff = Document(Mira({"--sim=pending-attributes", "attr", "diff", "--json"}));
+  EXPECT_EQ(diff["restartPending"], true);
+  EXPECT_EQ(diff["pendingCount"], 2);
+  EXPECT_EQ(diff["differences"], json::parse(R"([
                 {"handle": 76, "name": "PanelBrightnessBattery", "suffix": "", "atBoot": 40, "value": 55},
                 {"handle": 150, "name": "WakeOnLan", "suffix": "", "atBoot": "Disabled", "value": "LAN"}])"));
   const json all = Document(Mira({"--sim", "attr", "list", "--json"}))["attributes"];
@@ -625,6 +685,18 @@ TEST(AttrCommand, TakesPasswordsAndNeverShowsThem) {
   EXPECT_EQ(Mira({"--sim", "attr", "export", "-"}).out.find("OwnerPassword"), std::string::npos);
 }
 
+// The changes that a document has, but for those that are so already.
+std::string OutcomesOf(const json& document) {
+  std::string text;
+  for (const json& change : document.at("changes")) {
+    if (change["outcome"] == "already-so") continue;
+    text += (text.empty() ? "" : ", ") + change["target"].get<std::string>() + " " +
+            change["outcome"].get<std::string>() + " " + change["before"].dump() + " -> " +
+            change["after"].dump();
+  }
+  return text;
+}
+
 // The console on one machine, over several commands and restarts.
 TEST(AttrCommand, SeesWhatWasWrittenBefore) {
   sim::Machine machine;
@@ -637,21 +709,19 @@ TEST(AttrCommand, SeesWhatWasWrittenBefore) {
   EXPECT_EQ(Document(Mira({"attr", "diff", "--json"}))["differences"].size(), 2u);
   machine.Reboot();
   EXPECT_EQ(Document(Mira({"attr", "diff", "--json"}))["differences"].size(), 0u);
-  EXPECT_EQ(Document(Mira({"attr", "get", "FanFloor", "--json"}))["atBoot"], 30);
+  EXPECT_EQ(Document(Mira({"attr", "get", "FanFloor", "--json"}))["attributes"][0]["atBoot"], 30);
 
   const json planned = Document(Mira({"attr", "import", file.path(), "--dry-run", "--json"}));
   EXPECT_EQ(planned["whatIf"], true);
-  EXPECT_EQ(planned["attributes"], json::parse(R"([
-      {"name": "FanFloor", "suffix": "", "outcome": "would-change", "handle": 123, "before": 30, "after": 0},
-      {"name": "HttpsBootProxy", "suffix": "", "outcome": "would-change", "handle": 154, "before": "proxy:8080",
-       "after": ""}])"));
-  EXPECT_EQ(Document(Mira({"attr", "get", "FanFloor", "--json"}))["value"], 30);
+  EXPECT_EQ(OutcomesOf(planned),
+            "FanFloor planned 30 -> 0, HttpsBootProxy planned \"proxy:8080\" -> \"\"");
+  EXPECT_EQ(Document(Mira({"attr", "get", "FanFloor", "--json"}))["attributes"][0]["value"], 30);
   const ProgramResult back = Mira({"attr", "import", file.path(), "--yes"});
   EXPECT_EQ(back.out,
             "changed: FanFloor: '30' -> '0'\nchanged: HttpsBootProxy: 'proxy:8080' -> ''\n"
-            "2 changed, 158 unchanged, 0 failed.\nA restart is pending.\n");
+            "2 changed, 160 unchanged, 0 failed.\nA restart is pending.\n");
   machine.Reboot();
-  EXPECT_EQ(Mira({"attr", "import", file.path()}).out, "0 changed, 160 unchanged, 0 failed.\n");
+  EXPECT_EQ(Mira({"attr", "import", file.path()}).out, "0 changed, 162 unchanged, 0 failed.\n");
 }
 
 TEST(AttrCommand, ImportsWhatItCan) {
@@ -677,23 +747,24 @@ TEST(AttrCommand, ImportsWhatItCan) {
        {},
        10,
        "FanFloor changed, WakeOnLan failed 6, Nope failed 3, OwnerPassword failed 6, ServiceTag "
-       "failed 6, BootOrder changed, FnLock failed 6, WakeOnLan failed 6"},
+       "failed 6, BootOrder changed, FnLock failed 6, 150 failed 6"},
       {"stops before it has written",
        kMixed,
        {"--stop-on-error"},
        6,
-       "FanFloor not-tried, WakeOnLan failed 6"},
+       "FanFloor planned, WakeOnLan planned 6, Nope planned 3, OwnerPassword planned 6, ServiceTag "
+       "planned 6, AssetTag planned, BootOrder planned, FnLock planned 6, 150 planned 6"},
       {"shows what would be",
        kMixed,
        {"--dry-run"},
        10,
-       "FanFloor would-change, WakeOnLan failed 6, Nope failed 3, OwnerPassword failed 6, "
-       "ServiceTag failed 6, BootOrder would-change, FnLock failed 6, WakeOnLan failed 6"},
+       "FanFloor planned, WakeOnLan failed 6, Nope failed 3, OwnerPassword failed 6, "
+       "ServiceTag failed 6, BootOrder planned, FnLock failed 6, 150 failed 6"},
       {"takes lists",
        kListed,
        {},
        10,
-       "SetupPromptTime changed, ServiceTag skipped, FanFloor changed, FanFloor failed 6, "
+       "SetupPromptTime[Seconds] changed, FanFloor changed, FanFloor failed 6, "
        "FnLock failed 6, ServiceTag2 failed 3, entry 7 failed 6, VlanId failed 6"},
       {"nothing at all",
        R"({"attributes": {"Nope": 1, "FanFloor": 5}})",
@@ -710,8 +781,9 @@ TEST(AttrCommand, ImportsWhatItCan) {
     EXPECT_EQ(result.status, c.status);
     const json document = Document(result);
     std::string outcomes;
-    for (const json& item : document["attributes"]) {
-      outcomes += (outcomes.empty() ? "" : ", ") + item["name"].get<std::string>() + " " +
+    for (const json& item : document["changes"]) {
+      if (item["outcome"] == "already-so") continue;
+      outcomes += (outcomes.empty() ? "" : ", ") + item["target"].get<std::string>() + " " +
                   item["outcome"].get<std::string>();
       if (item.contains("error")) outcomes += " " + item["error"]["code"].dump();
     }
@@ -790,12 +862,10 @@ TEST(AttrCommand, KeepsTheModesOfABootOrder) {
   EXPECT_EQ(import(R"("failThroughMode": "2")").status, 6);
   EXPECT_EQ(import(R"("bootConfigType": 0)").status, 11) << "the firmware knows one alone";
   EXPECT_EQ(import(R"("failThroughMode": 3)").status, 0);
-  const json changed = Document(import(R"("failThroughMode": 2)"))["attributes"][0];
-  EXPECT_EQ(changed["outcome"], "changed");
-  EXPECT_EQ(changed["before"], changed["after"]) << "a mode alone is a change";
-  EXPECT_EQ(changed["failThroughModeBefore"], 3);
-  EXPECT_EQ(changed["failThroughMode"], 2);
-  const json get = Document(Mira({"attr", "get", "BootOrder", "--json"}));
+  EXPECT_EQ(OutcomesOf(Document(import(R"("failThroughMode": 2)"))),
+            "BootOrder failThroughMode changed 3 -> 2")
+      << "a mode alone is a change";
+  const json get = Document(Mira({"attr", "get", "BootOrder", "--json"}))["attributes"][0];
   EXPECT_EQ(get["restartPending"], true);
   const json differences = Document(Mira({"attr", "diff", "--json"}))["differences"];
   const json exported = Document(Mira({"attr", "export", "-", "--json"}))["attributes"];
@@ -819,10 +889,11 @@ TEST(AttrCommand, GivesTheSameDocumentWithoutWriting) {
   const Case cases[] = {
       {{"SetupPromptTime", "5"},
        "",
-       R"({"name": "SetupPromptTime", "suffix": "[Seconds]", "before": 2, "after": 5})"},
+       R"({"name": "SetupPromptTime", "suffix": "[Seconds]", "before": 2, "after": 5,
+           "target": "SetupPromptTime[Seconds]", "outcome": "planned"})"},
       {{"OwnerPassword", "--value-stdin"},
        "geheim-77\n",
-       R"({"name": "OwnerPassword", "suffix": "", "before": null, "after": null})"},
+       R"({"name": "OwnerPassword", "suffix": "", "before": null, "after": null, "secret": true})"},
   };
   for (const Case& c : cases) {
     Words arguments = {"--sim", "attr", "set", "--json", "--what-if"};
@@ -831,7 +902,8 @@ TEST(AttrCommand, GivesTheSameDocumentWithoutWriting) {
     EXPECT_EQ(shown["whatIf"], true);
     EXPECT_EQ(shown["changed"], false);
     const json expected = json::parse(c.document);
-    for (const auto& [key, value] : expected.items()) EXPECT_EQ(shown[key], value) << key;
+    for (const auto& [key, value] : expected.items())
+      EXPECT_EQ(shown["changes"][0][key], value) << key;
   }
 }
 
@@ -887,6 +959,9 @@ TEST(AttrCommand, ReportsWhatTheFirmwareDoes) {
       {{.operation = "firmware 5/6", .completion = -2}, {"set", "FanFloor", "20", "--yes"}, 4},
       {{.operation = "firmware 5/5", .nth = 2, .completion = -1},
        {"set", "FanFloor", "20", "--yes"},
+       11},
+      {{.operation = "firmware 5/5", .nth = 3, .completion = -1},
+       {"set", "FanFloor", "20", "--yes"},
        0},
       {{.operation = "IWbemServices::ExecMethod", .nth = 0, .result = E_FAIL}, {"list"}, 4},
   };
@@ -913,9 +988,135 @@ TEST(AttrCommand, ReportsWhatTheFirmwareDoes) {
                                       R"({"attributes": {"FanFloor": 20, "FnLock": "Disabled",
                                           "VlanId": 7}})"));
   EXPECT_EQ(document["error"]["code"], 10);
-  EXPECT_EQ(document["attributes"][0]["outcome"], "changed");
-  EXPECT_EQ(document["attributes"][1]["outcome"], "failed");
-  EXPECT_EQ(document["attributes"][2]["outcome"], "not-tried");
+  EXPECT_EQ(OutcomesOf(document),
+            "FanFloor changed 0 -> 20, FnLock refused \"Enabled\" -> "
+            "\"Enabled\", VlanId planned 0 -> 7");
+}
+
+// What is there after a write counts, and not what was sent or answered.
+TEST(AttrCommand, ReadsBackWhatItWrote) {
+  struct Case {
+    const char* what;
+    std::vector<sim::Fault> faults;
+    int status;
+    const char* outcome;
+    const char* error;
+  };
+  const auto cut = [](Bytes& reply) { reply.resize(40); };
+  const auto otherwise = [](Bytes& reply) { reply.at(kLiveValue) = 30; };
+  const Case cases[] = {
+      {"the answer is cut, the value was taken",
+       {{.operation = "firmware 5/6", .corrupt = cut}},
+       0,
+       "FanFloor changed 0 -> 20",
+       ""},
+      {"the answer is cut, and what is there cannot be read",
+       {{.operation = "firmware 5/6", .corrupt = cut},
+        {.operation = "firmware 5/5", .nth = 3, .completion = -1}},
+       9,
+       "FanFloor unknown 0 -> 20",
+       "whether it was carried out is unknown"},
+      {"refused",
+       {{.operation = "firmware 5/6", .completion = -1}},
+       11,
+       "FanFloor refused 0 -> 0",
+       "ended the command in error"},
+      {"another value is there",
+       {{.operation = "firmware 5/5", .nth = 3, .corrupt = otherwise}},
+       10,
+       "FanFloor changed 0 -> 30",
+       "made another value of it"},
+      {"another value is there before the write",
+       {{.operation = "firmware 5/5", .nth = 2, .corrupt = otherwise}},
+       11,
+       "FanFloor refused 0 -> 30",
+       "no longer the one"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    sim::Machine machine;
+    const sim::Session session(machine);
+    for (const sim::Fault& fault : c.faults) machine.GetFaults().Add(fault);
+    const ProgramResult result = Mira({"attr", "set", "FanFloor", "20", "--yes", "--json"});
+    EXPECT_EQ(result.status, c.status);
+    const json document = Document(result);
+    EXPECT_EQ(OutcomesOf(document), c.outcome);
+    const std::string message =
+        document.contains("error") ? document["error"]["message"].get<std::string>() : "";
+    EXPECT_NE(message.find(c.error), std::string::npos) << message;
+    EXPECT_EQ(message.empty(), c.status == 0);
+  }
+}
+
+// A wrong password is tried once, however many values wait for it.
+TEST(AttrCommand, TriesAPasswordOnce) {
+  sim::Machine machine(*sim::FindProfile("locked"));
+  const sim::Session session(machine);
+  const ProgramResult result = Mira({"attr", "import", "-", "--yes", "--password-env", "MIRA_X"},
+                                    R"({"attributes": {"FanFloor": 20, "VlanId": 7}})");
+  EXPECT_EQ(result.status, 5);
+  const TemporaryFile wrong("wrong\n");
+  EXPECT_EQ(Mira({"attr", "import", "-", "--yes", "--password-file", wrong.path()},
+                 R"({"attributes": {"FanFloor": 20, "VlanId": 7}})")
+                .status,
+            5);
+  const auto& journal = machine.Journal();
+  EXPECT_EQ(std::count_if(journal.begin(), journal.end(),
+                          [](const sim::JournalEntry& e) { return e.cls == 9 && e.select == 4; }),
+            1);
+  EXPECT_EQ(std::count_if(journal.begin(), journal.end(),
+                          [](const sim::JournalEntry& e) { return e.cls == 5 && e.select == 6; }),
+            0);
+}
+
+TEST(AttrCommand, GoesBackToDefaults) {
+  sim::Machine machine;
+  const sim::Session session(machine);
+  const json changed =
+      Document(Mira({"attr", "list", "--changed-from-default", "--json"}))["attributes"];
+  ASSERT_FALSE(changed.empty());
+  for (const json& a : changed) EXPECT_NE(a["value"], a["default"]) << a["name"];
+  const json reset = Document(Mira({"attr", "reset", "--all", "--yes", "--json"}));
+  EXPECT_EQ(reset["changed"], true);
+  EXPECT_EQ(reset["restartPending"], true);
+  for (const json& change : reset["changes"]) EXPECT_FALSE(change.contains("secret"));
+  const json left =
+      Document(Mira({"attr", "list", "--changed-from-default", "--json"}))["attributes"];
+  for (const json& a : left) {
+    EXPECT_EQ(a["readOnly"], true) << a["name"];
+  }
+  EXPECT_EQ(Document(Mira({"attr", "reset", "AssetTag", "--yes", "--json"}))["changed"], false);
+}
+
+TEST(AttrCommand, NamesTheMachineInItsFiles) {
+  const TemporaryFile file("of before");
+  EXPECT_EQ(Mira({"--sim", "attr", "export", file.path(), "--what-if"}).out,
+            "Would export 160 attributes to " + file.path() + ".\nNothing was written.\n");
+  EXPECT_EQ(file.Content(), "of before");
+  ASSERT_EQ(Mira({"--sim", "attr", "export", file.path()}).status, 0);
+  json content = json::parse(file.Content());
+  EXPECT_EQ(content["createdAt"], "2026-04-09T23:05:00Z");
+  EXPECT_EQ(content["machine"]["product"], "Meridian 14 G3");
+  EXPECT_EQ(content["machine"]["serialNumber"], "7KX2M91");
+  EXPECT_EQ(content["machine"]["biosVersion"], "1.8.2");
+  const auto warnings = [](const json& exported) {
+    return Document(
+        Mira({"--sim", "attr", "import", "-", "--check", "--json"}, exported.dump()))["warnings"];
+  };
+  EXPECT_EQ(warnings(content), json::array());
+  content["machine"]["serialNumber"] = "another";
+  content["machine"]["biosVersion"] = "1.9.0";
+  EXPECT_EQ(warnings(content), json::parse(R"([
+      {"name": "other-machine",
+       "message": "The file is of another machine with the serial number: another. This is 7KX2M91."},
+      {"name": "other-bios",
+       "message": "The file is of another BIOS version: 1.9.0. This is 1.8.2."}])"));
+  // What is listed may be imported, too, and files in UTF-16.
+  const std::string listed = Mira({"--sim", "attr", "list", "--json"}).out;
+  EXPECT_EQ(Mira({"--sim", "attr", "import", "-", "--check"}, listed).status, 0);
+  std::string wide = "\xFF\xFE";
+  for (const char c : std::string(R"({"attributes": {"FanFloor": 20}})")) wide += {c, '\0'};
+  EXPECT_EQ(Mira({"--sim", "attr", "import", "-", "--check"}, wide).status, 12);
 }
 
 }  // namespace

@@ -1,32 +1,24 @@
-// Boot lists, boot order, legacy priorities and data blocks: from the host, or the console, to the
-// simulated firmware and back.
+// Boot lists, boot order, legacy priorities and data blocks: from the host to the simulated
+// firmware and back.
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
-#include "buffers/device_path_text.h"
 #include "buffers/generic_data.h"
 #include "buffers/legacy_bbs_data.h"
 #include "buffers/uefi_boot_data.h"
 #include "bytes/utf16.h"
-#include "sim/device_path_builder.h"
+#include "devicepath/text.h"
 #include "sim/firmware/data_block.h"
-#include "tests/support/console_program.h"
 #include "tests/support/host.h"
 
 namespace mira {
 namespace {
 
-using test::Document;
 using test::Host;
-using test::Mira;
-using test::ProgramResult;
-using test::TemporaryFile;
 
 using Order = std::vector<std::uint16_t>;
 using Bytes = std::vector<std::uint8_t>;
@@ -130,8 +122,6 @@ const std::vector<PathCase>& LaptopPaths() {
   return cases;
 }
 
-constexpr char kSecondInstance[] = ",/PciRoot(0x0)/Pci(0x14,0x0)/USB(0x4,0x0)";
-
 TEST(Boot, OptionsComeWithTheirPaths) {
   Host host(Laptop());
   CUEFILOList data;
@@ -149,8 +139,8 @@ TEST(Boot, OptionsComeWithTheirPaths) {
                                      [&c](const auto& o) { return o.Index == c.number; });
     ASSERT_NE(option, data.Options.end());
     EXPECT_EQ(bytes::Utf8(option->Description), c.description);
-    EXPECT_EQ(boot::DevicePathText(option->FilePath), c.path) << "the first instance";
-    EXPECT_EQ(boot::DevicePathFromText(c.path).has_value(), true);
+    EXPECT_EQ(devicepath::DevicePathToText(option->FilePath), c.path) << "the first instance";
+    EXPECT_EQ(devicepath::DevicePathFromText(c.path).has_value(), true);
   }
   EXPECT_EQ(data.Options[0].Index, 0x0000);
   EXPECT_EQ(data.Options[0].Attributes, 1u);
@@ -434,185 +424,6 @@ TEST(DataBlocks, WantAKeyInTheirOwnArgument) {
   EXPECT_EQ(WriteBlock(host, 2, 1, "LOGO", {7}, key).status, STATUS_SUCCESS);
   EXPECT_TRUE(host.machine().Journal().back().masked[3]);
   EXPECT_EQ(ReadBlock(host, 2, 1, "LOGO", 8).bytes, Bytes{7});
-}
-
-TEST(BootConsole, ListsAndShows) {
-  EXPECT_EQ(Mira({"--sim", "boot", "list"}).out,
-            "List  Kind    Name\n"
-            "   0  legacy  Legacy Boot\n"
-            "   1  UEFI    UEFI Boot\n");
-  EXPECT_EQ(Document(Mira({"--sim", "boot", "list", "--json"})).at("lists"),
-            nlohmann::json::parse(R"(
-      [{"list": 0, "name": "Legacy Boot", "kind": "legacy"},
-       {"list": 1, "name": "UEFI Boot", "kind": "uefi"}])"));
-
-  const nlohmann::json document = Document(Mira({"--sim", "boot", "show", "uefi boot", "--json"}));
-  ASSERT_EQ(document.at("lists").size(), 1u);
-  const nlohmann::json& options = document["lists"][0]["options"];
-  ASSERT_EQ(options.size(), LaptopPaths().size());
-  for (std::size_t i = 0; i < options.size(); ++i) {
-    const PathCase& c = LaptopPaths()[i];
-    SCOPED_TRACE(c.description);
-    EXPECT_EQ(options[i].at("number"), c.number) << "in boot order";
-    EXPECT_EQ(options[i].at("description"), c.description);
-    const bool has_second = c.number == 0x0081;
-    EXPECT_EQ(options[i].at("path"), c.path + (has_second ? kSecondInstance : ""));
-    EXPECT_EQ(options[i].at("active"), c.number != 0x0004 && c.number != 0x0081);
-  }
-  EXPECT_EQ(options[1].at("optionalData"), "57494e444f575300010000008800000078")
-      << options[1].dump();
-  EXPECT_EQ(options[8].at("attributes"), 0x108);
-
-  const ProgramResult legacy = Mira({"--sim", "boot", "show", "0x00"});
-  EXPECT_EQ(legacy.status, 0);
-  EXPECT_EQ(legacy.out.substr(0, legacy.out.find("0x0000 *")),
-            "List 0 : Legacy Boot (legacy)\n"
-            "Order : 0x0001,0x0000,0x0002,0x0003\n"
-            "0x0001 * USB storage\n"
-            "  Attributes : 0x00000001 (active)\n"
-            "  Device : type 0x5, status 0x0100, 'USB storage device'\n");
-  const ProgramResult all = Mira({"--sim", "boot", "show"});
-  EXPECT_NE(all.out.find("0x0004   Optical drive\n  Attributes : 0x00000000 (not active)\n"),
-            std::string::npos);
-}
-
-TEST(BootConsole, SetsAnOrderSafely) {
-  constexpr char kRest[] = "0x0010,0x0011,0x0012,0x0080,0x0081";
-  const std::string rest = kRest;
-  struct Case {
-    std::vector<std::string> arguments;
-    int status;
-    std::vector<std::string> said;
-  };
-  const Case cases[] = {
-      {{"--sim", "0", "3,0x0002,0000,Boot0001", "--yes"},
-       0,
-       {"The boot order of list 0 (Legacy Boot) is now 3,0x0002,0000,Boot0001.",
-        "It was 0x0001,0x0000,0x0002,0x0003; 'mira boot order 0 0x0001,0x0000,0x0002,0x0003'"}},
-      {{"--sim", "UEFI Boot", "0,1,3,4," + rest, "--yes"}, 0, {"is now 0,1,3,4,0x0010"}},
-      {{"--sim", "0", "1,0,2,3"}, 0, {"is already 0x0001,0x0000,0x0002,0x0003."}},
-      {{"--sim", "0", "3,2,1,0", "--what-if"},
-       0,
-       {"'0x0001,0x0000,0x0002,0x0003' -> '3,2,1,0'", "Nothing was written."}},
-      {{"--sim", "0", "3,2,1,0"}, 8, {"--yes goes ahead"}},
-      {{"--sim", "0", "007,2,0x2,0", "--yes"},
-       6,
-       {"Unknown: 007. Missing: 0x0001 (USB storage), 0x0003 (Onboard NIC). Doubled: 0x2."}},
-      {{"--sim", "0", "007,2,1,0", "--what-if"}, 6, {"Unknown: 007."}},
-      {{"--sim", "0", "007,2,1,0", "--yes", "--force"}, 11, {"The firmware refused the order."}},
-      {{"--sim", "0", "1,0,2,3", "--yes", "--force"}, 0, {"is now 1,0,2,3."}},
-      {{"--sim", "0", "1,,2", "--yes"}, 2, {"'' is no option number"}},
-      {{"--sim", "0", "1,x,2", "--yes"}, 2, {"'x' is no option number"}},
-      {{"--sim", "0", "65536", "--yes"}, 2, {"'65536' is no option number"}},
-      {{"--sim", "9", "1,2", "--yes"}, 3, {"The lists are: 0 (Legacy Boot), 1 (UEFI Boot)."}},
-      {{"--sim", "Floppy", "1,2", "--yes"}, 3, {"There is no boot list 'Floppy'."}},
-      {{"--sim=locked", "0", "3,2,1,0", "--yes"}, 5, {"A password is needed."}},
-      {{"--sim=locked", "0", "3,2,1,0", "--yes", "--password-stdin"}, 0, {"is now 3,2,1,0."}},
-      {{"--sim=locked", "0", "3,2,1,0", "--what-if", "--password-stdin"}, 0, {"Nothing was"}},
-      {{"--sim=locked", "0", "3,2,1,0", "--yes", "--password-stdin", "--class10"},
-       5,
-       {"The password was not accepted."}},
-      {{"--sim=locked", "0", "3,2,1,0", "--what-if", "--password-stdin", "--class10"},
-       5,
-       {"The password was not accepted."}},
-      {{"--sim=no-calling-interface", "0", "1,0"}, 4, {"no calling interface"}},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(testing::PrintToString(c.arguments));
-    std::vector<std::string> arguments = c.arguments;
-    arguments.insert(arguments.begin() + 1, {"boot", "order"});
-    const ProgramResult result = Mira(arguments, "setup1\n");
-    EXPECT_EQ(result.status, c.status);
-    for (const std::string& part : c.said) {
-      EXPECT_NE((result.out + result.err).find(part), std::string::npos)
-          << part << "\n"
-          << result.out << result.err;
-    }
-    arguments.push_back("--json");
-    const ProgramResult as_json = Mira(arguments, "setup1\n");
-    EXPECT_EQ(as_json.status, c.status);
-    EXPECT_EQ(Document(as_json).contains("error"), c.status != 0);
-  }
-  EXPECT_EQ(Document(Mira({"--sim", "boot", "order", "0", "3,2,1,0", "--yes", "--json"})),
-            nlohmann::json::parse(R"({"schemaVersion": 1, "simulated": true, "list": 0,
-                "before": [1, 0, 2, 3], "after": [3, 2, 1, 0], "changed": true})"));
-}
-
-std::string Hex(const std::string& bytes) {
-  constexpr char kDigits[] = "0123456789ABCDEF";
-  std::string text;
-  for (const char c : bytes) {
-    text += kDigits[static_cast<unsigned char>(c) / 16];
-    text += kDigits[static_cast<unsigned char>(c) % 16];
-  }
-  return text;
-}
-
-TEST(BootConsole, DecodesOptionsOffline) {
-  const Bytes path = sim::DevicePath().PciRoot(0).Usb(1, 2).NextInstance().Usb(3, 0).Finish();
-  std::string option("\1\0\0\0", 4);
-  option += static_cast<char>(path.size());
-  option += '\0';
-  option += std::string("D\0\xE9\0\0\0", 6);
-  option += std::string(path.begin(), path.end()) + std::string("-\0q\0\0\0", 6);
-  const nlohmann::json expected = nlohmann::json::parse(R"json({"active": true, "attributes": 1,
-      "description": "D\u00e9", "path": "PciRoot(0x0)/USB(0x1,0x2),/USB(0x3,0x0)",
-      "optionalData": "2d0071000000", "optionalDataText": "-q"})json");
-  const std::string lines = Hex(option.substr(0, 16)) + "\r\n" + Hex(option.substr(16)) + "\n";
-  for (const std::string& form : {option, Hex(option), "0x" + Hex(option), lines}) {
-    const TemporaryFile file(form);
-    EXPECT_EQ(Document(Mira({"boot", "decode", file.path(), "--json"})).at("option"), expected);
-    EXPECT_EQ(Document(Mira({"boot", "decode", "-", "--json"}, form)).at("option"), expected);
-  }
-  EXPECT_EQ(Mira({"boot", "decode", "-"}, option).out,
-            "D\xC3\xA9\n"
-            "  Attributes : 0x00000001 (active)\n"
-            "  Path : PciRoot(0x0)/USB(0x1,0x2),/USB(0x3,0x0)\n"
-            "  Optional data : 2d0071000000\n"
-            "  Optional data as text : -q\n");
-
-  const std::string path_text = "PciRoot(0x0)/USB(0x1,0x2),/USB(0x3,0x0)";
-  const ProgramResult bytes = Mira({"boot", "encode", path_text});
-  EXPECT_EQ(Mira({"boot", "decode", "--path", "-"}, bytes.out).out, path_text + "\n");
-  struct Bad {
-    std::vector<std::string> arguments;
-    std::string input;
-    int status;
-  };
-  const Bad bad[] = {
-      {{"boot", "decode", "no such file"}, "", 3}, {{"boot", "decode", "-"}, "", 6},
-      {{"boot", "decode", "-"}, "nonsense", 6},    {{"boot", "decode", "-"}, "0100", 6},
-      {{"boot", "encode", "PciRoot(zz)"}, "", 6},  {{"boot", "decode"}, "", 2},
-  };
-  for (const Bad& b : bad) {
-    SCOPED_TRACE(testing::PrintToString(b.arguments) + b.input);
-    EXPECT_EQ(Mira(b.arguments, b.input).status, b.status);
-  }
-  // Cut anywhere, an option decodes or is refused.
-  for (std::size_t size = 0; size < option.size(); ++size) {
-    const int status = Mira({"boot", "decode", "-"}, Hex(option.substr(0, size))).status;
-    EXPECT_EQ(status, size < option.size() - 6 ? 6 : 0) << size;
-  }
-}
-
-// Load options of real machines, where the folder with them is at hand.
-TEST(RealLoadOptions, AreShownInTheStandardsText) {
-  const char* const folder = std::getenv("MIRA_TEST_DATA");
-  if (folder == nullptr) GTEST_SKIP() << "MIRA_TEST_DATA is not set";
-  std::ifstream file(std::string(folder) + "/loadoptions.json");
-  const nlohmann::json samples = nlohmann::json::parse(file).at("samples");
-  for (const nlohmann::json& sample : samples) {
-    const std::string path = sample.at("text");
-    SCOPED_TRACE(path);
-    const std::string bytes = sample.at("device_path_hex");
-    EXPECT_EQ(Mira({"boot", "decode", "-", "--path"}, bytes).out, path + "\n");
-    if (!sample.contains("load_option_hex")) continue;
-    const std::string whole = sample["load_option_hex"];
-    const nlohmann::json option =
-        Document(Mira({"boot", "decode", "-", "--json"}, whole)).at("option");
-    EXPECT_EQ(option.at("path"), path);
-    EXPECT_EQ(option.at("description"), sample.at("description"));
-  }
 }
 
 }  // namespace

@@ -263,6 +263,64 @@ TEST(CallingInterface, LooksAlongItsChain) {
                             dashes);
 }
 
+// What is announced is the published attribute of the first object's handle, so of objects with one
+// handle the last one's classes count.
+TEST(CallingInterface, AnnouncesWhatTheLastObjectOfItsHandleSays) {
+  struct Case {
+    const char* what;
+    std::uint16_t handles[3];
+    Status class0;
+    Status class1;
+    Status class2;
+  };
+  constexpr Status kNo = STATUS_NOT_SUPPORTED;
+  const Case cases[] = {
+      {"one handle", {1, 1, 1}, kNo, kNo, STATUS_FAILURE},
+      {"the last has another", {1, 1, 2}, kNo, STATUS_SUCCESS, kNo},
+      {"the first has its own", {1, 2, 2}, STATUS_SUCCESS, kNo, kNo},
+      {"the first and the last", {1, 2, 1}, kNo, kNo, STATUS_FAILURE},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    sim::SmbiosTable table(3, 2);
+    for (int i = 0; i < 3; ++i) {
+      table.Add(CallingInterface(c.handles[i], 1u << i, {{0xFFFF, 0, 0}}));
+    }
+    Host host(WithTable(table.Add(sim::Structure(177, 9).Word(2).Word(0).Word(0).Word(0))));
+    ASSERT_EQ(host.init_status(), STATUS_SUCCESS);
+    const auto call = [&host](std::uint16_t cls) {
+      CSimpleTokenData data;
+      data.Arg1 = 0x70;
+      return host->ExecuteDACI(cls, 0, data, "", PwdInfo::PWD_NONE);
+    };
+    EXPECT_EQ(call(0), c.class0);
+    EXPECT_EQ(call(1), c.class1);
+    EXPECT_EQ(call(2), c.class2) << "its request is another type's";
+  }
+}
+
+// A call that only asks for the answer's size is no place for a key.
+TEST(Call, SendsTheKeyWithTheLastCallOnly) {
+  sim::Profile profile;
+  profile.class9.text = "right";
+  constexpr std::uint16_t kProbed[] = {5, 16, 18, 22, 24};
+  for (const std::uint16_t select : kProbed) {
+    SCOPED_TRACE(select);
+    Host host(profile);
+    CSimpleTokenData data;
+    data.KeyArgIndex = 4;
+    host->ExecuteDACI(17, select, data, "right", PwdInfo::PWD_CLASS9);
+    const auto& journal = host.machine().Journal();
+    ASSERT_GE(journal.size(), 2u);
+    const sim::JournalEntry& probe = journal[journal.size() - 2];
+    EXPECT_EQ(probe.cls, 17);
+    EXPECT_EQ(probe.select, select);
+    EXPECT_FALSE(probe.masked[3]);
+    EXPECT_EQ(probe.args[3], 0u);
+    EXPECT_TRUE(journal.back().masked[3]);
+  }
+}
+
 TEST(CallingInterface, ShowsLongChainsOnce) {
   const auto shown = [](int objects) {
     sim::SmbiosTable table(3, 2);

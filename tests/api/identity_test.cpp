@@ -218,6 +218,7 @@ TEST(Batteries, KeepWhatIsPossible) {
       {"too close", 5, 50, 54, 0x10000, 0, -1},
       {"another version", 5, 50, 90, 0x10001, 0, -1},
       {"a day backwards", 5, 50, 90, 0x10000, 0x2044, -1},
+      {"a day of no time", 5, 50, 90, 0x10000, 0x2020, -1},
       {"a charging time", 5, 50, 90, 0x10000, 0x00544420, -1},
   };
   for (const Case& c : cases) {
@@ -349,28 +350,18 @@ TEST(IdentityConsole, EndsWithTheStatusAndWritesOnlyWhenItMay) {
       {{"tag", "set", "extended", std::string(4048, 'x'), "--yes"}, 6, "at most 4047"},
       {{"tag", "set", "nickname", "X", "--yes"}, 2, "nickname"},
       {{"id", "mac"}, 0, "02A1B2C3D4E5\n"},
-      {{"id", "mac", "show", "X"}, 2, "takes no text"},
-      {{"id", "mac", "set"}, 2, "takes a text"},
+      {{"id", "mac", "show", "X"}, 2, "X"},
+      {{"id", "mac", "set"}, 2, "TEXT"},
       {{"id", "mac", "set", "02:a1:b2:c3:d4:e6", "--yes"}, 0, "-> '02A1B2C3D4E6'"},
       {{"id", "mac", "set", "02:a1:b2:c3:d4", "--yes"}, 6, "12 hexadecimal digits"},
       {{"id", "mac", "set", "02:a1:b2:c3:d4:eg", "--yes"}, 6, "12 hexadecimal digits"},
       {{"id", "eppid", "set", "short", "--yes"}, 6, "has 23 characters, not 5"},
+      {{"id", "eppid", "set", "ABCDEFGHIJKLMNOPQRSTU\xC3\xA9", "--yes"}, 6, "printable ASCII"},
+      {{"id", "image-server", "set", "caf\xC3\xA9", "--yes"}, 6, "printable ASCII"},
+      {{"id", "thin-client", "set", "a\tb", "--yes"}, 6, "printable ASCII"},
+      {{"tag", "set", "ownership", "a\x7F", "--yes"}, 6, "printable ASCII"},
       {{"id", "image-server", "set", std::string(512, 'x'), "--yes"}, 6, "at most 511"},
       {{"id", "thin-client", "set", "12345678901234567890", "--yes"}, 6, "at most 19"},
-      {{"battery", "show"}, 0, "Monday     08:00 - 17:00  0x00004420  off         0x00000000\n"},
-      {{"battery", "show", "--battery", "2"}, 3, "no such battery"},
-      {{"battery", "show", "--battery", "256"}, 2, "battery number"},
-      {{"battery", "set"}, 2, "Nothing to set"},
-      {{"battery", "set", "--mode", "turbo", "--yes"}, 6, "express"},
-      {{"battery", "set", "--start", "90", "--yes"}, 6, "must stop above"},
-      {{"battery", "set", "--start", "40", "--yes"}, 11, "refused the configuration"},
-      {{"battery", "set", "--start", "40"}, 8, "--yes"},
-      {{"battery", "set", "--peak-threshold", "14", "--yes"}, 6, "between 15% and 100%"},
-      {{"battery", "set", "--day", "mon=17:00-08:00", "--yes"}, 6, "mon=17:00-08:00"},
-      {{"battery", "set", "--day", "mon=08:05-17:00", "--yes"}, 6, "quarter hours"},
-      {{"battery", "set", "--day", "mon=08:00-17:00,21:00", "--yes"}, 6, "mon=08:00"},
-      {{"battery", "set", "--day", "day=off", "--yes"}, 6, "day=off"},
-      {{"battery", "set", "--day", "monday=08:00-17:00", "--yes"}, 0, "It is so already."},
       {{"log"}, 0, "2026-04-02  12:30:41  warning      0x0207  Fan 1 stalled once\n"},
       {{"log", "messages"}, 0, "2       warning      no    The battery"},
       {{"log", "scan-codes"}, 0, "0xe05b     Home\n"},
@@ -392,7 +383,7 @@ TEST(IdentityConsole, EndsWithTheStatusAndWritesOnlyWhenItMay) {
     EXPECT_EQ(Document(as_json).contains("error"), c.status != 0);
   }
   const std::vector<std::vector<std::string>> reads = {
-      {"tag", "show", "asset"}, {"id", "image-server"}, {"battery", "show"}, {"log"}, {"thermal"}};
+      {"tag", "show", "asset"}, {"id", "image-server"}, {"log"}, {"thermal"}};
   for (std::vector<std::string> arguments : reads) {
     arguments.insert(arguments.begin(), "--sim=no-calling-interface");
     EXPECT_EQ(Mira(arguments).status, 4) << arguments[1];
@@ -446,36 +437,17 @@ TEST_F(SharedMachine, KeepsWhatTheConsoleSets) {
   }
 }
 
-TEST_F(SharedMachine, KeepsHowItsBatteryIsCharged) {
-  Run({"battery", "set", "--mode", "custom", "--start", "60", "--stop", "85", "--day", "all=off",
-       "--day", "Sat=10:00-12:15", "--peak-shift", "on", "--peak-threshold", "40", "--peak-day",
-       "sunday=00:00-24:00,24:00"});
-  EXPECT_EQ(document_["changes"].size(), 12u);
-  EXPECT_EQ(document_["changes"][0], nlohmann::json::parse(R"({"target": "charging mode",
-    "before": "standard", "after": "custom"})"));
-  Run({"battery", "show"});
-  EXPECT_EQ(document_["charging"]["mode"], "custom");
-  EXPECT_EQ(document_["charging"]["startLimit"], 60);
-  EXPECT_EQ(document_["charging"]["version"], nlohmann::json::parse(R"({"text": "1.0",
-    "raw": 65536})"));
-  EXPECT_EQ(document_["charging"]["days"][1], nlohmann::json::parse(R"({"day": "Monday", "raw": 0,
-    "text": "off"})"));
-  EXPECT_EQ(document_["charging"]["days"][6], nlohmann::json::parse(R"({"day": "Saturday",
-    "raw": 12584, "text": "10:00 - 12:15", "begin": "10:00", "end": "12:15"})"));
-  EXPECT_EQ(document_["peakShift"]["enabled"], true);
-  EXPECT_EQ(document_["peakShift"]["threshold"], 40);
-  EXPECT_EQ(document_["peakShift"]["days"][0], nlohmann::json::parse(R"({"day": "Sunday",
-    "raw": 6316032, "text": "00:00 - 24:00, charging from 24:00", "begin": "00:00",
-    "end": "24:00", "chargeFrom": "24:00"})"));
-  EXPECT_EQ(document_["life"][0]["chargeCycles"], 143);
-
-  // The second of two writes fails.
-  machine_.GetFaults().Add({.operation = "firmware 8/19", .nth = 2, .completion = -1});
-  Run({"battery", "set", "--stop", "90", "--peak-shift", "off"}, 10);
-  EXPECT_EQ(document_["error"]["name"], "applied-in-part");
-  Run({"battery", "show"});
-  EXPECT_EQ(document_["charging"]["stopLimit"], 90);
-  EXPECT_EQ(document_["peakShift"]["enabled"], true);
+TEST(OwnershipTag, IsReachedThroughTheClassThatIsAnnounced) {
+  for (const unsigned missing : {20u, 23u}) {
+    sim::Profile profile;
+    profile.supported_classes &= ~(1u << missing);
+    sim::Machine machine(profile);
+    const sim::Session session(machine);
+    const ProgramResult set = Mira({"tag", "set", "ownership", "Desk 14", "--yes"});
+    EXPECT_EQ(set.status, 0) << set.err;
+    EXPECT_EQ(Mira({"tag", "show", "ownership"}).out.find("Desk 14") != std::string::npos, true);
+    for (const sim::JournalEntry& call : machine.Journal()) EXPECT_NE(call.cls, missing);
+  }
 }
 
 TEST_F(SharedMachine, ShowsWhatItHasWhenSomethingIsMissing) {
@@ -484,9 +456,6 @@ TEST_F(SharedMachine, ShowsWhatItHasWhenSomethingIsMissing) {
   EXPECT_EQ(document_["tags"][0]["value"], "NF-004711");
   EXPECT_TRUE(document_["tags"][2]["value"].is_null());
   Run({"tag", "show", "ownership"}, 4);
-  machine_.GetFaults().Add({.operation = "firmware 17/5", .nth = 0, .completion = -2});
-  Run({"battery", "show"});
-  EXPECT_TRUE(document_["life"].empty());
 }
 
 }  // namespace

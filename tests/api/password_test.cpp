@@ -170,13 +170,15 @@ TEST(Passwords, AreChangedByTheFirmwaresRules) {
     std::int32_t completion;
   };
   const Case cases[] = {
-      {9, "nine", "newer", 11, STATUS_SUCCESS, 0},
-      {9, "wrong", "newer", 11, STATUS_FAILURE, 2},
-      {9, "nine", "new", 11, STATUS_FAILURE, 3},
-      {9, "nine", "", 11, STATUS_SUCCESS, 0},
-      {10, "", "first", 21, STATUS_SUCCESS, 0},
-      {12, "twelve", "thirteen", 31, STATUS_SUCCESS, 0},
-      {9, "nine", "newer", 5, STATUS_NOT_SUPPORTED, 0},  // the new one would leave its field
+      {9, "nine", "newer", 10, STATUS_SUCCESS, 0},
+      {9, "nine", "ten letter", 10, STATUS_SUCCESS, 0},
+      {9, "wrong", "newer", 10, STATUS_FAILURE, 2},
+      {9, "nine", "new", 10, STATUS_FAILURE, 3},
+      {9, "nine", "", 10, STATUS_SUCCESS, 0},
+      {10, "", "first", 20, STATUS_SUCCESS, 0},
+      {12, "twelve", "thirteen", 30, STATUS_SUCCESS, 0},
+      {9, "nine", "newer", 5, STATUS_SUCCESS, 0},        // fields as the record's length says
+      {9, "nine", "newer", 4, STATUS_NOT_SUPPORTED, 0},  // the new one would leave its field
       {9, "nine", "newer", 65537, STATUS_NOT_SUPPORTED, 0},
   };
   for (const Case& c : cases) {
@@ -191,10 +193,26 @@ TEST(Passwords, AreChangedByTheFirmwaresRules) {
     EXPECT_EQ(host.Calls().size(), c.status == STATUS_NOT_SUPPORTED ? 0u : 1u);
     if (c.status != STATUS_SUCCESS || *c.new_text == '\0') continue;
     CVerifyPwdData verify;
-    verify.MaxPwdLen = c.field;
+    verify.MaxPwdLen = c.field + 1;
     verify.Password = c.new_text;
     EXPECT_EQ(host->ExecuteDACI(c.cls, 4, verify, "", PwdInfo::PWD_NONE), STATUS_SUCCESS);
   }
+}
+
+TEST(Passwords, MayBothBeAsLongAsTheLongest) {
+  const std::string longest = "ten letter";
+  Host host(WithPasswords(longest, ""));
+  CChangePwdData change;
+  change.MaxPwdLen = 10;
+  change.Password = longest;
+  change.NewPassword = "LETTER ten";
+  EXPECT_EQ(host->ExecuteDACI(9, 5, change, "", PwdInfo::PWD_NONE), STATUS_SUCCESS);
+  EXPECT_EQ(host->ValidatePwd(longest, PwdInfo::PWD_CLASS9), kNoKey);
+  EXPECT_NE(host->ValidatePwd("LETTER ten", PwdInfo::PWD_CLASS9), kNoKey);
+  change.Password = "LETTER ten";
+  change.NewPassword = "";
+  EXPECT_EQ(host->ExecuteDACI(9, 5, change, "", PwdInfo::PWD_NONE), STATUS_SUCCESS);
+  EXPECT_EQ(host->ValidatePwd("any", PwdInfo::PWD_CLASS9), 0u) << "removed";
 }
 
 TEST(Drives, AreListedAndOpenedAsTheFirmwareSays) {
@@ -262,13 +280,13 @@ TEST(Drives, AreListedAndOpenedAsTheFirmwareSays) {
 
 TEST(PasswordCommand, ShowsVerifiesAndChanges) {
   const nlohmann::json status = Document(Mira({"--sim=locked", "password", "status", "--json"}));
-  EXPECT_EQ(status["installed"], 3);
   EXPECT_EQ(
       status["passwords"][1],
       nlohmann::json({{"class", 10}, {"installed", true}, {"maxLength", 32}, {"secondLength", 4}}));
 
   const TemporaryFile good("setup1\n");
   const TemporaryFile fresh("brandnew");
+  const TemporaryFile marked("\xEF\xBB\xBFsetup1\r\n");
   const TemporaryFile both("setup1\nbrandnew\n");
   struct Case {
     std::vector<std::string> arguments;
@@ -281,6 +299,9 @@ TEST(PasswordCommand, ShowsVerifiesAndChanges) {
       {{"password", "verify", "--class", "9", "--password-stdin"}, "nope\n", 5, "is wrong"},
       {{"password", "verify", "--class", "9", "--password-stdin"}, "", 5, "could be read"},
       {{"password", "verify", "--class", "9", "--password-file", good.path()}, "", 0, "is right"},
+      {{"password", "verify", "--class", "9", "--password-file", marked.path()}, "", 0, "is right"},
+      {{"password", "verify", "--class", "9", "--password-file", ""}, "", 5, "could be read"},
+      {{"password", "verify", "--class", "9", "--password-env", ""}, "", 5, "could be read"},
       {{"password", "verify", "--class", "12", "--password-stdin"}, "x\n", 3, "is installed"},
       {{"password", "verify", "--class", "11", "--password-stdin"}, "x\n", 2, "11"},
       {{"password", "verify", "--class", "9"}, "", 5, "A password is needed"},
@@ -338,6 +359,24 @@ TEST(PasswordCommand, ShowsVerifiesAndChanges) {
       }
     }
   }
+}
+
+// Of several secrets on standard input each has its own line, whether it is needed or not.
+TEST(PasswordCommand, ShiftsNoSecretIntoAnothersPlace) {
+  sim::Machine machine;
+  const sim::Session session(machine);
+  const auto change = [](const char* input) {
+    return Mira({"password", "change", "--class", "9", "--password-stdin", "--new-password-stdin",
+                 "--yes"},
+                input)
+        .status;
+  };
+  EXPECT_EQ(change("unneeded1\nwanted1\n"), 0);
+  EXPECT_EQ(Mira({"password", "verify", "--class", "9", "--password-stdin"}, "wanted1\n").status,
+            0);
+  EXPECT_EQ(Mira({"password", "verify", "--class", "9", "--password-stdin"}, "unneeded1\n").status,
+            5);
+  EXPECT_EQ(change("wanted1\n"), 5) << "there is no line for the new one";
 }
 
 }  // namespace

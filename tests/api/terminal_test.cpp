@@ -14,6 +14,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/console_program.h"
+
 namespace mira {
 namespace {
 
@@ -155,6 +157,41 @@ TEST(Terminal, RunsTheTestConsole) {
   EXPECT_EQ(terminal.End(), 0);
   EXPECT_NE(terminal.Screen().find("Incorrect PBA Config Key!"), std::string::npos);
   EXPECT_EQ(terminal.Screen().find("system1"), std::string::npos) << "hidden";
+}
+
+// Where answers come from a pipe, the last one may lack its line end.
+TEST(TestConsole, TakesItsAnswersFromAPipe) {
+  const test::TemporaryFile good("setup1\n");
+  struct Case {
+    std::vector<std::string> arguments;
+    const char* answers;
+    int status;
+    const char* said;
+  };
+  const std::string& file = good.path();
+  const Case cases[] = {
+      {{"1", "0", "--password-file", file}, "70\n1\n0\n0\n", 5, "Invalid security key!"},
+      {{"1", "0", "--password-file", file, "--key-arg", "3"},
+       "70\n1\n0\n0\n",
+       0,
+       "completed successfully!"},
+      {{"1", "0", "--key-arg", "3"}, "70\n1\n0\n0\n", 5, "A password is needed"},
+      {{"1", "0", "--key-arg", "5"}, "", 2, "argument word"},
+      {{"0", "0"}, "70\n0\n0\n0", 0, "completed successfully!"},
+      {{"0", "0"}, "70\n0\n0\n", 2, "The input ended"},
+      {{"10", "28"}, "", 4, "Command 10/28 has no prompts."},
+      {{"9", "5"}, "4\nlong!\nother", 6, "cannot be made of these answers"},
+      {{"9", "5"}, "4\nlong", 2, "The input ended"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(testing::PrintToString(c.arguments) + c.answers);
+    std::vector<std::string> arguments = {"--sim=locked", "console"};
+    arguments.insert(arguments.end(), c.arguments.begin(), c.arguments.end());
+    const test::ProgramResult result = test::Mira(arguments, c.answers);
+    EXPECT_EQ(result.status, c.status) << result.err;
+    EXPECT_NE((result.out + result.err).find(c.said), std::string::npos)
+        << result.out << result.err;
+  }
 }
 
 }  // namespace

@@ -8,12 +8,12 @@
 #include <vector>
 
 #include "buffers/buffer_factory.h"
-#include "buffers/device_path_text.h"
 #include "buffers/generic_data.h"
 #include "buffers/legacy_bbs_data.h"
 #include "buffers/uefi_boot_data.h"
 #include "bytes/reader.h"
 #include "bytes/writer.h"
+#include "devicepath/load_option.h"
 #include "tests/support/console_capture.h"
 
 namespace mira {
@@ -125,6 +125,7 @@ TEST(BootLists, EndWithTheBytesReceived) {
     Answered(9, whole.substr(0, size), lists)->ParseOutputBuffer(lists);
     EXPECT_EQ(lists.Count, expected);
     EXPECT_EQ(lists.Items.size(), expected);
+    EXPECT_EQ(lists.IsComplete, size == whole.size());
 
     // The record has more room than the firmware says that it used.
     const auto roomy = Answered(9, whole, lists);
@@ -136,6 +137,7 @@ TEST(BootLists, EndWithTheBytesReceived) {
   Answered(9, Raw({0}), none)->ParseOutputBuffer(none);
   EXPECT_EQ(none.Count, 0u);
   EXPECT_TRUE(none.Items.empty());
+  EXPECT_TRUE(none.IsComplete);
 }
 
 // ---- Load options ----
@@ -197,8 +199,8 @@ TEST(LoadOptions, AreDecodedWithTheirPaths) {
   EXPECT_EQ(disk.Attributes, 1u);
   EXPECT_EQ(disk.FilePathListLength, 26);
   EXPECT_EQ(disk.Description, kDisk);
-  EXPECT_EQ(boot::DevicePathText(disk.FilePath), "PciRoot(0x0)/Sata(0x1,0xFFFF,0x0)");
-  const std::optional<boot::LoadOption> whole = boot::DecodeLoadOption(disk.Option);
+  EXPECT_EQ(devicepath::DevicePathToText(disk.FilePath), "PciRoot(0x0)/Sata(0x1,0xFFFF,0x0)");
+  const std::optional<devicepath::LoadOption> whole = devicepath::DecodeLoadOption(disk.Option);
   ASSERT_TRUE(whole);
   EXPECT_EQ(whole->optional_data, (std::vector<std::uint8_t>{1, 2}));
 
@@ -207,8 +209,9 @@ TEST(LoadOptions, AreDecodedWithTheirPaths) {
   EXPECT_EQ(net.Index, 7);
   EXPECT_EQ(net.Attributes, 0x101u);
   EXPECT_EQ(net.Description, kNet);
-  EXPECT_EQ(boot::DevicePathText(net.FilePath), "USB(0x3,0x1)");
-  EXPECT_EQ(boot::DecodeLoadOption(net.Option)->path, "USB(0x3,0x1),/PciRoot(0x0)");
+  EXPECT_EQ(devicepath::DevicePathToText(net.FilePath), "USB(0x3,0x1)");
+  EXPECT_EQ(devicepath::DecodeLoadOption(net.Option)->paths.front().text,
+            "USB(0x3,0x1),/PciRoot(0x0)");
 }
 
 TEST(LoadOptions, OfALegacyListAreDecodedAsRecords) {
@@ -225,8 +228,8 @@ TEST(LoadOptions, OfALegacyListAreDecodedAsRecords) {
   EXPECT_EQ(disk->DeviceType, 2);
   EXPECT_EQ(disk->StatusFlag, 0x10);
   EXPECT_EQ(disk->Description, "IDE 0");
-  EXPECT_EQ(boot::DevicePathText(options.Options[0].FilePath), "BBS(HD,IDE 0,0x10)");
-  EXPECT_EQ(boot::DevicePathText(options.Options[1].FilePath), "BBS(0x80,PXE,0x100)");
+  EXPECT_EQ(devicepath::DevicePathToText(options.Options[0].FilePath), "BBS(HD,IDE 0,0x10)");
+  EXPECT_EQ(devicepath::DevicePathToText(options.Options[1].FilePath), "BBS(0x80,PXE,0x100)");
 
   // A description ends with its entry; without the numbers there is no record.
   struct Case {
@@ -240,7 +243,7 @@ TEST(LoadOptions, OfALegacyListAreDecodedAsRecords) {
     Answered(11, Number(1, 4) + Number(0, 2) + Option(0, 1, u"x", c.path), one)
         ->ParseOutputBuffer(one);
     ASSERT_EQ(one.Options.size(), 1u);
-    EXPECT_EQ(boot::DevicePathText(one.Options[0].FilePath), c.text);
+    EXPECT_EQ(devicepath::DevicePathToText(one.Options[0].FilePath), c.text);
   }
 }
 
@@ -256,6 +259,7 @@ TEST(LoadOptions, EndWithTheBytesReceived) {
       Answered(11, whole.substr(0, size), options)->ParseOutputBuffer(options);
       EXPECT_EQ(options.Count, expected);
       EXPECT_EQ(options.Options.size(), expected);
+      EXPECT_EQ(options.IsComplete, size == whole.size());
       EXPECT_EQ(options.BootOrder.size(), size >= 8 ? 2u : size >= 6 ? 1u : 0u);
     }
     // Any byte may hold anything.
@@ -307,8 +311,8 @@ TEST(LoadOptions, KeepWhatACutEntryHolds) {
     EXPECT_EQ(options.Options[0].Index, 5);
     EXPECT_EQ(options.Options[0].EntrySize, c.entry.size());
     EXPECT_EQ(options.Options[0].Description, c.description);
-    EXPECT_EQ(boot::DevicePathText(options.Options[0].FilePath), c.path);
-    EXPECT_EQ(boot::DevicePathText(options.Options[1].FilePath), "USB(0x3,0x1)");
+    EXPECT_EQ(devicepath::DevicePathToText(options.Options[0].FilePath), c.path);
+    EXPECT_EQ(devicepath::DevicePathToText(options.Options[1].FilePath), "USB(0x3,0x1)");
   }
 }
 
@@ -404,11 +408,13 @@ TEST(BootDisplay, ShowsListsAndOptions) {
   EXPECT_EQ(Shown(*Answered(9, TwoLists(), lists)),
             "Boot List Count : 2\nBoot List Items (Enum : Name) : \n1 : UEFI\na2 : Älteres\n");
   CUEFILOList options;
+  options.IsUEFI = true;
   EXPECT_EQ(Shown(*Answered(11, TwoOptions(), options)),
             "Load Option Item Count : 2\nBoot Order Array : 7 10 \nEFI Load Option Item : \n"
             "Index - 10\tAttributes : 1\tOption Description : Plätte\nFile Path List :- \n"
             "Index - 7\tAttributes : 101\tOption Description : Net \xF0\x9F\x98\x80\n"
             "File Path List :- \n");
+  options.IsUEFI = false;
   EXPECT_EQ(Shown(*Answered(11, TwoLegacyOptions(), options)),
             "Load Option Item Count : 2\nBoot Order Array : 0 1 \nEFI Load Option Item : \n"
             "Index - 0\tAttributes : 1\tOption Description : Disk\nFile Path List :- \n"
@@ -424,6 +430,46 @@ TEST(BootDisplay, ShowsListsAndOptions) {
   const auto failed = Answered(9, TwoLists(), lists);
   bytes::Writer(failed->Record(), 20).U32(0xFFFFFFFF);
   EXPECT_EQ(Shown(*failed), "");
+}
+
+// The kind of a list is what was said with the request or the answer, whatever its bytes look like;
+// where nobody said it, the bytes are asked.
+TEST(BootDisplay, ShowsLegacyEntriesOfLegacyLists) {
+  struct Case {
+    const char* what;
+    std::string path;
+    bool looks_legacy;
+  };
+  const Case cases[] = {
+      {"a path", kUsb + kEnd, false},
+      {"a legacy entry", Raw({5, 1, 2, 0, 0x10, 0}) + Nul("IDE 0"), true},
+      {"a legacy entry that is a node", Raw({5, 1, 6, 0, 0, 0}) + Nul("Net"), true},
+      {"a path without an end", kUsb + kPciRoot, false},
+  };
+  enum { kFilled, kParsed, kPrompted };
+  for (const Case& c : cases) {
+    const std::string answer = Number(1, 4) + Number(0, 2) + Option(0, 1, u"x", c.path);
+    for (const bool is_uefi : {true, false}) {
+      for (const auto how : {kFilled, kParsed, kPrompted}) {
+        SCOPED_TRACE(c.what + std::string(is_uefi ? " UEFI " : " legacy ") + std::to_string(how));
+        CUEFILOList options;
+        options.IsUEFI = how == kFilled ? is_uefi : !is_uefi;
+        auto buffer = Answered(11, answer, options);
+        if (how == kPrompted) {
+          ConsoleCapture console("0\n");
+          auto size = static_cast<std::uint32_t>(answer.size());
+          ASSERT_NE(buffer->PromptInputBuffer(0, size, true), nullptr);
+          bytes::Writer(buffer->Record(), 48).Bytes(bytes::AsBytes(answer));
+        }
+        if (how == kParsed) {
+          options.IsUEFI = is_uefi;
+          buffer->ParseOutputBuffer(options);
+        }
+        const bool is_shown = Shown(*buffer).find("DeviceType") != std::string::npos;
+        EXPECT_EQ(is_shown, how == kPrompted ? c.looks_legacy : !is_uefi);
+      }
+    }
+  }
 }
 
 // One stream of what both outputs get, in order.

@@ -1,14 +1,17 @@
-// The bounded reader and writer: everything that touches firmware bytes relies on them.
+// The bounded reader and writer, which everything that touches firmware bytes relies on, and the
+// texts made of bytes.
 
 #include <gtest/gtest.h>
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "bytes/reader.h"
 #include "bytes/secure.h"
+#include "bytes/text.h"
 #include "bytes/utf16.h"
 #include "bytes/writer.h"
 
@@ -45,6 +48,11 @@ TEST(Reader, FailureSticksAndMovesNothing) {
   Reader no_nul(Slice(kBytes, 12));
   EXPECT_EQ(no_nul.CString(), "");
   EXPECT_FALSE(no_nul.Ok());
+
+  Reader failed(AsBytes(std::string_view("text\0", 5)));
+  failed.Take(6);
+  EXPECT_EQ(failed.CString(), "") << "a text is there, but a failed reader yields nothing";
+  EXPECT_EQ(failed.Offset(), 0u);
 
   Reader outside(kBytes, 16);
   EXPECT_FALSE(outside.Ok());
@@ -105,15 +113,92 @@ TEST(Utf16Text, IsConvertedWhole) {
     EXPECT_EQ(Wide(u"\xD83D\xDE00"), std::wstring(1, static_cast<wchar_t>(0x1F600)));
   }
 
-  // Half a pair is replaced.
-  for (const std::u16string& half : {u"\xD83D"s, u"\xDE00"s, u"\xD83D!"s, u"\xDE00\xD83D"s}) {
-    EXPECT_EQ(Utf8(half).substr(0, 3), "\xEF\xBF\xBD");
+  // Half a pair: UTF-8 has no form for it, a wide text has.
+  struct Half {
+    std::u16string text;
+    const char* utf8;
+  };
+  const Half halves[] = {{u"\xD83D"s, "\xEF\xBF\xBD"},
+                         {u"\xDE00"s, "\xEF\xBF\xBD"},
+                         {u"a\xD83D!"s, "a\xEF\xBF\xBD!"},
+                         {u"\xDE00\xD83D"s, "\xEF\xBF\xBD\xEF\xBF\xBD"},
+                         {u"\xD83D\xD83D\xDE00"s, "\xEF\xBF\xBD\xF0\x9F\x98\x80"}};
+  for (const Half& half : halves) {
+    EXPECT_EQ(Utf8(half.text), half.utf8);
+    EXPECT_EQ(Utf8(Wide(half.text)), half.utf8);
+    EXPECT_EQ(static_cast<char16_t>(Wide(half.text)[0]), half.text[0]);
   }
   // Stray, missing and cut continuations, a longer form than needed, a surrogate, past the last.
   for (const char* const bad : {"\x80", "\xC3", "\xC3!", "\xE6\x97", "\xC0\x80", "\xE0\x80\x80",
                                 "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xFF"}) {
     EXPECT_FALSE(Utf16(bad));
+    EXPECT_FALSE(IsUtf8(bad));
   }
+  EXPECT_TRUE(IsUtf8("\xED\x9F\xBF\xEE\x80\x80\xF4\x8F\xBF\xBF"));
+}
+
+TEST(Latin1, IsUtf8WithOneByteForEachCodePoint) {
+  EXPECT_EQ(Utf8OfLatin1("a\x7F\x80\xE9\xFF"), "a\x7F\xC2\x80\xC3\xA9\xC3\xBF");
+  EXPECT_EQ(Latin1OfUtf8("a\xC2\x80\xC3\xBF"), "a\x80\xFF");
+  EXPECT_EQ(Latin1OfUtf8("\xC4\x80"), std::nullopt) << "U+0100";
+  EXPECT_EQ(Latin1OfUtf8("\xE9"), std::nullopt) << "no UTF-8";
+}
+
+TEST(Numbers, AreReadWholeOrNotAtAll) {
+  struct Case {
+    const char* text;
+    std::optional<std::uint64_t> number, hex;  // with or without a prefix; as hexadecimal digits
+  };
+  const Case cases[] = {
+      {"0", 0u, 0u},
+      {"0010", 10u, 16u},
+      {"18446744073709551615", ~std::uint64_t{0}, std::nullopt},
+      {"18446744073709551616", std::nullopt, std::nullopt},
+      {"0x1f", 31u, std::nullopt},
+      {"0XFFFFFFFFFFFFFFFF", ~std::uint64_t{0}, std::nullopt},
+      {"0x10000000000000000", std::nullopt, std::nullopt},
+      {"aB", std::nullopt, 0xABu},
+      {"", std::nullopt, std::nullopt},
+      {"0x", std::nullopt, std::nullopt},
+      {"+1", std::nullopt, std::nullopt},
+      {"-1", std::nullopt, std::nullopt},
+      {" 1", std::nullopt, std::nullopt},
+      {"1 ", std::nullopt, std::nullopt},
+      {"0x0x1", std::nullopt, std::nullopt},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.text);
+    EXPECT_EQ(ParseNumber(c.text), c.number);
+    EXPECT_EQ(ParseDigits(c.text, 16), c.hex);
+  }
+  EXPECT_EQ(ParseNumber("255", 255), 255u);
+  EXPECT_EQ(ParseNumber("0x100", 255), std::nullopt);
+}
+
+TEST(HexTexts, AreWrittenAndReadBack) {
+  EXPECT_EQ(HexNumber(0), "0");
+  EXPECT_EQ(HexNumber(0x1F, 4), "001f");
+  EXPECT_EQ(HexNumber(0xFEDCBA9876543210, 2, HexCase::kUpper), "FEDCBA9876543210");
+  EXPECT_EQ(HexText(Slice(kBytes, 10)), "4300fffefd");
+  EXPECT_EQ(HexText(Slice(kBytes, 12), HexCase::kUpper), "FFFEFD");
+  EXPECT_EQ(ParseHexText("00fFA7"), (std::vector<std::uint8_t>{0x00, 0xFF, 0xA7}));
+  EXPECT_EQ(ParseHexText(""), std::vector<std::uint8_t>());
+  for (const char* const bad : {"0", "0g", "g0", "0x", " 1", "1 ", "00 ff", "+1", "-1"}) {
+    EXPECT_FALSE(ParseHexText(bad)) << bad;
+  }
+  for (int c = 0; c < 256; ++c) {
+    const bool is_digit = "0123456789abcdefABCDEF"s.find(static_cast<char>(c)) != std::string::npos;
+    EXPECT_EQ(IsHexDigit(static_cast<char>(c)), is_digit) << c;
+  }
+}
+
+TEST(Letters, AreThoseOfAscii) {
+  EXPECT_EQ(Lower("@AZ[`az{\xC4"), "@az[`az{\xC4");
+  EXPECT_EQ(Upper("@AZ[`az{\xE4"), "@AZ[`AZ{\xE4");
+  EXPECT_TRUE(SameText("UEFI boot", "uefi BOOT"));
+  EXPECT_FALSE(SameText("UEFI", "UEFI "));
+  EXPECT_TRUE(ContainsText("Legacy BIOS", "bios"));
+  EXPECT_FALSE(ContainsText("BIO", "bios"));
 }
 
 }  // namespace

@@ -9,15 +9,15 @@
 #include <string>
 #include <vector>
 
-#include "buffers/device_path_nodes.h"
-#include "buffers/device_path_text.h"
 #include "bytes/utf16.h"
+#include "devicepath/load_option.h"
+#include "devicepath/nodes.h"
 
-namespace mira::boot {
+namespace mira::devicepath {
 namespace {
 
-using L = CUEFILOList;
-using Node = CUEFILOList::GenericDevicePath;
+using L = NodeRecords;
+using Node = NodeRecords::GenericDevicePath;
 using Bytes = std::vector<std::uint8_t>;
 
 const std::string kEnd = "7FFF0400";
@@ -45,7 +45,7 @@ std::string ToHex(bytes::ByteSpan bytes) {
 }
 
 std::string Text(std::string_view digits) {
-  return DevicePathText(bytes::ByteSpan(FromHex(digits)));
+  return DevicePathToText(bytes::ByteSpan(FromHex(digits)));
 }
 
 // The fields of a record, parted by blanks: numbers in hexadecimal, blocks as their bytes, texts as
@@ -288,7 +288,7 @@ TEST(DevicePath, ReadsTheTextsOfNodes) {
       {"02021000 04050607 08090A0B 0C0D0E0F", kAcpi, "7060504 B0A0908 F0E0D0C '' '' ''"},
       {"02021300 04050607 08090A0B 0C0D0E0F 484900", kAcpi, "7060504 B0A0908 F0E0D0C 'HI' '' ''"},
       {"03100E00 0405 0607 0809 41004200", kSerial, "504 706 908 'AB'"},
-      {"03100B00 0405 0607 0809 41", kSerial, "504 706 908 ''"},
+      {"03100B00 0405 0607 0809 41", kSerial, "504 706 908 'A'"},
       {"03131500 0405 0607 08090A0B0C0D0E0F 1011 697100", kIscsi,
        "504 706 F0E0D0C0B0A0908 1110 'iq'"},
       {"03180800 68747470", Show<L::URIDevicePath, &L::URIDevicePath::Uri>, "'http'"},
@@ -296,6 +296,7 @@ TEST(DevicePath, ReadsTheTextsOfNodes) {
       {"04040C00 5C003DD800DE0000", kFile, "'\\\xF0\x9F\x98\x80'"},
       {"04040800 5C003DD8", kFile, "'\\\xEF\xBF\xBD'"},
       {"04040400", kFile, "''"},
+      {"04040700 410042", kFile, "'AB'"},
       {"05010A00 0600 0100 4100", kBbs, "6 1 'A'"},
       {"05010800 0600 0100", kBbs, "6 1 ''"},
   };
@@ -304,6 +305,34 @@ TEST(DevicePath, ReadsTheTextsOfNodes) {
     const L::DevicePath path = DecodeDevicePath(FromHex(c.node));
     ASSERT_EQ(path.size(), 1u);
     EXPECT_EQ(c.show(*path.front()), c.fields);
+  }
+}
+
+// What does not fill a field of a node's tail is kept, and written back.
+TEST(DevicePath, KeepsTailsThatEndWithinAField) {
+  struct Case {
+    const char* node;
+    std::string (*show)(const Node&);
+    const char* fields;
+    const char* text;
+  };
+  constexpr auto kDns = Show<L::DNSDevicePath, &L::DNSDevicePath::DnsServerIp>;
+  constexpr auto kAdr = Show<L::ACPIADRDevicePath, &L::ACPIADRDevicePath::AdditionalADR>;
+  const Case cases[] = {
+      {"031F0900 00 08080404", kDns, "[08080404000000000000000000000000]", "Path(3,31,0008080404)"},
+      {"031F1600 00 08080808000000000000000000000000 09", kDns,
+       "[08080808000000000000000000000000][09000000000000000000000000000000]",
+       "Path(3,31,000808080800000000000000000000000009)"},
+      {"02030A00 01000000 0203", kAdr, "[0203]", "Path(2,3,010000000203)"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.node);
+    const Bytes node = FromHex(c.node);
+    const L::DevicePath path = DecodeDevicePath(node);
+    ASSERT_EQ(path.size(), 1u);
+    EXPECT_EQ(c.show(*path.front()), c.fields);
+    EXPECT_EQ(ToHex(EncodeNode(*path.front())), ToHex(node));
+    EXPECT_EQ(DevicePathToText(bytes::ByteSpan(node)), c.text);
   }
 }
 
@@ -476,13 +505,13 @@ TEST(DevicePath, WritesEveryNodeTypeAndReadsItBack) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.text);
     const Bytes path = FromHex(c.node + kEnd);
-    EXPECT_EQ(DevicePathText(bytes::ByteSpan(path)), c.text);
+    EXPECT_EQ(DevicePathToText(bytes::ByteSpan(path)), c.text);
     const std::optional<Bytes> back = DevicePathFromText(c.text);
     ASSERT_TRUE(back);
     EXPECT_EQ(ToHex(*back), ToHex(path));
     // The same by way of the record, where the node has one.
     const L::DevicePath records = DecodeDevicePath(path);
-    EXPECT_EQ(DevicePathText(records), records.empty() ? "" : c.text);
+    EXPECT_EQ(DevicePathToText(records), records.empty() ? "" : c.text);
   }
 }
 
@@ -492,7 +521,6 @@ TEST(DevicePath, TakesTypedPathsAsPeopleWriteThem) {
     const char* path;
   };
   const Case cases[] = {
-      {"", "7FFF0400"},
       {"/pciroot(0)/PCI(31, 0x2)", "02010C00D041030A00000000 01010600021F 7FFF0400"},
       {"Unit(1),Unit(2)", "0311050001 7F010400 0311050002 7FFF0400"},
       {"Unit(1),/Unit(2)", "0311050001 7F010400 0311050002 7FFF0400"},
@@ -504,6 +532,39 @@ TEST(DevicePath, TakesTypedPathsAsPeopleWriteThem) {
       {"Dns(fe80::1)", "031F1500 01 FE800000000000000000000000000001 7FFF0400"},
       {"Dns(::)", "031F1500 01 00000000000000000000000000000000 7FFF0400"},
       {"Path(3,17,07)", "0311050007 7FFF0400"},
+      {"\t pci( 0x1f , 2 ) / Unit(1) , /Unit(2) ",
+       "01010600021F 0311050001 7F010400 0311050002 7FFF0400"},
+      {"Acpi(pnz0c0f,0)", "02010C00 DA410F0C00000000 7FFF0400"},
+      {"\\a (1.efi", "04041800 5C006100200028003100 2E00650066006900 0000 7FFF0400"},
+      {"a(1).efi", "04041600 610028003100 29002E00650066006900 0000 7FFF0400"},
+      // Arguments that have a default.
+      {"PciRoot()", "02010C00D041030A00000000 7FFF0400"},
+      {"Acpi(PNP0C0F)", "02010C00D0410F0C00000000 7FFF0400"},
+      {"AcpiEx(PNP0A03)", "02021300 D041030A 00000000 00000000 000000 7FFF0400"},
+      {"Sata(1)", "03120A00 0100 FFFF 0000 7FFF0400"},
+      {"Sata(1,,2)", "03120A00 0100 FFFF 0200 7FFF0400"},
+      {"MAC(00163E6271F0)",
+       "030B2500 00163E6271F0 0000000000000000000000000000000000000000000000000000 00 7FFF0400"},
+      {"IPv4(192.168.0.1)",
+       "030C1B00 00000000 C0A80001 0000 0000 1100 00 00000000 00000000 7FFF0400"},
+      {"Uart()", "030E1300 00000000 00C2010000000000 08 00 00 7FFF0400"},
+      {"UsbHID()", "030F0B00 FFFF FFFF 03 FF FF 7FFF0400"},
+      {"iSCSI(t,1,0x0000000000000000)", "03131300 0000 0008 0000000000000000 0100 74 7FFF0400"},
+      {"BBS(HD,d)", "05010A00 0200 0000 6400 7FFF0400"},
+      {"CDROM(1)", "04021800 01000000 0000000000000000 0000000000000000 7FFF0400"},
+      // Kinds of vendor nodes.
+      {"DebugPort()", "030A1400 D2E8A4EB5838EC41A2812647BA9660D0 7FFF0400"},
+      {"UartFlowCtrl(XonXoff)", "030A1800 9D9A49372F54894CA02635DA142094E4 02000000 7FFF0400"},
+      {"UartFlowCtrl()", "030A1800 9D9A49372F54894CA02635DA142094E4 00000000 7FFF0400"},
+      {"SAS(0x1122334455667788,1,2,SATA,External,Expanded,3,4)",
+       "030A2C00 B4DD87D48B00D911AFDC001083FFCA4D 04000000 8877665544332211 0100000000000000 "
+       "7202 0200 7FFF0400"},
+      {"SAS(1)",
+       "030A2C00 B4DD87D48B00D911AFDC001083FFCA4D 00000000 0100000000000000 0000000000000000 "
+       "0000 0000 7FFF0400"},
+      {"SAS(1,0,0,SAS)",
+       "030A2C00 B4DD87D48B00D911AFDC001083FFCA4D 00000000 0100000000000000 0000000000000000 "
+       "0100 0000 7FFF0400"},
       {"hd(1,gpt,8e8abea4-38e3-4f9b-8b89-bc5ca881001b,2048,0x100000)",
        "04012A00 01000000 0008000000000000 0000100000000000 A4BE8A8EE3389B4F8B89BC5CA881001B 02 02 "
        "7FFF0400"},
@@ -541,11 +602,89 @@ TEST(DevicePath, TakesTypedPathsAsPeopleWriteThem) {
                                  "BBS(HD,\xE2\x82\xAC,0x0)",
                                  "\\a\xFF.efi",
                                  "MAC(0,0x1)",
-                                 "AcpiEx(PNP0A03,PNP0A03,0,a,b)",
+                                 "AcpiEx(PNP0A03,PNP0A03,0,a,b,c,d)",
                                  "NVMe(0x1,00)"}) {
     EXPECT_FALSE(DevicePathFromText(text)) << text;
   }
   EXPECT_FALSE(DevicePathFromText(std::string(40000, 'x'))) << "longer than a node can be";
+}
+
+TEST(DevicePath, SaysWhereATextIsWrong) {
+  struct Case {
+    const char* text;
+    std::size_t offset;
+    const char* message;
+  };
+  const Case cases[] = {
+      {"", 0, "The text is empty."},
+      {" \t", 0, "The text is empty."},
+      {"/", 1, "Between commas, and at all, nodes are wanted."},
+      {"Unit(1),/", 9, "Between commas, and at all, nodes are wanted."},
+      {"PciRoot(0x0)/Pci(0x1F", 16, "This bracket is not closed."},
+      {"Bogus(", 5, "This bracket is not closed."},
+      {"Bogus(1)", 0, "No node is called 'Bogus'."},
+      {"Unit(1))", 5, "Argument 1 of 'Unit' is not understood."},
+      {"Unit(1)x", 0, "Behind a node's bracket, a slash is wanted."},
+      {"Unit(1)Unit(2)", 5, "Argument 1 of 'Unit' is not understood."},
+      {"a)", 1, "This bracket has no partner."},
+      {"Pci(1)", 5, "'Pci' lacks its argument 2."},
+      {"Pci(1,2,3)", 8, "'Pci' takes at most 2 arguments."},
+      {"DebugPort(1)", 10, "'DebugPort' takes no arguments."},
+      {"PciRoot(0x0)/Pci(0x1F,x)", 22, "Argument 2 of 'Pci' is not understood."},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.text);
+    Problem problem;
+    EXPECT_FALSE(DevicePathFromText(c.text, &problem));
+    EXPECT_EQ(problem.message, c.message);
+    EXPECT_EQ(problem.offset, c.offset);
+  }
+}
+
+TEST(DevicePath, NamesWhatIsMalformed) {
+  struct Case {
+    const char* list;
+    std::vector<const char*> texts;  // of its paths
+    std::size_t offset;
+    const char* problem;  // of the last path
+  };
+  const Case cases[] = {
+      {"0311050001 7FFF0400", {"Unit(0x1)"}, 0, ""},
+      {"0311050001 7FFF0400 0311050002 7F010400 0311050003 7FFF0400",
+       {"Unit(0x1)", "Unit(0x2),/Unit(0x3)"},
+       0,
+       ""},
+      {"7FFF0400", {""}, 0, ""},
+      {"", {""}, 0, "The path has no end node."},
+      {"0311050001", {"Unit(0x1)"}, 5, "The path has no end node."},
+      {"0311050001 7FFF0400 00", {"Unit(0x1)", ""}, 9, "The bytes end within a node's header."},
+      {"0311050001 03110300 02", {"Unit(0x1)"}, 5, "A node's length is below 4."},
+      {"0311050001 7FFF0400 0311060002",
+       {"Unit(0x1)", ""},
+       9,
+       "A node is longer than the bytes that are left."},
+      {"0311050001 7FFF0500 00", {"Unit(0x1)"}, 5, "An end node's length is not 4."},
+      {"0311050001 7F010500 00", {"Unit(0x1)"}, 5, "An end node's length is not 4."},
+      {"0311050001 7F020400",
+       {"Unit(0x1)"},
+       5,
+       "An end node ends neither an instance nor the path."},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.list);
+    const std::vector<Path> paths = DecodePaths(FromHex(c.list));
+    ASSERT_EQ(paths.size(), c.texts.size());
+    Bytes together;
+    for (std::size_t i = 0; i < paths.size(); ++i) {
+      EXPECT_EQ(paths[i].text, c.texts[i]);
+      together.insert(together.end(), paths[i].bytes.begin(), paths[i].bytes.end());
+      EXPECT_TRUE(i + 1 == paths.size() || !paths[i].problem);
+    }
+    EXPECT_EQ(ToHex(together), ToHex(FromHex(c.list))) << "no byte is lost";
+    const Problem problem = paths.back().problem.value_or(Problem());
+    EXPECT_EQ(problem.message, c.problem);
+    EXPECT_EQ(problem.offset, c.offset);
+  }
 }
 
 TEST(DevicePath, EndsWhereItCannotBeFollowed) {
@@ -593,9 +732,62 @@ TEST(LoadOption, IsDecodedWhole) {
   EXPECT_EQ(option->attributes, 1u);
   EXPECT_TRUE(option->IsActive());
   EXPECT_EQ(option->description, u"Go");
-  EXPECT_EQ(option->path, "PciRoot(0x0)/Sata(0x1,0xFFFF,0x0)/\\a.efi");
-  EXPECT_EQ(option->path_bytes.size(), 0x2Cu);
+  EXPECT_EQ(option->paths.front().text, "PciRoot(0x0)/Sata(0x1,0xFFFF,0x0)/\\a.efi");
+  EXPECT_EQ(option->paths.front().bytes.size(), 0x2Cu);
+  EXPECT_EQ(EncodeLoadOption(*option), FromHex(kOption));
   EXPECT_EQ(ToHex(option->optional_data), "DEAD");
+}
+
+TEST(LoadOption, IsReadBehindAVariablesAttributes) {
+  struct Case {
+    const char* what;
+    std::string bytes;
+    bool is_option;
+    bool is_variable;
+    std::uint32_t attributes;
+    std::size_t offset;
+    const char* problem;
+  };
+  const std::string inactive = "00000000 0900 47000000 0311050001 7FFF0400";
+  const std::string malformed = "01000000 0500 47000000 0311050001";
+  const Case cases[] = {
+      {"an option", kOption, true, false, 1, 0, ""},
+      {"a file", std::string("07000000") + kOption, true, true, 1, 0, ""},
+      {"a file of an inactive option", "07000000" + inactive, true, true, 0, 0, ""},
+      {"with write access by time", "27000000" + inactive, true, true, 0, 0, ""},
+      {"a file of a malformed option", "07000000" + malformed, true, true, 1, 19,
+       "The path has no end node."},
+      {"a malformed option", malformed, true, false, 1, 15, "The path has no end node."},
+      {"a cut file", "07000000 01000000 0900 47000000 0311", false, false, 0, 14,
+       "The paths have 9 bytes, but only 2 are left."},
+      {"a description without an end", "01000000 0000 4700", false, false, 0, 6,
+       "The description has no end."},
+      {"nothing", "", false, false, 0, 0,
+       "The bytes end within the attributes and the length of the paths."},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    Problem problem;
+    const std::optional<LoadOption> option = DecodeLoadOption(FromHex(c.bytes), &problem);
+    ASSERT_EQ(option.has_value(), c.is_option);
+    if (option) {
+      EXPECT_EQ(option->variable_attributes.has_value(), c.is_variable);
+      EXPECT_EQ(option->attributes, c.attributes);
+      EXPECT_EQ(option->description.substr(0, 1), u"G");
+      if (option->FirstProblem() != nullptr) problem = *option->FirstProblem();
+    }
+    EXPECT_EQ(problem.message, c.problem);
+    EXPECT_EQ(problem.offset, c.offset);
+  }
+}
+
+TEST(LoadOption, IsNotEncodedWhereItCannotBeRead) {
+  LoadOption option;
+  option.paths.push_back({"", Bytes(0x10000), std::nullopt});
+  EXPECT_FALSE(EncodeLoadOption(option));
+  option.paths.clear();
+  option.description = std::u16string(u"a\0b", 3);
+  EXPECT_FALSE(EncodeLoadOption(option));
 }
 
 TEST(LoadOption, IsNoneWhenCut) {
@@ -611,7 +803,7 @@ TEST(LoadOption, IsNoneWhenCut) {
       Bytes damaged = whole;
       damaged[at] = value;
       const std::optional<LoadOption> option = DecodeLoadOption(damaged);
-      EXPECT_TRUE(!option || bytes::Utf16(option->path)) << "no UTF-8";
+      EXPECT_TRUE(!option || bytes::Utf16(option->paths.front().text)) << "no UTF-8";
     }
   }
 }
@@ -630,7 +822,9 @@ TEST(LoadOption, OfRealMachinesHasTheExpectedText) {
     }
     SCOPED_TRACE(text);
     const Bytes path = FromHex(sample.at("device_path_hex").get<std::string>());
-    EXPECT_EQ(DevicePathText(bytes::ByteSpan(path)), text);
+    EXPECT_EQ(DevicePathToText(bytes::ByteSpan(path)), text);
+
+    for (const Path& one : DecodePaths(path)) EXPECT_FALSE(one.problem) << one.text;
 
     // What stands behind the end of the path is no part of its text.
     const std::optional<Bytes> back = DevicePathFromText(text);
@@ -642,13 +836,15 @@ TEST(LoadOption, OfRealMachinesHasTheExpectedText) {
     const std::optional<LoadOption> option =
         DecodeLoadOption(FromHex(sample.at("load_option_hex").get<std::string>()));
     ASSERT_TRUE(option);
-    EXPECT_EQ(option->path, text);
+    EXPECT_EQ(option->paths.front().text, text);
     EXPECT_EQ(bytes::Utf8(option->description), sample.at("description").get<std::string>());
     EXPECT_EQ(option->attributes,
               std::stoul(sample.at("attributes").get<std::string>(), nullptr, 16));
     EXPECT_EQ(option->optional_data, FromHex(sample.value("optional_data_hex", "")));
+    EXPECT_FALSE(option->variable_attributes);
+    EXPECT_EQ(EncodeLoadOption(*option), FromHex(sample.at("load_option_hex").get<std::string>()));
   }
 }
 
 }  // namespace
-}  // namespace mira::boot
+}  // namespace mira::devicepath

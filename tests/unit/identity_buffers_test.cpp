@@ -7,9 +7,11 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <typeinfo>
+#include <utility>
 #include <vector>
 
 #include "buffers/aux_mac_buffer.h"
@@ -116,6 +118,25 @@ TEST(Factory, KnowsEveryPair) {
   }
   const std::string line = "PBA DB Handler is not implemented... Contact the developer!!\n";
   EXPECT_EQ(console.Output(), line + line + line + line) << "class 10 selects 21 to 24";
+}
+
+TEST(Factory, SaysWhatElseACommandNeeds) {
+  using Commands = std::set<std::pair<int, int>>;
+  Commands probed;
+  Commands after_info;
+  Commands unprompted;
+  for (std::uint16_t cls = 0; cls <= 64; ++cls) {
+    for (std::uint16_t select = 0; select <= 40; ++select) {
+      const CommandTraits traits = TraitsOf(cls, select);
+      if (traits.preparation == CommandTraits::kProbe) probed.emplace(cls, select);
+      if (traits.preparation == CommandTraits::kLegacyBootInfo) after_info.emplace(cls, select);
+      if (!traits.has_prompts) unprompted.emplace(cls, select);
+    }
+  }
+  EXPECT_EQ(probed,
+            (Commands{{3, 9}, {3, 11}, {11, 8}, {17, 5}, {17, 16}, {17, 18}, {17, 22}, {17, 24}}));
+  EXPECT_EQ(after_info, (Commands{{3, 3}, {3, 4}}));
+  EXPECT_EQ(unprompted, (Commands{{5, 4}, {5, 5}, {5, 6}, {10, 28}, {10, 30}, {10, 31}}));
 }
 
 std::shared_ptr<CTagData> Tag(const std::string& text, std::uint32_t arg1 = 0,

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <iostream>
 #include <memory>
 #include <string>
 #include <vector>
@@ -11,6 +12,8 @@
 #include "buffers/hdd_pwd_buffer.h"
 #include "buffers/password_data.h"
 #include "buffers/pba_buffer.h"
+#include "buffers/prompt_input.h"
+#include "buffers/secret_prompt.h"
 #include "bytes/reader.h"
 #include "bytes/writer.h"
 #include "callif/password.h"
@@ -112,79 +115,217 @@ TEST(DrivePasswords, DecodeTheList) {
   Answered(11, 0xFFFFFFFF, std::string(256, '\0'))->ParseOutputBuffer(many);
   EXPECT_EQ(many.HDDList.size(), 128u);
 
-  ConsoleCapture console;
-  Answered(11, 2, two)->DisplayOutputBuffer();
-  const std::string output = console.Output();
-  EXPECT_EQ(output.substr(output.find("\nHDD Handle")),
-            "\nHDD Handle : 1\t HDD Description : SSD"
-            "\nHDD Handle : ffffff82\t HDD Description : SATA-1");
+  const std::string base =
+      "cbRES1 : 0\t The function completed successfully!\n\n"
+      "cbRES2 : Byte 0 - 2\t Byte 1 - 0\t Byte 2 - 0\t Byte 3 - 0\n\n"
+      "cbRES3 : Byte 0 - 0\t Byte 1 - 0\t Byte 2 - 0\t Byte 3 - 0\n\n"
+      "cbRES4 : Byte 0 - 0\t Byte 1 - 0\t Byte 2 - 0\t Byte 3 - 0\n\n";
+  for (const std::uint16_t select : {std::uint16_t{11}, std::uint16_t{28}}) {
+    ConsoleCapture console;
+    Answered(select, 2, two)->DisplayOutputBuffer();
+    std::cout << 255;
+    EXPECT_EQ(console.Output(),
+              base +
+                  (select == 11 ? "\nHDD Handle : 1\t HDD Description : SSD"
+                                  "\nHDD Handle : ffffff82\t HDD Description : SATA-1"
+                                : "") +
+                  "255")
+        << "decimal again";
+  }
 }
 
-struct TextCase {
+// A completion code's text, and the selects that have it.
+struct TextRow {
   std::int32_t code;
-  std::uint16_t select;
+  std::vector<std::uint16_t> selects;
   const char* text;
 };
 
+// What the buffer prints for the code.
 template <typename Buffer>
-std::string CodeText(const TextCase& c) {
+std::string CodeText(std::int32_t code, std::uint16_t select) {
   struct Open : Buffer {
     using Buffer::Buffer;
     using Buffer::NewRecord;
   };
-  Open buffer(10, c.select, 4096);
-  buffer.NewRecord(44)->cbRES1 = c.code;
+  Open buffer(10, select, 4096);
+  buffer.NewRecord(44)->cbRES1 = code;
   ConsoleCapture console;
   buffer.DisplayReturnCode();
   return console.Output();
 }
 
-TEST(DrivePasswords, HaveTextsForTheirCodes) {
-  const TextCase cases[] = {
-      {1, 13, "Invalid HDD Handle!\n"},
-      {2, 14, "Interface Unavailable!\n"},
-      {3, 13, "Password is incorrect!\n"},
-      {3, 14, "Old Password is incorrect!\n"},
-      {3, 30, ""},
-      {4, 14, "Admin Password is incorrect!\n"},
-      {5, 13, ""},
-      {5, 14, "New password is Malformed!\n"},
-      {6, 14, "Password cannot be deleted!\n"},
-      {7, 13, "HDD is not present!\n"},
-      {8, 14, "Unable to set password; Maximum Security Mode (Secure Erase) unavailable!\n"},
-      {8, 11, ""},
-      {9, 13, ""},
-      {-7, 31, " Invalid security key!\n"},
-      {0, 11, " The function completed successfully!\n"},
-  };
-  for (const TextCase& c : cases) {
-    EXPECT_EQ(CodeText<CHDDPwdBuffer>(c), c.text) << c.code << " " << c.select;
+// Every code from 1 to `last` with every select: the rows' texts and no others.
+template <typename Buffer>
+void ExpectTexts(const std::vector<TextRow>& rows, std::int32_t last) {
+  for (std::int32_t code = 1; code <= last + 1; ++code) {
+    for (std::uint16_t select = 0; select <= 31; ++select) {
+      std::string text;
+      for (const TextRow& row : rows) {
+        if (row.code == code && std::count(row.selects.begin(), row.selects.end(), select) != 0) {
+          text = row.text + std::string("\n");
+        }
+      }
+      EXPECT_EQ(CodeText<Buffer>(code, select), text) << code << " " << select;
+    }
   }
+  EXPECT_EQ(CodeText<Buffer>(0, 13), " The function completed successfully!\n");
+  EXPECT_EQ(CodeText<Buffer>(-1, 8),
+            " The function ended in error (possibly function-specific)!\n");
+  EXPECT_EQ(CodeText<Buffer>(-7, 31), " Invalid security key!\n");
+}
+
+TEST(DrivePasswords, HaveTextsForTheirCodes) {
+  ExpectTexts<CHDDPwdBuffer>(
+      {
+          {1, {13, 14}, "Invalid HDD Handle!"},
+          {2, {13, 14}, "Interface Unavailable!"},
+          {3, {13}, "Password is incorrect!"},
+          {3, {14}, "Old Password is incorrect!"},
+          {4, {13, 14}, "Admin Password is incorrect!"},
+          {5, {14}, "New password is Malformed!"},
+          {6, {14}, "Password cannot be deleted!"},
+          {7, {13, 14}, "HDD is not present!"},
+          {8, {14}, "Unable to set password; Maximum Security Mode (Secure Erase) unavailable!"},
+      },
+      8);
 }
 
 TEST(PreBootUsers, HaveTextsForTheirCodes) {
-  const TextCase cases[] = {
-      {1, 10, "Incorrect PBA Config Key!\n"},
-      {1, 15, "No user is Authenticated via PBA!\n"},
-      {1, 4, ""},
-      {2, 4, "Password is not Correct!\n"},
-      {2, 5, " The (OLD?) Password is incorrect!\n"},
-      {2, 16, "Invalid bitmap\xEF\xBF\xBDno user authenticated with the given method!\n"},
-      {3, 16,
-       "Invalid call\xEF\xBF\xBDthe function was already called successfully once before with the "
-       "given bitmap!\n"},
-      {2, 17, "Invalid info format byte (in byte 0 of the cbARG3 buffer)!\n"},
-      {3, 17, "Invalid Info Type (in cbARG2)!\n"},
-      {4, 7, "Invalid Function (in cbArg1)!\n"},
-      {4, 17, "The ID/key does not exist in the database!\n"},
-      {5, 9, "Unsupported Key Format!\n"},
-      {9, 8, "Required bitmap is not a subset of the permitted bitmap!\n"},
-      {9, 9, ""},
-      {10, 8, ""},
-      {-1, 8, " The function ended in error (possibly function-specific)!\n"},
+  ExpectTexts<CPBABuffer>(
+      {
+          {1, {7, 8, 9, 10, 17, 18}, "Incorrect PBA Config Key!"},
+          {1, {15}, "No user is Authenticated via PBA!"},
+          {2, {4}, "Password is not Correct!"},
+          {2, {5}, " The (OLD?) Password is incorrect!"},
+          {2, {7}, "Incorrect Password Supplied!"},
+          {2, {8}, "No room to add another PBA user!"},
+          {2, {9}, "No such PBA user!"},
+          {2, {15}, "Incorrect User ID!"},
+          {2, {16}, "Invalid bitmap\xEF\xBF\xBDno user authenticated with the given method!"},
+          {2, {17}, "Invalid info format byte (in byte 0 of the cbARG3 buffer)!"},
+          {2, {18}, "ID and key not in PBA database!"},
+          {3, {5}, "Password not changed - new password does not meet the criteria!"},
+          {3, {7, 8}, "System user password not set!"},
+          {3,
+           {16},
+           "Invalid call\xEF\xBF\xBDthe function was already called successfully once before with "
+           "the given bitmap!"},
+          {3, {17}, "Invalid Info Type (in cbARG2)!"},
+          {4, {7}, "Invalid Function (in cbArg1)!"},
+          {4, {8, 9, 18}, "Unsupported User ID Format!"},
+          {4, {17}, "The ID/key does not exist in the database!"},
+          {5, {8, 9, 18}, "Unsupported Key Format!"},
+          {6, {8}, "User Key already in the database!"},
+          {7, {8}, "User ID already in the database!"},
+          {8, {8}, "Permitted bitmap has no valid bit set!"},
+          {9, {8}, "Required bitmap is not a subset of the permitted bitmap!"},
+      },
+      9);
+}
+
+// What a dialogue prints, with "<" and ">" where answers stop and begin to show.
+template <typename Buffer>
+std::string Dialogue(std::uint16_t select, const std::string& answers) {
+  Buffer buffer(10, select, 4096);
+  std::uint32_t size = 0;
+  ConsoleCapture console(answers);
+  buffers::SetEchoSwitch([](bool shows) { std::cout << (shows ? '>' : '<'); });
+  const SMBiosCI* const record = buffer.PromptInputBuffer(0, size, true);
+  buffers::SetEchoSwitch(nullptr);
+  EXPECT_NE(record, nullptr);
+  return console.Output();
+}
+
+TEST(DrivePasswords, AreAskedForInTheseWords) {
+  struct Case {
+    std::uint16_t select;
+    const char* answers;
+    const char* dialogue;
   };
-  for (const TextCase& c : cases) {
-    EXPECT_EQ(CodeText<CPBABuffer>(c), c.text) << c.code << " " << c.select;
+  const Case cases[] = {
+      {11, "", ""},
+      {13, "2\nabc\nn\n",
+       "Enter the HDD Handle : 0x<Enter the HDD Password : >"
+       "Is Admin Password required as per cbClass 10, cbSelect 12 (y/n) ? "},
+      {13, "2\nabc\nY\npw\n",
+       "Enter the HDD Handle : 0x<Enter the HDD Password : >"
+       "Is Admin Password required as per cbClass 10, cbSelect 12 (y/n) ? "
+       "<Enter Admin Password : >"},
+      {14, "2\ny\nold\ny\nnew\ny\npw\n",
+       "Enter the HDD Handle : 0xIs a password already set (y/n)? "
+       "<Enter the Current HDD Password : >Do you want to set new password (y/n)? "
+       "<Enter the new HDD Password : >"
+       "Is Admin Password required as per cbClass 10, cbSelect 12 (y/n) ? "
+       "<Enter Admin Password : >"},
+      {14, "2\nn\nn\nn\n1\n",
+       "Enter the HDD Handle : 0xIs a password already set (y/n)? "
+       "Do you want to set new password (y/n)? "
+       "Is Admin Password required as per cbClass 10, cbSelect 12 (y/n) ? "
+       "Enter the ATA Security Mode ( 0 / 1) : "},
+  };
+  for (const Case& c : cases) EXPECT_EQ(Dialogue<CHDDPwdBuffer>(c.select, c.answers), c.dialogue);
+}
+
+TEST(PreBootUsers, AreAskedForInTheseWords) {
+  const std::string key = "Enter the PBA Config Key (See cbSelect = 7 ; Function = 1) : 0x";
+  const std::string length = "What is the maximum password length (see cbSelect = 3 ) ? ";
+  const std::string user = "Enter the type of User ID (0 - Binary ; 1 - ASCIIZ) : ";
+  const std::string text_user = user + "Enter the User ID or User Name (in ASCIIZ format) : ";
+  const std::string ask_bytes =
+      "Enter 8 Bytes of User ID (in binary format pressing \"Enter\" Key after each byte) : 0x";
+  const std::string ask_key =
+      "Enter 16 Bytes of Passphrase (in binary format pressing \"Enter\" Key after each byte) : "
+      "0x";
+  const std::string passphrase = "Enter the type of Passphrase (0 - Binary ; 1 - ASCIIZ) : ";
+  const std::string existing = key +
+                               "Enter the choice of input (1 - User ID ; 2 - User Key) : "
+                               "Enter the type of input (0 - Binary ; 1 - ASCIIZ) : ";
+  const std::string function = "Enter the Function (0 - Status, 1 - Get, 2 - Clear) : ";
+  const std::string eight = "1\n2\n3\n4\n5\n6\n7\n8\n";
+  struct Case {
+    std::uint16_t select;
+    std::string answers;
+    std::string dialogue;
+  };
+  const Case cases[] = {
+      {4, "abc\n5\n", "<Enter the Password : >" + length},
+      {5, "5\nold\nnew\n", length + "<Enter the Old Password : ><Enter the new Password : >"},
+      {7, "0\n", function},
+      {7, "1\nsecret\n", function + "<Enter the Password : >"},
+      {7, "2\nAB\n", function + "Enter the PBA Config Key (See Function 1) : 0x"},
+      {8, "AB\n0\n" + eight + "0\n" + eight + eight + "3\n1\n",
+       key + user + ask_bytes + passphrase + "<" + ask_key + ">" +
+           "Enter the 32-bit Permitted Authentication Bitmap (see cbSelect = 7, Function 0) : 0x"
+           "Enter the 32-bit Required Authentication Bitmap (subset of Permitted) : 0x"},
+      {9, "AB\n1\njo\n", key + text_user},
+      {15, "", ""},
+      {16, "10\n5\n", "Enter the Credential Buffer Size : Enter the Authentication Bitmap : 0x"},
+      {17, "AB\n1\n0\n" + eight, existing + ask_bytes},
+      {17, "AB\n2\n0\n" + eight + eight, existing + "<" + ask_key + ">"},
+      {17, "AB\n2\n1\nkey\n", existing + "<Enter the information (in ASCIIZ format) : >"},
+      {18, "AB\n1\njo\n1\npw\n", key + text_user + passphrase + "<Enter the Passpharse : >"},
+  };
+  for (const Case& c : cases) EXPECT_EQ(Dialogue<CPBABuffer>(c.select, c.answers), c.dialogue);
+}
+
+TEST(Prompts, TellAMissingAnswerFromARefusedOne) {
+  struct Case {
+    const char* answers;
+    bool ended;
+  };
+  // A password that does not fit its field makes no record.
+  const Case cases[] = {{"2\nabc\nab\n", false},
+                        {"2\nabc\nab", false},
+                        {"2\nabc\n", true},
+                        {"2\nabc", true},
+                        {"", true}};
+  for (const Case& c : cases) {
+    CPBABuffer buffer(9, 5, 4096);
+    std::uint32_t size = 0;
+    ConsoleCapture console(c.answers);
+    EXPECT_EQ(buffer.PromptInputBuffer(0, size, true), nullptr);
+    EXPECT_EQ(buffers::InputEnded(), c.ended) << c.answers;
   }
 }
 
@@ -208,27 +349,41 @@ TEST(Passwords, BuildTheirRecords) {
   ASSERT_NE(change.FillInputBuffer(0, size, both), nullptr);
   ExpectRecord(change,
                {{44, 0, 0, 0}, 1, 109, std::string(32, '\0') + "new" + std::string(30, '\0')});
+
+  // As long as they may be: the new text is written over the old one's NUL.
+  both.MaxPwdLen = 3;
+  both.Password = "old";
+  ASSERT_NE(change.FillInputBuffer(0, size, both), nullptr);
+  ExpectRecord(change, {{44, 0, 0, 0}, 1, 51, "old" + Nul("new")});
+  both.NewPassword = "";
+  ASSERT_NE(change.FillInputBuffer(0, size, both), nullptr);
+  ExpectRecord(change, {{44, 0, 0, 0}, 1, 51, "old" + std::string(4, '\0')});
 }
 
 TEST(Passwords, NeverRunPastTheirField) {
   struct Case {
+    std::uint16_t select;
     std::uint32_t field;
     const char* old_password;
     const char* new_password;
     bool is_built;
   };
-  const Case cases[] = {{4, "abc", "", true},     {3, "abc", "", false},
-                        {4, "", "abcd", false},   {0, "", "", false},
-                        {1, "", "", true},        {65536, "a", "b", true},
-                        {65537, "a", "b", false}, {0xFFFFFFFF, "a", "b", false}};
+  const Case cases[] = {
+      {4, 4, "abc", "", true},    {4, 3, "abc", "", false},    {4, 0, "", "", false},
+      {4, 1, "", "", true},       {5, 3, "abc", "", true},     {5, 2, "abc", "", false},
+      {5, 3, "", "abc", true},    {5, 3, "", "abcd", false},   {5, 0, "", "", true},
+      {5, 65536, "a", "b", true}, {5, 65537, "a", "b", false}, {5, 0xFFFFFFFF, "a", "b", false},
+      {4, 65536, "a", "", true},  {4, 65537, "a", "", false},
+  };
   for (const Case& c : cases) {
-    CPBABuffer buffer(12, 5, 4096);
+    SCOPED_TRACE(std::to_string(c.select) + " " + std::to_string(c.field) + c.old_password);
+    CPBABuffer buffer(12, c.select, 4096);
     CChangePwdData data;
     data.MaxPwdLen = c.field;
     data.Password = c.old_password;
     data.NewPassword = c.new_password;
     std::uint32_t size = 0;
-    EXPECT_EQ(buffer.FillInputBuffer(0, size, data) != nullptr, c.is_built) << c.field;
+    EXPECT_EQ(buffer.FillInputBuffer(0, size, data) != nullptr, c.is_built);
   }
   CPBABuffer users(10, 8, 4096);
   CChangePwdData data;
@@ -307,39 +462,65 @@ TEST(PreBootUsers, AreBuiltFromAnswers) {
   }
 }
 
-TEST(PreBootUsers, ShowWhatTheyHold) {
+// A pre-boot buffer built from these answers, and what it then shows of the firmware's reply.
+std::string Shown(std::uint16_t select, const std::string& answers, const std::string& area,
+                  std::int32_t completion = 0) {
+  CPBABuffer buffer(10, select, 4096);
   std::uint32_t size = 0;
-  const auto shown = [](CPBABuffer& buffer) {
-    ConsoleCapture console;
-    buffer.DisplayOutputBuffer();
-    const std::string output = console.Output();
-    return output.substr(output.find("Byte 3 - 0\n\n", output.find("cbRES4")) + 12);
-  };
-  CPBABuffer user(10, 8, 4096);
-  {
-    ConsoleCapture console("1\n0\n1\n2\n3\n4\n5\n6\n7\n80\n1\npassphrase-of-20-chars\n3\n1\n");
-    ASSERT_NE(user.PromptInputBuffer(0, size, true), nullptr);
-  }
-  EXPECT_EQ(shown(user),
-            "Binary User Id is : 0x1 2 3 4 5 6 7 ffffff80 \nASCIIZ Passphrase is : "
-            "passphrase-of-20");
-
-  CPBABuffer credential(10, 16, 4096);
   SMBiosCI* record = nullptr;
   {
-    ConsoleCapture console("8\n1\n");
-    record = credential.PromptInputBuffer(0, size, true);
+    ConsoleCapture console(answers);
+    record = buffer.PromptInputBuffer(0, size, true);
   }
-  ASSERT_NE(record, nullptr);
-  bytes::Writer out(credential.Record(), 44);
-  out.U32(3);
-  out.Bytes(bytes::AsBytes("\x01\xFE\x03"));
-  EXPECT_EQ(shown(credential), "Logon Credential is : 1 fffffffe 3 ");
-  record->cbRES1 = -6;
-  EXPECT_EQ(shown(credential), "Required Buffer Size is : 0x3\n");
-  record->cbRES1 = 0;
-  bytes::Writer(credential.Record(), 44).U32(0xFFFFFFFF);
-  EXPECT_EQ(shown(credential).substr(0, 24), "Logon Credential is : 1 ") << "bounded by the record";
+  if (record == nullptr) return "no record";
+  bytes::Writer out(buffer.Record(), 44);
+  out.Bytes(bytes::AsBytes(area));
+  EXPECT_TRUE(out.Ok());
+  record->cbRES1 = completion;
+  ConsoleCapture console;
+  buffer.DisplayOutputBuffer();
+  std::cout << 255;
+  const std::string output = console.Output();
+  const std::string last = "cbRES4 : Byte 0 - 0\t Byte 1 - 0\t Byte 2 - 0\t Byte 3 - 0\n\n";
+  EXPECT_TRUE(output.starts_with("cbRES1 : " + std::to_string(completion) + "\t"));
+  return output.substr(output.find(last) + last.size());
+}
+
+TEST(PreBootUsers, ShowWhatTheyHold) {
+  const std::string eight = "1\n2\n3\n4\n5\n6\n7\n80\n";
+  const std::string bitmaps = "3\n1\n";
+  struct Case {
+    const char* what;
+    std::uint16_t select;
+    std::string answers;
+    std::string area;  // over what the answers made
+    std::int32_t completion;
+    std::string shown;
+  };
+  const Case cases[] = {
+      {"binary and text", 8, "1\n0\n" + eight + "1\npassphrase-of-20-chars\n" + bitmaps, "", 0,
+       "Binary User Id is : 0x1 2 3 4 5 6 7 ffffff80 \nASCIIZ Passphrase is : passphrase-of-20"},
+      {"text and binary", 8, "1\n1\nnine-long\n0\n" + eight + eight + bitmaps, "", 0,
+       "ASCIIZ User ID is : nine-lonBinary Passphrase is : 0x1 2 3 4 5 6 7 ffffff80 "
+       "1 2 3 4 5 6 7 ffffff80 \n"},
+      {"texts, after an error", 8, "1\n1\njo\n1\npw\n" + bitmaps, "", 2,
+       "ASCIIZ User ID is : joASCIIZ Passphrase is : pw"},
+      {"no such format", 8, "1\n1\njo\n1\npw\n" + bitmaps, "\x02", 0, ""},
+      {"credential", 16, "8\n1\n", std::string("\3\0\0\0\1\xFE\3", 7), 0,
+       "Logon Credential is : 1 fffffffe 3 "},
+      {"credential, too small", 16, "8\n1\n", std::string("\3\1\0\0", 4), -6,
+       "Required Buffer Size is : 0x103\n"},
+      {"credential, refused", 16, "8\n1\n", "", 3, ""},
+      {"credential beyond the record", 16, "2\n1\n", "\xFF\xFF\xFF\xFF\1\2", 0,
+       "Logon Credential is : 1 2 "},
+      {"nothing more", 9, "1\n1\njo\n", "", 0, ""},
+      {"nothing more", 15, "", "", 0, ""},
+      {"nothing more", 17, "1\n1\n1\njo\n", "", 0, ""},
+      {"nothing more", 18, "1\n1\njo\n1\npw\n", "", 0, ""},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(Shown(c.select, c.answers, c.area, c.completion), c.shown + "255") << c.what;
+  }
 }
 
 TEST(DrivePasswords, AreBuiltFromAnswers) {

@@ -292,6 +292,7 @@ TEST(Convert, GivesEmptyNamesForPlacesThatAreNotThere) {
   EXPECT_EQ(out.PossibleValues, (std::list<std::string>{"A", "B", "C"}));
   EXPECT_EQ(out.SuffixedValues, (std::list<std::string>{"B[b]"}));
   EXPECT_EQ(out.DefaultValues, (std::list<std::string>{"C", "A"}));
+  EXPECT_EQ(out.DefaultIndices, (std::list<std::uint8_t>{2, 0}));
   EXPECT_EQ(out.CurrentIndices, (std::list<std::uint8_t>{1, 200}));
   IntBIOSBootConfigSettingValue order;
   order.ordered_indices = {1, 2, 0};

@@ -15,7 +15,6 @@
 #include "sim/smbios_builder.h"
 #include "smbios/structure_copy.h"
 #include "smbios/structure_factory.h"
-#include "smbios/structures/processor_families.h"
 #include "smbios/structures/structures.h"
 #include "smbios/table.h"
 
@@ -390,96 +389,6 @@ TEST(Structures, PublishTheirKeysInOrder) {
   }
 }
 
-TEST(Structures, ShowTheirDump) {
-  struct Case {
-    Structure structure;
-    std::string dump;
-  };
-  const Case cases[] = {
-      {Structure(0, 0x3A)
-           .Str("V")
-           .Str("1")
-           .Word(0xE000)
-           .Str("D")
-           .Byte(0x0F)
-           .QWord(0x0102030405060AFF)
-           .Byte(3)
-           .Byte(0x0D)
-           .Byte(1)
-           .Byte(8)
-           .Byte(255)
-           .Byte(4),
-       Banner("BIOS Information : Type 0") +
-           "Type : 0\nLength : 18\nHandle : 3a\nVendor : V\nBIOS Version : 1\n"
-           "BIOS St. Addr. : e000\nBIOS Release Date : D\nBIOS ROM Size : 1048576 Bytes\n"
-           "BIOS Characteristcs : 1 2 3 4 5 6 a ff \n"
-           "BIOS Characteristics Extension Byte 1 : 3\n"
-           "BIOS Characteristics Extension Byte 2 : d\n"
-           "BIOS Release : 1.8\nBIOS Firmware Version : 255.4\n" +
-           Dashes(99) + "\n"},
-      {Structure(3, 1)
-           .Str("M")
-           .Byte(10)
-           .Str("V")
-           .Str("S")
-           .Str("A")
-           .Byte(3)
-           .Byte(4)
-           .Byte(5)
-           .Byte(6)
-           .DWord(7)
-           .Byte(8)
-           .Byte(9)
-           .Byte(0)
-           .Byte(3),
-       Banner("System Enclosure : Type 3") +
-           "Type : 3\nLength : 15\nHandle : 1\nManufacturer : M\nType : 10\nVersion : V\n"
-           "Serial Number : S\nAsset Tag Number : A\nBoot-up State : 3\nPower Supply State : 4\n"
-           "Thermal State : 5\nSecurity Status : 6\nOEM-defined : 7\nHeight : 8\n"
-           "Number of Power Cords : 9\nContained Element Count : 0\n"
-           "Contained Element Record Length : 3\n"
-           "Contained Elements is not being displayed - change source code if needed...\n" +
-           Dashes(99) + "\n"},
-      {Structure(10, 1).Byte(0x83).Str("Video"),
-       Banner("OnBoard Devices Inforamtion : Type 10") +
-           "Type : a\nLength : 6\nHandle : 1\nDevice Type[0] : 131\n"
-           "Description String[0] : Video\n" +
-           Dashes(111) + "\n"},
-      {Structure(12, 1).Byte(1), Banner("System Configuration Options : Type 12") +
-                                     "Type : c\nLength : 5\nHandle : 1\n"
-                                     "Pending Implementation... Contact the developer!!\n" +
-                                     Dashes(112) + "\n"},
-      {Structure(14, 1).Str("G").Byte(17).Word(0x1100).Byte(18).Word(0x1200),
-       Banner("Group Associations : Type 14") +
-           "Type : e\nLength : b\nHandle : 1\nGroup Name : G\nItem Type[0] : 17\n"
-           "Item Handle[0] : 4352\nItem Type[1] : 18\nItem Handle[1] : 4608\n" +
-           Dashes(99) + "\n"},
-      {Structure(15, 1).Word(1), Banner("System Event Log : Type 15") +
-                                     "Type : f\nLength : 6\nHandle : 1\n"
-                                     "Yet to complete this structure... contact the developer!!\n" +
-                                     Dashes(100) + "\n"},
-      {Structure(177, 1).Word(0x8003).Word(16).Word(0).Word(0xFF),
-       Banner("Miscellaneous BIOS Flags : Type 177") +
-           "Type : b1\nLength : c\nHandle : 1\nFlags 0 : 8003\nFlags 1 : 10\nFlags 2 : 0\n"
-           "Flags 3 : ff\n" +
-           Dashes(109) + "\n"},
-      {Structure(178, 1).Word(256).Word(19).Word(257).Word(20),
-       Banner("BIOS Hot-Key Support : Type 178") +
-           "Type : b2\nLength : c\nHandle : 1\n"
-           "BIOS Hot Key List (KeyCode, Function/Feature/Action Code) : \n"
-           "[0] : (256, 19)\n[1] : (257, 20)\n" +
-           Dashes(105) + "\n"},
-      {Structure(129, 1).Str("D").Str("V").Byte(16).Byte(16),
-       Banner("Intel AMT Structure : Type 0x81") +
-           "Type : 81\nLength : 8\nHandle : 1\nDescription : D\nVersion : V\nSystem ID : 16\n"
-           "Attributes : 10\n" +
-           Dashes(105) + "\n"},
-      {Structure(213, 1).QWord(7), "Type : d5\nLength : c\nHandle : 1\n"},
-      {Structure(127, 0x3A), "Type : 7f\nLength : 4\nHandle : 3a\n"},
-  };
-  for (const Case& c : cases) EXPECT_EQ(Dump(*Make(c.structure)), c.dump);
-}
-
 Structure MemoryDevice(std::uint16_t size, std::uint8_t form, std::uint8_t type,
                        std::uint32_t extended) {
   return Structure(17, 0x1100)
@@ -625,29 +534,6 @@ TEST(Processor, NamesItsFamilyByTheSecondField) {
                       Dashes(104) + "\n");
   EXPECT_NE(Dump(*Make(Processor(1, 500, 0))).find("Processor Family : Video Processor\n"),
             std::string::npos);
-}
-
-TEST(Processor, KnowsTheFamiliesOfTheTable) {
-  struct Case {
-    std::uint16_t family;
-    const char* name;
-  };
-  const Case cases[] = {
-      {1, "Other"},
-      {5, "Intel386(TM) processor"},
-      {24, "AMD Duron(TM) Processor Family [1]"},
-      {48, "Alpha Family [2]"},
-      {190, "Reserved [3]"},
-      {204, "z/Architectur base"},
-      {254, "Indicator to obtain the processor family from the Processor Family 2 field."},
-      {350, "DSP"},
-      {500, "Video Processor"}};
-  for (const Case& c : cases) EXPECT_STREQ(ProcessorFamilyName(c.family), c.name);
-  int known = 0;
-  for (unsigned family = 0; family < 0x10000; ++family) {
-    if (ProcessorFamilyName(static_cast<std::uint16_t>(family)) != nullptr) ++known;
-  }
-  EXPECT_EQ(known, 192);
 }
 
 TEST(SystemInformation, GrowsWithItsLength) {

@@ -1,4 +1,4 @@
-// The transport below the facade: records, memory that runs out, secrets in what is released.
+// The transport below the facade: records, secrets in what is released.
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,6 @@
 #include "buffers/hdd_pwd_buffer.h"
 #include "facade/mira_intf.h"
 #include "sim/machine.h"
-#include "transport/com_error.h"
 #include "transport/smbios_ci.h"
 
 namespace mira {
@@ -35,37 +34,6 @@ TEST(Record, MarksOffsets) {
   EXPECT_EQ(record->cbArg2, 44u);
   EXPECT_EQ(record->cbArg4, 50u);
   EXPECT_EQ(record->cbArgKinds, 0x01000100u);
-}
-
-// The one exception that a facade operation lets out. (It cannot cross into a host with a C++
-// runtime of its own, so this is tested where the library is linked statically.)
-TEST(OutOfMemory, IsRaisedForEveryComString) {
-  int raised = 0;
-  for (int nth = 1; nth <= 16; ++nth) {
-    SCOPED_TRACE(nth);
-    sim::Machine machine;
-    machine.GetFaults().Add({.operation = "SysAllocStringLen", .nth = nth, .result = 0});
-    {
-      const sim::Session session(machine);
-      std::ostringstream diagnostics;
-      CMiraIntf mira(diagnostics);
-      try {
-        mira.Init(false, false, false);
-        CSimpleTokenData data;
-        data.Arg1 = 0x70;
-        mira.ExecuteDACI(0, 0, data, "", PwdInfo::PWD_NONE);
-      } catch (const transport::ComError& error) {
-        ++raised;
-        EXPECT_EQ(error.Error(), static_cast<HRESULT>(0x8007000EU));
-      }
-      EXPECT_EQ(diagnostics.str(), "");
-    }
-    EXPECT_EQ(machine.GetLive().references, 0);
-    EXPECT_EQ(machine.GetLive().strings, 0);
-    EXPECT_EQ(machine.GetLive().arrays, 0);
-    EXPECT_EQ(machine.GetLive().com_scopes, 0);
-  }
-  EXPECT_GE(raised, 10);
 }
 
 TEST(Secrets, AreWipedBeforeTheirMemoryIsReleased) {

@@ -1,3 +1,5 @@
+#include <iterator>
+
 #include "smbios/structures/structures.h"
 
 namespace {
@@ -7,10 +9,10 @@ using mira::smbios::Kind;
 
 // Vendor structure (DSP0134 6.1.2)
 constexpr Field kFields[] = {
-    {"Flags 0", "Flags0", Kind::kWord, {.hex = true}},
-    {"Flags 1", "Flags1", Kind::kWord, {.hex = true}},
-    {"Flags 2", "Flags2", Kind::kWord, {.hex = true}},
-    {"Flags 3", "Flags3", Kind::kWord, {.hex = true}},
+    {0x04, "Flags 0", "Flags0", Kind::kWord, {.hex = true}},
+    {0x06, "Flags 1", "Flags1", Kind::kWord, {.hex = true}},
+    {0x08, "Flags 2", "Flags2", Kind::kWord, {.hex = true}},
+    {0x0A, "Flags 3", "Flags3", Kind::kWord, {.hex = true}},
 };
 
 }  // namespace
@@ -19,6 +21,5 @@ constinit const mira::smbios::Layout CBIOSFlags::kLayout("Miscellaneous BIOS Fla
                                                          kFields);
 
 std::uint16_t CBIOSFlags::GetFlags(unsigned index) const {
-  constexpr unsigned kWords = 4;
-  return index < kWords ? View().Word(4 + 2 * index) : std::uint16_t{0};
+  return index < std::size(kFields) ? View().Word(kFields[index].offset) : std::uint16_t{0};
 }

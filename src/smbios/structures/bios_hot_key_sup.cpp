@@ -2,21 +2,23 @@
 
 namespace {
 
+using mira::smbios::Decimal;
 using mira::smbios::StructureView;
+using mira::smbios::TextOut;
 
-constexpr std::size_t kFirst = 4;
+constexpr std::size_t kFirst = mira::smbios::Layout::kHeaderSize;
 constexpr std::size_t kItemSize = 4;
 
 std::size_t Count(const StructureView& s) {
   return s.Length() > kFirst ? (s.Length() - kFirst) / kItemSize : 0;
 }
 
-void Show(const StructureView& s, std::string& out) {
-  out += "BIOS Hot Key List (KeyCode, Function/Feature/Action Code) : \n";
+void Show(const StructureView& s, TextOut& out) {
+  out << "BIOS Hot Key List (KeyCode, Function/Feature/Action Code) : \n";
   for (std::size_t i = 0; i < Count(s); ++i) {
     const std::size_t item = kFirst + i * kItemSize;
-    out += "[" + std::to_string(i) + "] : (" + std::to_string(s.Word(item)) + ", " +
-           std::to_string(s.Word(item + 2)) + ")\n";
+    out << '[' << Decimal(i) << "] : (" << Decimal(s.Word(item)) << ", "
+        << Decimal(s.Word(item + 2)) << ")\n";
   }
 }
 

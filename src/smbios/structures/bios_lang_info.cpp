@@ -7,10 +7,10 @@ using mira::smbios::Kind;
 
 // DSP0134 7.14
 constexpr Field kFields[] = {
-    {"Installable Languages", nullptr, Kind::kByte},
-    {"Flags", nullptr, Kind::kByte, {.hex = true}},
-    {nullptr, nullptr, Kind::kBytes, {.size = 15}},
-    {"Current Language", "CurrentLang", Kind::kString},
+    {0x04, "Installable Languages", nullptr, Kind::kByte},
+    {0x05, "Flags", nullptr, Kind::kByte, {.hex = true}},
+    {0x06, nullptr, nullptr, Kind::kBytes, {.size = 15}},
+    {0x15, "Current Language", "CurrentLang", Kind::kString},
 };
 
 }  // namespace

@@ -8,10 +8,10 @@ using mira::smbios::Kind;
 // Vendor structure (DSP0134 6.1.2); widths by the fields' meaning, as no machine with one was at
 // hand
 constexpr Field kFields[] = {
-    {"Layout", "Layout", Kind::kByte},
-    {"Type", "Type", Kind::kByte},
-    {"Connector Type", "ConnectorType", Kind::kByte},
-    {"Security Settings", "SecuritySettings", Kind::kByte, {.hex = true}},
+    {0x04, "Layout", "Layout", Kind::kByte},
+    {0x05, "Type", "Type", Kind::kByte},
+    {0x06, "Connector Type", "ConnectorType", Kind::kByte},
+    {0x07, "Security Settings", "SecuritySettings", Kind::kByte, {.hex = true}},
 };
 
 }  // namespace

@@ -7,9 +7,9 @@ using mira::smbios::Kind;
 
 // DSP0134 7.22
 constexpr Field kFields[] = {
-    {"Type", "DeviceType", Kind::kByte},
-    {"Interface", "Interface", Kind::kByte},
-    {"Number of Buttons", "NumOfButtons", Kind::kByte},
+    {0x04, "Type", "DeviceType", Kind::kByte},
+    {0x05, "Interface", "Interface", Kind::kByte},
+    {0x06, "Number of Buttons", "NumOfButtons", Kind::kByte},
 };
 
 }  // namespace

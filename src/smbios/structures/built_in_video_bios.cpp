@@ -7,10 +7,10 @@ using mira::smbios::Kind;
 
 // Vendor structure (DSP0134 6.1.2)
 constexpr Field kFields[] = {
-    {"Manufacturer", "Manufacturer", Kind::kString},
-    {"Version", "Version", Kind::kString},
-    {"Shadow State", "ShadowState", Kind::kByte},
-    {"Characteristics", "Characteristics", Kind::kWord, {.hex = true}},
+    {0x04, "Manufacturer", "Manufacturer", Kind::kString},
+    {0x05, "Version", "Version", Kind::kString},
+    {0x06, "Shadow State", "ShadowState", Kind::kByte},
+    {0x07, "Characteristics", "Characteristics", Kind::kWord, {.hex = true}},
 };
 
 }  // namespace

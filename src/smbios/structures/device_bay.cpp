@@ -8,13 +8,13 @@ using mira::smbios::Kind;
 // Vendor structure (DSP0134 6.1.2); widths by the fields' meaning, as no machine with one was at
 // hand
 constexpr Field kFields[] = {
-    {"Device Bay Type", "DeviceBayType", Kind::kByte},
-    {"Location", "Location", Kind::kByte},
-    {"Devices Supported", "DevicesSupported", Kind::kByte, {.hex = true}},
-    {"Device Currently Attached", "DeviceCurrentlyAttached", Kind::kByte},
-    {"Hardware Version Number", "HardwareVersionNumber", Kind::kString},
-    {"Device Firmware Version", "DeviceFirmwareVersion", Kind::kString},
-    {"Controller Firmware Version", "ControllerFirmwareVersion", Kind::kString},
+    {0x04, "Device Bay Type", "DeviceBayType", Kind::kByte},
+    {0x05, "Location", "Location", Kind::kByte},
+    {0x06, "Devices Supported", "DevicesSupported", Kind::kByte, {.hex = true}},
+    {0x07, "Device Currently Attached", "DeviceCurrentlyAttached", Kind::kByte},
+    {0x08, "Hardware Version Number", "HardwareVersionNumber", Kind::kString},
+    {0x09, "Device Firmware Version", "DeviceFirmwareVersion", Kind::kString},
+    {0x0A, "Controller Firmware Version", "ControllerFirmwareVersion", Kind::kString},
 };
 
 }  // namespace

@@ -7,8 +7,8 @@ using mira::smbios::Kind;
 
 // Vendor structure (DSP0134 6.1.2)
 constexpr Field kFields[] = {
-    {"OEM Info", "OEMInfo", Kind::kByte},
-    {"Zero", "Zero", Kind::kByte},
+    {0x04, "OEM Info", "OEMInfo", Kind::kByte},
+    {0x05, "Zero", "Zero", Kind::kByte},
 };
 
 }  // namespace

@@ -7,11 +7,11 @@ using mira::smbios::Kind;
 
 // DSP0134 7.15
 constexpr Field kFields[] = {
-    {"Group Name", "GroupName", Kind::kString},
+    {0x04, "Group Name", "GroupName", Kind::kString},
 };
 constexpr Field kItems[] = {
-    {"Item Type", nullptr, Kind::kByte},
-    {"Item Handle", nullptr, Kind::kWord},
+    {0x00, "Item Type", nullptr, Kind::kByte},
+    {0x01, "Item Handle", nullptr, Kind::kWord},
 };
 
 }  // namespace

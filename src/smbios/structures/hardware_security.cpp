@@ -7,7 +7,7 @@ using mira::smbios::Kind;
 
 // DSP0134 7.25
 constexpr Field kFields[] = {
-    {"Hardware Security Settings", "HardwareSecuritySettings", Kind::kByte, {.hex = true}},
+    {0x04, "Hardware Security Settings", "HardwareSecuritySettings", Kind::kByte, {.hex = true}},
 };
 
 }  // namespace

@@ -7,10 +7,10 @@ using mira::smbios::Kind;
 
 // Vendor structure (DSP0134 6.1.2)
 constexpr Field kFields[] = {
-    {"Description", "Description", Kind::kString},
-    {"Version", "Version", Kind::kString},
-    {"System ID", "SystemID", Kind::kByte},
-    {"Attributes", "Attributes", Kind::kByte, {.hex = true}},
+    {0x04, "Description", "Description", Kind::kString},
+    {0x05, "Version", "Version", Kind::kString},
+    {0x06, "System ID", "SystemID", Kind::kByte},
+    {0x07, "Attributes", "Attributes", Kind::kByte, {.hex = true}},
 };
 
 }  // namespace

@@ -7,13 +7,13 @@ using mira::smbios::Kind;
 
 // Vendor structure (DSP0134 6.1.2)
 constexpr Field kFields[] = {
-    {"AMT Signature", "AMTSignature", Kind::kCharacters},
-    {"AMT Supported", "AMTSupported", Kind::kByte},
-    {"AMT Enabled", "AMTEnabled", Kind::kByte},
-    {"IDE Redirection Enabled", "IDERedirectionEnabled", Kind::kByte},
-    {"SOL Enabled", "SOLEnabled", Kind::kByte},
-    {"Network Enabled", "NetworkEnabled", Kind::kByte},
-    {"Extended Data", "ExtendedData", Kind::kBytes, {.size = 7}},
+    {0x04, "AMT Signature", "AMTSignature", Kind::kCharacters},
+    {0x08, "AMT Supported", "AMTSupported", Kind::kByte},
+    {0x09, "AMT Enabled", "AMTEnabled", Kind::kByte},
+    {0x0A, "IDE Redirection Enabled", "IDERedirectionEnabled", Kind::kByte},
+    {0x0B, "SOL Enabled", "SOLEnabled", Kind::kByte},
+    {0x0C, "Network Enabled", "NetworkEnabled", Kind::kByte},
+    {0x0D, "Extended Data", "ExtendedData", Kind::kBytes, {.size = 7}},
 };
 
 }  // namespace

@@ -7,10 +7,10 @@ using mira::smbios::Kind;
 
 // DSP0134 7.35. The key of the address type repeats that of the type, on purpose.
 constexpr Field kFields[] = {
-    {"Description", "Description", Kind::kString},
-    {"Type", "Type", Kind::kByte},
-    {"Address", "Address", Kind::kDWord},
-    {"Address Type", "Type", Kind::kByte},
+    {0x04, "Description", "Description", Kind::kString},
+    {0x05, "Type", "Type", Kind::kByte},
+    {0x06, "Address", "Address", Kind::kDWord},
+    {0x0A, "Address Type", "Type", Kind::kByte},
 };
 
 }  // namespace

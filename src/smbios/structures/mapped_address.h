@@ -5,9 +5,13 @@
 
 namespace mira::smbios {
 
+inline constexpr std::uint8_t kStartingAddress = 0x04;
+
 // Of both structures of mapped addresses (DSP0134 7.20 and 7.21): whether the addresses stand in
 // the extended fields, in bytes, because the first ones cannot hold them.
-inline bool HasExtendedAddresses(const StructureView& s) { return s.DWord(4) == 0xFFFFFFFF; }
+inline bool HasExtendedAddresses(const StructureView& s) {
+  return s.DWord(kStartingAddress) == 0xFFFFFFFF;
+}
 
 }  // namespace mira::smbios
 

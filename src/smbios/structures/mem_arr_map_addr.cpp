@@ -6,15 +6,16 @@ namespace {
 using mira::smbios::Field;
 using mira::smbios::HasExtendedAddresses;
 using mira::smbios::Kind;
+using mira::smbios::kStartingAddress;
 
 // DSP0134 7.20. Addresses that their fields cannot hold stand in the extended ones, in bytes.
 constexpr Field kFields[] = {
-    {"Starting Address", nullptr, Kind::kDWord},
-    {"Ending Address", nullptr, Kind::kDWord},
-    {"Memory Array Handle", nullptr, Kind::kWord},
-    {"Partition Width", nullptr, Kind::kByte},
-    {"Extended Starting Address", nullptr, Kind::kQWord, {.shown = HasExtendedAddresses}},
-    {"Extended Ending Address", nullptr, Kind::kQWord, {.shown = HasExtendedAddresses}},
+    {kStartingAddress, "Starting Address", nullptr, Kind::kDWord},
+    {0x08, "Ending Address", nullptr, Kind::kDWord},
+    {0x0C, "Memory Array Handle", nullptr, Kind::kWord},
+    {0x0E, "Partition Width", nullptr, Kind::kByte},
+    {0x0F, "Extended Starting Address", nullptr, Kind::kQWord, {.shown = HasExtendedAddresses}},
+    {0x17, "Extended Ending Address", nullptr, Kind::kQWord, {.shown = HasExtendedAddresses}},
 };
 
 }  // namespace

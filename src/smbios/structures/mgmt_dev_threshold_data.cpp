@@ -7,12 +7,12 @@ using mira::smbios::Kind;
 
 // DSP0134 7.37
 constexpr Field kFields[] = {
-    {"Lower Threshold - Non-critical", "NonCritLowThreshold", Kind::kWord},
-    {"Upper Threshold - Non-critical", "NonCritUppThreshold", Kind::kWord},
-    {"Lower Threshold - Critical", "CritLowThreshold", Kind::kWord},
-    {"Upper Threshold - Critical", "CritUppThreshold", Kind::kWord},
-    {"Lower Threshold - Non-recoverable", "NonRecoverableLowThreshold", Kind::kWord},
-    {"Upper Threshold - Non-recoverable", "NonRecoverableUppThreshold", Kind::kWord},
+    {0x04, "Lower Threshold - Non-critical", "NonCritLowThreshold", Kind::kWord},
+    {0x06, "Upper Threshold - Non-critical", "NonCritUppThreshold", Kind::kWord},
+    {0x08, "Lower Threshold - Critical", "CritLowThreshold", Kind::kWord},
+    {0x0A, "Upper Threshold - Critical", "CritUppThreshold", Kind::kWord},
+    {0x0C, "Lower Threshold - Non-recoverable", "NonRecoverableLowThreshold", Kind::kWord},
+    {0x0E, "Upper Threshold - Non-recoverable", "NonRecoverableUppThreshold", Kind::kWord},
 };
 
 }  // namespace

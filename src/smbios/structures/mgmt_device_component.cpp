@@ -7,10 +7,10 @@ using mira::smbios::Kind;
 
 // DSP0134 7.36
 constexpr Field kFields[] = {
-    {"Description", "Description", Kind::kString},
-    {"Management Device Handle", "DeviceHandle", Kind::kWord},
-    {"Component Handle", "ComponentHandle", Kind::kWord},
-    {"Threshold Handle", "ThresholdHanlde", Kind::kWord},
+    {0x04, "Description", "Description", Kind::kString},
+    {0x05, "Management Device Handle", "DeviceHandle", Kind::kWord},
+    {0x07, "Component Handle", "ComponentHandle", Kind::kWord},
+    {0x09, "Threshold Handle", "ThresholdHanlde", Kind::kWord},
 };
 
 }  // namespace

@@ -7,8 +7,8 @@ using mira::smbios::Kind;
 
 // DSP0134 7.11
 constexpr Field kItems[] = {
-    {"Device Type", "Type", Kind::kByte},
-    {"Description String", "Description", Kind::kString},
+    {0x00, "Device Type", "Type", Kind::kByte},
+    {0x01, "Description String", "Description", Kind::kString},
 };
 
 }  // namespace

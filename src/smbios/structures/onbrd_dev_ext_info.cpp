@@ -7,12 +7,12 @@ using mira::smbios::Kind;
 
 // DSP0134 7.42
 constexpr Field kFields[] = {
-    {"Reference Designation", "ReferenceDesignation", Kind::kString},
-    {"Device Type", "DeviceType", Kind::kByte},
-    {"Device Type Instance", "DeviceTypeInstance", Kind::kByte},
-    {"Segment Group Number", "SegmentGroupNumber", Kind::kWord},
-    {"Bus Number", "BusNumber", Kind::kByte},
-    {"Device/Function Number", "DeviceOrFunctionNumber", Kind::kByte},
+    {0x04, "Reference Designation", "ReferenceDesignation", Kind::kString},
+    {0x05, "Device Type", "DeviceType", Kind::kByte},
+    {0x06, "Device Type Instance", "DeviceTypeInstance", Kind::kByte},
+    {0x07, "Segment Group Number", "SegmentGroupNumber", Kind::kWord},
+    {0x09, "Bus Number", "BusNumber", Kind::kByte},
+    {0x0A, "Device/Function Number", "DeviceOrFunctionNumber", Kind::kByte},
 };
 
 }  // namespace

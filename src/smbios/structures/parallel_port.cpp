@@ -8,12 +8,12 @@ using mira::smbios::Kind;
 // Vendor structure (DSP0134 6.1.2); widths by the fields' meaning, as no machine with one was at
 // hand
 constexpr Field kFields[] = {
-    {"Base I/O Address", "BaseIOAddress", Kind::kWord},
-    {"IRQ", "IRQ", Kind::kByte},
-    {"Connector Type", "ConnectorType", Kind::kByte},
-    {"Connector Pin Out", "ConnectorPinOut", Kind::kByte},
-    {"Capabilities", "Capabilities", Kind::kWord, {.hex = true}},
-    {"Security Settings", "SecuritySettings", Kind::kByte, {.hex = true}},
+    {0x04, "Base I/O Address", "BaseIOAddress", Kind::kWord},
+    {0x06, "IRQ", "IRQ", Kind::kByte},
+    {0x07, "Connector Type", "ConnectorType", Kind::kByte},
+    {0x08, "Connector Pin Out", "ConnectorPinOut", Kind::kByte},
+    {0x09, "Capabilities", "Capabilities", Kind::kWord, {.hex = true}},
+    {0x0B, "Security Settings", "SecuritySettings", Kind::kByte, {.hex = true}},
 };
 
 }  // namespace

@@ -7,11 +7,11 @@ using mira::smbios::Kind;
 
 // DSP0134 7.9
 constexpr Field kFields[] = {
-    {"Internal Reference Designator", "IntRefDesignator", Kind::kString},
-    {"Internal Connector Type", "IntConnectorType", Kind::kByte},
-    {"External Reference Designator", "ExtRefDesignator", Kind::kString},
-    {"External Connector Type", "ExtConnectorType", Kind::kByte},
-    {"Port Type", "PortType", Kind::kByte},
+    {0x04, "Internal Reference Designator", "IntRefDesignator", Kind::kString},
+    {0x05, "Internal Connector Type", "IntConnectorType", Kind::kByte},
+    {0x06, "External Reference Designator", "ExtRefDesignator", Kind::kString},
+    {0x07, "External Connector Type", "ExtConnectorType", Kind::kByte},
+    {0x08, "Port Type", "PortType", Kind::kByte},
 };
 
 }  // namespace

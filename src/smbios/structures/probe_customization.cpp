@@ -7,15 +7,15 @@ using mira::smbios::Kind;
 
 // Vendor structure (DSP0134 6.1.2)
 constexpr Field kFields[] = {
-    {"Present Reading Token", "PresentReadingToken", Kind::kWord},
-    {"Reference Reading Token", "ReferenceReadingToken", Kind::kWord},
-    {"Present Status Token", "PresentStatusToken", Kind::kWord},
-    {"Upper Non-critical Threshold Token", "UppNonCritThresholdToken", Kind::kWord},
-    {"Lower Non-critical Threshold Token", "LowNonCritThresholdToken", Kind::kWord},
-    {"Upper Critical Threshold Token", "UppCritThresholdToken", Kind::kWord},
-    {"Lower Critical Threshold Token", "LowCritThresholdToken", Kind::kWord},
-    {"Re-enable Alerts Token", "ReEnableAlertsToken", Kind::kWord},
-    {nullptr, nullptr, Kind::kWord},
+    {0x04, "Present Reading Token", "PresentReadingToken", Kind::kWord},
+    {0x06, "Reference Reading Token", "ReferenceReadingToken", Kind::kWord},
+    {0x08, "Present Status Token", "PresentStatusToken", Kind::kWord},
+    {0x0A, "Upper Non-critical Threshold Token", "UppNonCritThresholdToken", Kind::kWord},
+    {0x0C, "Lower Non-critical Threshold Token", "LowNonCritThresholdToken", Kind::kWord},
+    {0x0E, "Upper Critical Threshold Token", "UppCritThresholdToken", Kind::kWord},
+    {0x10, "Lower Critical Threshold Token", "LowCritThresholdToken", Kind::kWord},
+    {0x12, "Re-enable Alerts Token", "ReEnableAlertsToken", Kind::kWord},
+    {0x14, nullptr, nullptr, Kind::kWord},
 };
 
 }  // namespace

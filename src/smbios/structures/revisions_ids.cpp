@@ -7,15 +7,15 @@ using mira::smbios::Kind;
 
 // Vendor structure (DSP0134 6.1.2)
 constexpr Field kFields[] = {
-    {"Revision", "Revision", Kind::kWord},
-    {"System Id", "SystemId", Kind::kByte},
-    {"Hardware Revision", "HardwareRevision", Kind::kByte},
-    {"Extended System Id", "ExtendedSystemId", Kind::kWord},
-    {"Manufacture Date", "ManufactureDate", Kind::kString},
-    {"Ownership Date", "OwnershipDate", Kind::kString},
-    {"System Revision", "SystemRevision", Kind::kByte},
-    {"System Family", "SystemFamily", Kind::kByte},
-    {"System Properties", "SystemProperties", Kind::kWord, {.hex = true}},
+    {0x04, "Revision", "Revision", Kind::kWord},
+    {0x06, "System Id", "SystemId", Kind::kByte},
+    {0x07, "Hardware Revision", "HardwareRevision", Kind::kByte},
+    {0x08, "Extended System Id", "ExtendedSystemId", Kind::kWord},
+    {0x0A, "Manufacture Date", "ManufactureDate", Kind::kString},
+    {0x0B, "Ownership Date", "OwnershipDate", Kind::kString},
+    {0x0C, "System Revision", "SystemRevision", Kind::kByte},
+    {0x0D, "System Family", "SystemFamily", Kind::kByte},
+    {0x0E, "System Properties", "SystemProperties", Kind::kWord, {.hex = true}},
 };
 
 }  // namespace

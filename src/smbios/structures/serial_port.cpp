@@ -7,12 +7,12 @@ using mira::smbios::Kind;
 
 // Vendor structure (DSP0134 6.1.2)
 constexpr Field kFields[] = {
-    {"Base I/O Address", "BaseIOAddress", Kind::kWord},
-    {"IRQ", "IRQ", Kind::kByte},
-    {"Connector Type", "ConnectorType", Kind::kByte},
-    {"Capabilities", "Capabilities", Kind::kWord, {.hex = true}},
-    {"Max Speed", "MaxSpeed", Kind::kByte},
-    {"Security Settings", "SecuritySettings", Kind::kByte, {.hex = true}},
+    {0x04, "Base I/O Address", "BaseIOAddress", Kind::kWord},
+    {0x06, "IRQ", "IRQ", Kind::kByte},
+    {0x07, "Connector Type", "ConnectorType", Kind::kByte},
+    {0x08, "Capabilities", "Capabilities", Kind::kWord, {.hex = true}},
+    {0x0A, "Max Speed", "MaxSpeed", Kind::kByte},
+    {0x0B, "Security Settings", "SecuritySettings", Kind::kByte, {.hex = true}},
 };
 
 }  // namespace

@@ -7,8 +7,8 @@ using mira::smbios::Kind;
 
 // DSP0134 7.33
 constexpr Field kFields[] = {
-    {nullptr, nullptr, Kind::kBytes, {.size = 6}},
-    {"Boot Status", nullptr, Kind::kByte},
+    {0x04, nullptr, nullptr, Kind::kBytes, {.size = 6}},
+    {0x0A, "Boot Status", nullptr, Kind::kByte},
 };
 
 }  // namespace

@@ -7,11 +7,11 @@ using mira::smbios::Kind;
 
 // DSP0134 7.24
 constexpr Field kFields[] = {
-    {"Capabilities", "Capabilities", Kind::kByte, {.hex = true}},
-    {"Reset Count", "ResetCount", Kind::kWord},
-    {"Reset Limit", "ResetLimit", Kind::kWord},
-    {"Timer Interval", "TimerInterval", Kind::kWord},
-    {"Timeout", "Timeout", Kind::kWord},
+    {0x04, "Capabilities", "Capabilities", Kind::kByte, {.hex = true}},
+    {0x05, "Reset Count", "ResetCount", Kind::kWord},
+    {0x07, "Reset Limit", "ResetLimit", Kind::kWord},
+    {0x09, "Timer Interval", "TimerInterval", Kind::kWord},
+    {0x0B, "Timeout", "Timeout", Kind::kWord},
 };
 
 }  // namespace

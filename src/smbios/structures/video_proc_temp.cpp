@@ -8,7 +8,7 @@ using mira::smbios::Kind;
 // Vendor structure (DSP0134 6.1.2); widths by the fields' meaning, as no machine with one was at
 // hand
 constexpr Field kFields[] = {
-    {"Video Processor Die Temperature", "VideoProcDieTemp", Kind::kWord},
+    {0x04, "Video Processor Die Temperature", "VideoProcDieTemp", Kind::kWord},
 };
 
 }  // namespace

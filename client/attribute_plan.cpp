@@ -1,0 +1,115 @@
+#include "client/attribute_plan.h"
+
+#include <utility>
+
+namespace mira::client {
+namespace {
+
+Error ReadOnlyError(const Setting& setting) {
+  const std::string title = setting.Title();
+  return Error(kInvalidValue, "read-only", title + " is read-only.", title);
+}
+
+// The modes that are wished for, in the order of their rows.
+std::vector<std::string> WishedModes(const AttributeWish& wish, const Json& modes) {
+  std::vector<std::string> names;
+  for (const auto& [name, mode] : modes.items()) {
+    if (wish.modes.contains(name)) names.push_back(name);
+  }
+  return names;
+}
+
+std::vector<Json> Values(const Attributes& attributes, const Setting& setting,
+                         const std::vector<std::string>& modes) {
+  std::vector<Json> values = {ValueJson(attributes, setting)};
+  const Json all = ModesJson(setting);
+  for (const std::string& mode : modes) values.push_back(all.at(mode));
+  return values;
+}
+
+}  // namespace
+
+void AttributeWriter::Write(const Setting& setting, const Key& key) {
+  if (key_error_) throw *key_error_;
+  if (!security_key_) {
+    security_key_ = 0;
+    if (!key.text.empty()) {
+      security_key_ = session_.Ready().ValidatePwd(key.text.str(), key.type);
+      if (security_key_ == CPwdContext::kNoKey) {
+        security_key_.reset();
+        key_error_ = KeyError();
+        throw *key_error_;
+      }
+    }
+  }
+  attributes_.Write(setting, *security_key_);
+}
+
+Step PlanAttribute(const AttributeWriterPtr& writer, const AttributeWish& wish) {
+  Attributes& attributes = writer->All();
+  const AttributeEntry& entry = *wish.entry;
+  const auto wanted = std::make_shared<Setting>(attributes.ReadLive(entry));
+  const std::optional<Setting> at_boot = attributes.TryReadAtBoot(entry);
+  const std::vector<std::string> modes = WishedModes(wish, ModesJson(*wanted));
+  const std::vector<Json> before = Values(attributes, *wanted, modes);
+  const bool is_fixed = entry.IsReadOnly() && wish.limits == Limits::kCheck;
+  try {
+    Assign(attributes, *wanted, wish.value, wish.limits);
+    AssignModes(*wanted, wish.modes);
+  } catch (const Error&) {
+    // That it cannot be written at all says more than the limit that the value breaks.
+    if (is_fixed) throw ReadOnlyError(*wanted);
+    throw;
+  }
+  const std::vector<Json> after = Values(attributes, *wanted, modes);
+  const std::vector<Json> start = at_boot ? Values(attributes, *at_boot, modes) : before;
+  const std::string title = wanted->Title();
+
+  Step step;
+  step.may_wait = true;
+  step.is_exact = true;
+  for (std::size_t i = 0; i < before.size(); ++i) {
+    step.changes.push_back({.target = i == 0 ? title : title + " " + modes[i - 1],
+                            .before = before[i],
+                            .after = after[i],
+                            .secret = entry.IsPassword(),
+                            .details = NameJson(*wanted)});
+    if (at_boot && !entry.IsPassword()) step.changes.back().at_boot = start[i];
+    if (i > 0) step.changes.back().details["field"] = modes[i - 1];
+  }
+  const bool is_other = entry.IsPassword() || before != after;
+  if (is_fixed && is_other) {
+    step.changes.front().problem = ReadOnlyError(*wanted);
+  }
+  // Of a password nothing is read back: what is there, nobody is told.
+  if (!entry.IsPassword()) {
+    step.read = [writer, &entry, modes](Session&) {
+      return Values(writer->All(), writer->All().ReadLive(entry), modes);
+    };
+  }
+  step.write = [writer, wanted](Session&, const Key& key) { writer->Write(*wanted, key); };
+  return step;
+}
+
+Step ImpossibleStep(const std::string& target, const Error& error) {
+  Step step;
+  step.changes.push_back({.target = target, .before = nullptr, .after = nullptr});
+  step.changes.back().problem = error;
+  return step;
+}
+
+Step PlanDefault(const AttributeWriterPtr& writer, const AttributeEntry& entry) {
+  const Setting setting = writer->All().ReadLive(entry);
+  const Json value = DefaultJson(setting);
+  if (value.is_null()) {
+    const std::string title = setting.Title();
+    throw Error(
+        kInvalidValue, "no-default",
+        title + (entry.IsPassword() ? " is a password: passwords are never set to a default."
+                                    : ": the machine's tables tell no default of it."),
+        title);
+  }
+  return PlanAttribute(writer, {.entry = &entry, .value = value});
+}
+
+}  // namespace mira::client

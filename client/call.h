@@ -1,0 +1,75 @@
+#ifndef MIRA_CLIENT_CALL_H_
+#define MIRA_CLIENT_CALL_H_
+
+// Firmware calls as the subjects make them: what failed becomes an Error that says why.
+//
+//   CTagData data;
+//   Execute(session, {11, 0}, data, {.target = "asset tag"});
+
+#include <cstdint>
+#include <span>
+#include <string>
+
+#include "bytes/secure.h"
+#include "callif/commands.h"
+#include "callif/password.h"
+#include "client/secrets.h"
+#include "client/session.h"
+
+namespace mira::client {
+
+// The calling interface, or null.
+CCallingInterface* FindCallingInterface(CMiraIntf& mira);
+// Whether the firmware announces a class. A bitmap that the library cannot convert announces none.
+bool IsAnnounced(CMiraIntf& mira, std::uint16_t cls);
+
+// The password that a protected call is made with.
+struct Key {
+  bytes::SecureString text;  // empty: none is needed
+  PwdInfo::PWDTYPE type = PwdInfo::PWD_CLASS9;
+};
+
+// Which installed password gives the key: class 9's, or the class-10 one where it alone is
+// installed or was asked for.
+PwdInfo::PWDTYPE KeyType(const PwdInfo& info, bool wants_class10);
+
+enum class Check { kNo, kYes };
+// The password for a protected change: the one in the slot "password", which is asked for where one
+// is installed. `check` has the firmware verify it before anything else. Throws Error.
+Key ObtainKey(Session& session, SecretProvider& secrets, bool wants_class10, Check check);
+
+// What firmware means that refuses to look at a password.
+inline constexpr char kLockedOut[] =
+    "The firmware verifies no password: after several wrong ones it verifies none until the "
+    "machine "
+    "restarts.";
+// The error of a password that no key was given for: wrong, or not looked at. Call it right after
+// the operation that failed.
+Error KeyError();
+
+// What stands for a completion code that a function has no meaning of its own for.
+ExitStatus ExitOf(std::int32_t completion);
+
+// What a completion code of one function means.
+struct CodeMeaning {
+  std::int32_t code;
+  ExitStatus exit_status;
+  const char* name;
+  const char* message;
+};
+
+struct CallOptions {
+  std::string target = "";
+  std::span<const CodeMeaning> meanings = {};
+  const Key* key = nullptr;
+};
+// Makes a call. Throws Error, with the completion code in it, unless it succeeded.
+void Execute(Session& session, callif::Command command, CSimpleTokenData& data,
+             const CallOptions& options);
+// The error of a call that ended so.
+Error CallError(Session& session, callif::Command command, Status status, std::int32_t completion,
+                const CallOptions& options);
+
+}  // namespace mira::client
+
+#endif  // MIRA_CLIENT_CALL_H_

@@ -1,0 +1,190 @@
+#include "client/command.h"
+
+#include <algorithm>
+#include <typeinfo>
+#include <utility>
+
+#include "bytes/text.h"
+#include "transport/com_error.h"
+
+namespace mira::client {
+namespace {
+
+constexpr char kWhatIf[] = "whatIf";
+
+Error BadArgument(const Argument& argument, const std::string& message) {
+  return Error(kUsage, "bad-argument", message, argument.name).With("argument", argument.name);
+}
+
+Json CheckNumber(const Argument& argument, const Json& value) {
+  const auto number =
+      value.is_string() ? bytes::ParseNumber(value.get_ref<const std::string&>()) : ToNumber(value);
+  if (number && *number >= argument.min && *number <= argument.max) return *number;
+  throw BadArgument(argument, "'" + Readable(value) + "' is no " + argument.help +
+                                  ": a number from " + std::to_string(argument.min) + " to " +
+                                  std::to_string(argument.max) +
+                                  " is wanted, in decimal or with 0x.");
+}
+
+Json CheckTexts(const Argument& argument, const Json& value) {
+  if (value.is_string()) return Json::array({value});
+  const bool is_list = value.is_array() && std::all_of(value.begin(), value.end(),
+                                                       [](auto& part) { return part.is_string(); });
+  if (!is_list) {
+    throw BadArgument(argument, std::string("'") + argument.name + "' takes a list of texts.");
+  }
+  return value;
+}
+
+void CheckChoice(const Argument& argument, const std::string& text) {
+  if (argument.choices.empty()) return;
+  const auto& choices = argument.choices;
+  if (std::find(choices.begin(), choices.end(), text) != choices.end()) return;
+  std::string names;
+  for (const std::string& choice : choices) names += (names.empty() ? "" : ", ") + choice;
+  throw BadArgument(argument,
+                    "'" + text + "' is no " + argument.name + ": it is one of " + names + ".")
+      .With("choices", choices);
+}
+
+Json CheckValue(const Argument& argument, const Json& value) {
+  switch (argument.type) {
+    case Type::kNumber: {
+      Json number = CheckNumber(argument, value);
+      CheckChoice(argument, number.dump());
+      return number;
+    }
+    case Type::kTexts:
+      return CheckTexts(argument, value);
+    case Type::kFlag:
+      if (value.is_boolean()) return value;
+      throw BadArgument(argument, std::string("'") + argument.name + "' is true or false.");
+    case Type::kText:
+    case Type::kContent:
+      if (!value.is_string()) {
+        throw BadArgument(argument, std::string("'") + argument.name + "' takes a text.");
+      }
+      CheckChoice(argument, value.get_ref<const std::string&>());
+      return value;
+    case Type::kValue:
+      break;
+  }
+  return value;
+}
+
+const Argument* FindArgument(const Command& command, const std::string& name) {
+  static const Argument kWhatIfArgument{.name = kWhatIf, .type = Type::kFlag};
+  if (name == kWhatIf && command.effect == Effect::kChanges) return &kWhatIfArgument;
+  for (const Argument& argument : command.arguments) {
+    if (name == argument.name) return &argument;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+const Argument kClass10 = {
+    .name = "class10",
+    .type = Type::kFlag,
+    .help = "the password is the class-10 one although a class-9 one is installed"};
+
+Json CheckArguments(const Command& command, const Json& arguments) {
+  if (!arguments.is_object()) {
+    throw Error(kUsage, "bad-argument", "The arguments are no object.", command.name);
+  }
+  Json checked = Json::object();
+  for (const auto& [name, value] : arguments.items()) {
+    const Argument* const argument = FindArgument(command, name);
+    if (argument == nullptr) {
+      throw Error(kUsage, "unknown-argument",
+                  std::string("'") + command.name + "' takes no '" + name + "'.", name)
+          .With("unknown", Json::array({name}));
+    }
+    if (!value.is_null()) checked[name] = CheckValue(*argument, value);
+  }
+  for (const Argument& argument : command.arguments) {
+    if (!argument.required || checked.contains(argument.name)) continue;
+    throw Error(kUsage, "missing-argument",
+                std::string("'") + command.name + "' needs '" + argument.name + "'.", argument.name)
+        .With("missing", Json::array({argument.name}));
+  }
+  return checked;
+}
+
+std::string Request::Text(const char* name, const std::string& otherwise) const {
+  const auto found = arguments_.find(name);
+  return found != arguments_.end() ? found->get<std::string>() : otherwise;
+}
+
+std::uint64_t Request::Number(const char* name, std::uint64_t otherwise) const {
+  const auto found = arguments_.find(name);
+  return found != arguments_.end() ? found->get<std::uint64_t>() : otherwise;
+}
+
+bool Request::Flag(const char* name) const {
+  const auto found = arguments_.find(name);
+  return found != arguments_.end() && found->get<bool>();
+}
+
+std::vector<std::string> Request::Texts(const char* name) const {
+  const auto found = arguments_.find(name);
+  return found != arguments_.end() ? found->get<std::vector<std::string>>()
+                                   : std::vector<std::string>();
+}
+
+const Json& Request::Value(const char* name) const {
+  static const Json kNone;
+  const auto found = arguments_.find(name);
+  return found != arguments_.end() ? *found : kNone;
+}
+
+Json Request::Carry(Plan& plan) {
+  const auto failed = [&](Error error) {
+    error.document = ToJson(plan, WhatIf());
+    return error;
+  };
+  const auto finished = [&] {
+    if (const auto error = ApplyError(plan)) throw failed(*error);
+    return ToJson(plan, WhatIf());
+  };
+  if (const Error* const impossible = plan.Impossible(); impossible != nullptr && !plan.goes_on) {
+    throw failed(*impossible);
+  }
+  Prepare(plan);
+  if (plan.IsEmpty()) return finished();
+  Key key;
+  if (plan.needs_key && (!WhatIf() || plan.checks_key || secrets_.IsGiven("password"))) {
+    key = ObtainKey(session_, secrets_, Flag(kClass10.name), WhatIf() ? Check::kYes : Check::kNo);
+  }
+  if (WhatIf()) return finished();
+  if (approve_) approve_(plan);
+  Apply(session_, plan, key);
+  return finished();
+}
+
+Result Run(const Command& command, Json arguments, Request& request) {
+  Result result;
+  try {
+    request.SetArguments(CheckArguments(command, arguments));
+    result.document = command.run(request);
+    return result;
+  } catch (const Error& error) {
+    result.error = error;
+  } catch (const transport::ComError&) {
+    result.error = Error(kUnexpected, "out-of-memory", "The system ran out of memory.");
+  } catch (const std::bad_alloc&) {
+    result.error = Error(kUnexpected, "out-of-memory", "The system ran out of memory.");
+  } catch (const std::bad_cast&) {
+    result.error =
+        Error(kUnexpected, "unexpected", "The command met data of a kind that it does not take.");
+  } catch (const std::exception& error) {
+    result.error = Error(kUnexpected, "unexpected",
+                         std::string("The command failed unexpectedly: ") + error.what());
+  }
+  result.status = result.error->status;
+  result.document = result.error->document;
+  result.document["error"] = ToJson(*result.error);
+  return result;
+}
+
+}  // namespace mira::client

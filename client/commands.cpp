@@ -1,0 +1,30 @@
+#include "client/commands.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace mira::client {
+
+const std::vector<Command>& Commands() {
+  static const std::vector<Command> all = [] {
+    std::vector<Command> list;
+    for (const auto subject :
+         {StartUpCommands, SmbiosCommands, InventoryCommands, TokenCommands, CallCommands,
+          AttributeCommands, PasswordCommands, DriveCommands, TagCommands, IdentifierCommands,
+          BatteryCommands, FirmwareListCommands, BootCommands, LegacyBootCommands}) {
+      std::vector<Command> some = subject();
+      std::move(some.begin(), some.end(), std::back_inserter(list));
+    }
+    return list;
+  }();
+  return all;
+}
+
+const Command* FindCommand(std::string_view name) {
+  const std::vector<Command>& all = Commands();
+  const auto found =
+      std::find_if(all.begin(), all.end(), [name](const Command& c) { return c.name == name; });
+  return found != all.end() ? &*found : nullptr;
+}
+
+}  // namespace mira::client

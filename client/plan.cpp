@@ -1,0 +1,254 @@
+#include "client/plan.h"
+
+#include <algorithm>
+
+namespace mira::client {
+namespace {
+
+std::optional<std::vector<Json>> ReadBack(Session& session, const Step& step) {
+  if (!step.read) return std::nullopt;
+  try {
+    std::vector<Json> values = step.read(session);
+    if (values.size() == step.changes.size()) return values;
+  } catch (const Error&) {
+    // What is there cannot be told; the outcome says so.
+  }
+  return std::nullopt;
+}
+
+// Whether the call may have been carried out although it failed: its answer was lost.
+bool MayHaveRun(const Error& error) {
+  return error.status == kTransportFailed || error.status == kUnexpected;
+}
+
+void Judge(Change& change, const Json& now, const std::optional<Error>& error, const Step& step) {
+  if (now == change.after) {
+    change.outcome = change.before == change.after ? Outcome::kAlreadySo : Outcome::kChanged;
+    return;
+  }
+  if (now != change.before) {
+    change.outcome = Outcome::kChanged;
+    change.kept = now;
+    if (step.is_exact) {
+      change.problem =
+          Error(kRefused, "taken-otherwise",
+                change.target + ": The firmware made another value of it.", change.target);
+    }
+    return;
+  }
+  change.kept = now;
+  if (error) {
+    change.outcome = MayHaveRun(*error) ? Outcome::kFailed : Outcome::kRefused;
+    change.problem = error;
+  } else if (step.may_wait) {
+    change.outcome = Outcome::kUnknown;
+    change.restart_pending = true;
+  } else {
+    change.outcome = Outcome::kFailed;
+    change.problem =
+        Error(kRefused, "not-taken", "The firmware accepted the new value and keeps the old one.",
+              change.target);
+  }
+}
+
+// Of a secret that was written, the firmware's answer counts, and the state only where the answer
+// was lost: a state that has turned tells, one that has not does not.
+void JudgeSecret(Change& change, const Json* now, const std::optional<Error>& error) {
+  if (!error || (now != nullptr && MayHaveRun(*error) && *now != change.before)) {
+    change.outcome = Outcome::kChanged;
+    return;
+  }
+  change.outcome = MayHaveRun(*error) ? Outcome::kUnknown : Outcome::kRefused;
+  change.problem = error;
+}
+
+// Puts the values that are there beside those that were planned for. False when one is another.
+bool IsAsPlanned(Session& session, Step& step) {
+  if (!step.read) return true;
+  std::vector<Json> now;
+  try {
+    now = step.read(session);
+  } catch (const Error& error) {
+    for (Change& change : step.changes) {
+      change.problem = error;
+      change.outcome = Outcome::kFailed;
+    }
+    return false;
+  }
+  bool is_planned = true;
+  for (std::size_t i = 0; i < step.changes.size() && i < now.size(); ++i) {
+    if (now[i] == step.changes[i].before) continue;
+    step.changes[i].kept = now[i];
+    is_planned = false;
+  }
+  if (is_planned) return true;
+  for (Change& change : step.changes) {
+    change.outcome = Outcome::kRefused;
+    change.problem =
+        Error(kRefused, "changed-meanwhile",
+              "The value is no longer the one that the change was planned for.", change.target);
+  }
+  return false;
+}
+
+bool NeedsWrite(const Change& change) {
+  return !change.problem && (change.secret || change.before != change.after);
+}
+
+bool ApplyStep(Session& session, const Plan& plan, Step& step, const Key& key) {
+  if (!plan.force && !IsAsPlanned(session, step)) return false;
+  std::optional<Error> error;
+  try {
+    step.write(session, key);
+  } catch (const Error& failure) {
+    error = failure;
+  }
+  const auto now = ReadBack(session, step);
+  bool is_done = true;
+  for (std::size_t i = 0; i < step.changes.size(); ++i) {
+    Change& change = step.changes[i];
+    if (!NeedsWrite(change) && !plan.force) {
+      change.outcome = Outcome::kAlreadySo;
+    } else if (change.secret) {
+      JudgeSecret(change, now ? &(*now)[i] : nullptr, error);
+    } else if (now) {
+      Judge(change, (*now)[i], error, step);
+    } else if (!error) {
+      change.outcome = Outcome::kUnknown;
+    } else {
+      change.outcome = MayHaveRun(*error) ? Outcome::kUnknown : Outcome::kRefused;
+      change.problem = error;
+    }
+    is_done = is_done && !change.problem;
+  }
+  return is_done;
+}
+
+}  // namespace
+
+const char* Name(Outcome outcome) {
+  switch (outcome) {
+    case Outcome::kChanged:
+      return "changed";
+    case Outcome::kAlreadySo:
+      return "already-so";
+    case Outcome::kRefused:
+      return "refused";
+    case Outcome::kFailed:
+      return "failed";
+    case Outcome::kUnknown:
+      return "unknown";
+    case Outcome::kPlanned:
+      break;
+  }
+  return "planned";
+}
+
+bool Plan::IsEmpty() const {
+  return !force && std::none_of(steps.begin(), steps.end(), [](const Step& step) {
+    return std::any_of(step.changes.begin(), step.changes.end(), NeedsWrite);
+  });
+}
+
+const Error* Plan::Impossible() const {
+  for (const Step& step : steps) {
+    for (const Change& change : step.changes) {
+      if (change.problem) return &*change.problem;
+    }
+  }
+  return nullptr;
+}
+
+void Prepare(Plan& plan) {
+  plan.ForEach([&plan](Change& change) {
+    if (change.problem) {
+      change.outcome = Outcome::kFailed;
+    } else if (!plan.force && !NeedsWrite(change)) {
+      change.outcome = Outcome::kAlreadySo;
+    }
+  });
+}
+
+void Apply(Session& session, Plan& plan, const Key& key) {
+  bool stopped = false;
+  std::size_t done = 0;
+  for (Step& step : plan.steps) {
+    session.Report("Writing", done++, plan.steps.size());
+    // What is impossible is not written; a step is one write, so nothing of it is.
+    const bool is_possible = std::none_of(step.changes.begin(), step.changes.end(),
+                                          [](const Change& c) { return c.problem.has_value(); });
+    const bool is_wanted =
+        is_possible &&
+        (plan.force || std::any_of(step.changes.begin(), step.changes.end(), NeedsWrite));
+    if (!is_wanted) {
+      for (Change& change : step.changes) {
+        change.outcome = is_possible ? Outcome::kAlreadySo : Outcome::kFailed;
+      }
+      continue;
+    }
+    if (stopped) continue;
+    stopped = !ApplyStep(session, plan, step, key) && !plan.goes_on;
+  }
+}
+
+bool IsRestartPending(const Change& change) {
+  if (change.restart_pending) return true;
+  if (!change.at_boot) return false;
+  const bool is_taken =
+      change.outcome == Outcome::kChanged || change.outcome == Outcome::kAlreadySo;
+  return *change.at_boot != change.kept.value_or(is_taken ? change.after : change.before);
+}
+
+Json ToJson(const Change& change) {
+  Json json = {{"target", ToUtf8(change.target)},
+               {"before", change.before},
+               {"after", change.kept.value_or(change.after)},
+               {"outcome", Name(change.outcome)}};
+  if (change.kept) json["wanted"] = change.after;
+  if (IsRestartPending(change)) json["restartPending"] = true;
+  if (change.secret) json["secret"] = true;
+  json.update(change.details);
+  if (change.problem) json["error"] = ToJson(*change.problem);
+  return json;
+}
+
+Json ToJson(const Plan& plan, bool what_if) {
+  Json json = plan.subject;
+  bool changed = false;
+  Json changes = Json::array();
+  for (const Step& step : plan.steps) {
+    for (const Change& change : step.changes) {
+      changed = changed || change.outcome == Outcome::kChanged;
+      changes.push_back(ToJson(change));
+    }
+  }
+  json["changed"] = changed;
+  json["whatIf"] = what_if;
+  json["changes"] = std::move(changes);
+  return json;
+}
+
+std::optional<Error> ApplyError(const Plan& plan) {
+  const Error* first = nullptr;
+  std::size_t failed = 0;
+  bool any_changed = false;
+  bool any_fine = false;
+  for (const Step& step : plan.steps) {
+    for (const Change& change : step.changes) {
+      any_changed = any_changed || change.outcome == Outcome::kChanged;
+      any_fine = any_fine || !change.problem;
+      if (!change.problem) continue;
+      ++failed;
+      if (first == nullptr) first = &*change.problem;
+    }
+  }
+  if (first == nullptr) return std::nullopt;
+  if (!any_changed && !(plan.goes_on && any_fine)) return *first;
+  Error error(kAppliedInPart, "applied-in-part",
+              std::to_string(failed) + " of the changes failed. The first: " + first->what(),
+              first->target);
+  error.completion = first->completion;
+  return error;
+}
+
+}  // namespace mira::client

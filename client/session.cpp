@@ -1,0 +1,144 @@
+#include "client/session.h"
+
+#include <algorithm>
+#include <chrono>
+
+#include "pldm/progress.h"
+#include "transport/com_error.h"
+
+namespace mira::client {
+namespace {
+
+// The session that the library's fetching of attribute tables is reported to, for a scope.
+class TableProgress {
+ public:
+  explicit TableProgress(Session* session) : is_set_(session != nullptr) {
+    if (is_set_) pldm::SetProgress(Show, session);
+  }
+  ~TableProgress() {
+    if (is_set_) pldm::SetProgress(nullptr, nullptr);
+  }
+  TableProgress(const TableProgress&) = delete;
+  TableProgress& operator=(const TableProgress&) = delete;
+
+ private:
+  static pldm::ProgressAnswer Show(void* session, unsigned table, unsigned tables,
+                                   std::uint32_t received, std::uint32_t total) {
+    const std::string what =
+        "Reading attribute table " + std::to_string(table) + " of " + std::to_string(tables);
+    return static_cast<Session*>(session)->Continues(what, received, total)
+               ? pldm::ProgressAnswer::kContinue
+               : pldm::ProgressAnswer::kCancel;
+  }
+
+  bool is_set_;
+};
+
+}  // namespace
+
+Status Session::Open(bool attributes, bool texts) {
+  if (mira_ && has_attributes_ >= attributes && has_texts_ >= texts) return status_;
+  Restart();
+  mira_ = std::make_unique<CMiraIntf>(diagnostics_);
+  has_attributes_ = attributes;
+  has_texts_ = texts;
+  const TableProgress progress(attributes ? this : nullptr);
+  try {
+    status_ = mira_->Init(attributes, texts, texts);
+  } catch (const transport::ComError&) {
+    throw Error(kUnexpected, "out-of-memory", "The system ran out of memory.");
+  }
+  start_lines_ = TakeDiagnostics();
+  return status_;
+}
+
+Status Session::Start() { return Open(false, false); }
+
+CMiraIntf& Session::Mira() {
+  Start();
+  return *mira_;
+}
+
+CMiraIntf& Session::Ready() {
+  if (Start() != STATUS_SUCCESS) throw StartError();
+  return *mira_;
+}
+
+CMiraIntf& Session::WithAttributes(Texts texts) {
+  Open(true, texts == Texts::kAll);
+  Ready();
+  const StepResult& tables =
+      CMiraIntf::GetStartUp()[static_cast<std::size_t>(mira::Step::kAttributeTables)];
+  if (tables.outcome == StepOutcome::kCancelled) {
+    Restart();
+    throw Error(kCancelled, "cancelled", "The operation was cancelled.");
+  }
+  if (!mira_->IsPLDMSupported()) {
+    throw Error(kNotSupported, "no-attributes", "This machine has no BIOS attributes.");
+  }
+  return *mira_;
+}
+
+std::string Session::Now() const {
+  if (clock_) return clock_();
+  const auto now = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
+  const auto today = std::chrono::floor<std::chrono::days>(now);
+  const std::chrono::year_month_day date(today);
+  const std::chrono::hh_mm_ss time(now - today);
+  const auto digits = [](long long number, std::size_t count) {
+    const std::string text = std::to_string(number);
+    return std::string(count - std::min(count, text.size()), '0') + text;
+  };
+  return digits(static_cast<int>(date.year()), 4) + "-" +
+         digits(static_cast<unsigned>(date.month()), 2) + "-" +
+         digits(static_cast<unsigned>(date.day()), 2) + "T" + digits(time.hours().count(), 2) +
+         ":" + digits(time.minutes().count(), 2) + ":" + digits(time.seconds().count(), 2) + "Z";
+}
+
+void Session::Restart() {
+  mira_.reset();
+  has_attributes_ = has_texts_ = false;
+}
+
+std::vector<std::string> Session::TakeDiagnostics() {
+  std::vector<std::string> lines;
+  std::istringstream text(diagnostics_.str());
+  for (std::string line; std::getline(text, line);) lines.push_back(ToUtf8(line));
+  diagnostics_.str("");
+  return lines;
+}
+
+Error Session::StartError() const {
+#if !defined(_WIN32)
+  if (!IsSimulated()) {
+    return Error(kNotSupported, "not-windows",
+                 "This system is not Windows: it carries no calls to "
+                 "the firmware.");
+  }
+#endif
+  Error error = ErrorOf(status_);
+  const StepResult& failure = CMiraIntf::GetLastOperation().failure;
+  if (failure.step != mira::Step::kNone) error.step = StepName(failure.step);
+  if (failure.code_kind == CodeKind::kHresult) {
+    error.hresult = static_cast<std::uint32_t>(failure.code);
+  }
+  if (start_lines_.empty()) return error;
+  std::string message = error.what();
+  for (const std::string& line : start_lines_) message += " (" + line + ")";
+  Error with_lines(error.status, error.name, message);
+  with_lines.step = error.step;
+  with_lines.hresult = error.hresult;
+  return with_lines;
+}
+
+bool Session::Continues(const std::string& what, std::size_t done, std::size_t total) const {
+  return !progress_ || progress_(what, done, total);
+}
+
+void Session::Report(const std::string& what, std::size_t done, std::size_t total) const {
+  if (!Continues(what, done, total)) {
+    throw Error(kCancelled, "cancelled", "The operation was cancelled.");
+  }
+}
+
+}  // namespace mira::client

@@ -1,0 +1,83 @@
+#ifndef MIRA_CLIENT_SESSION_H_
+#define MIRA_CLIENT_SESSION_H_
+
+// One machine, as the operations of the client layer use it. Starts the library when it is first
+// needed. One thread at a time, the one that made it.
+//
+//   Session session;
+//   for (const Token& token : ReadTokens(session)) ...
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "client/error.h"
+#include "facade/mira_intf.h"
+
+namespace mira::client {
+
+// How far a long operation is. False cancels it.
+using Progress = std::function<bool(const std::string& what, std::size_t done, std::size_t total)>;
+
+class Session {
+ public:
+  enum class Texts { kNone, kAll };
+
+  explicit Session(Progress progress = nullptr) : progress_(std::move(progress)) {}
+  // The face says so where the machine under the library is a simulated one.
+  void SetSimulated(std::string profile) { profile_ = std::move(profile); }
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+
+  // The time of day in UTC as RFC 3339 writes it, "2026-04-09T23:05:00Z". Without a clock of the
+  // face's own it is the system's.
+  void SetClock(std::function<std::string()> clock) { clock_ = std::move(clock); }
+  std::string Now() const;
+
+  bool IsSimulated() const { return !profile_.empty(); }
+  const std::string& Profile() const { return profile_; }
+
+  // Runs Init once, and gives its status; the facade is there whatever it said.
+  Status Start();
+  // The same, with the attribute tables loaded and their texts; starts anew where that was not
+  // done.
+  Status Open(bool attributes, bool texts);
+  CMiraIntf& Mira();
+  // The started facade. Throws Error when Init failed.
+  CMiraIntf& Ready();
+  // The same with the attribute tables loaded, and their display and help texts where wanted.
+  // Throws Error when the machine has no attributes.
+  CMiraIntf& WithAttributes(Texts texts = Texts::kNone);
+  // Forgets the facade: what comes next starts anew, and sees the tables as they are now.
+  void Restart();
+
+  // The lines that Init wrote.
+  const std::vector<std::string>& StartLines() const { return start_lines_; }
+  // The lines that the facade has written since this was last asked, or since Init.
+  std::vector<std::string> TakeDiagnostics();
+  // The error of an Init that failed.
+  Error StartError() const;
+
+  // Reports how far it is. False when nobody wants the rest.
+  bool Continues(const std::string& what, std::size_t done, std::size_t total) const;
+  // The same. Throws Error (kCancelled) then.
+  void Report(const std::string& what, std::size_t done, std::size_t total) const;
+
+ private:
+  Progress progress_;
+  std::string profile_;  // of the simulated machine
+  std::function<std::string()> clock_;
+  std::ostringstream diagnostics_;
+  std::unique_ptr<CMiraIntf> mira_;
+  Status status_ = STATUS_FAILURE;
+  bool has_attributes_ = false;
+  bool has_texts_ = false;
+  std::vector<std::string> start_lines_;
+};
+
+}  // namespace mira::client
+
+#endif  // MIRA_CLIENT_SESSION_H_

@@ -1,0 +1,184 @@
+#include "client/tag.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "buffers/tag_data.h"
+#include "client/commands.h"
+#include "client/text_checks.h"
+
+namespace mira::client {
+namespace {
+
+constexpr std::uint16_t kOwnershipClasses[] = {20, 23};  // alike; either may be announced
+
+struct Kind {
+  const char* name;
+  std::uint16_t cls;
+  std::uint16_t read;
+  std::uint16_t write;
+  std::size_t longest;  // a longer text is cut; 0: as long as a call can carry
+};
+constexpr Kind kKinds[] = {
+    {"asset", 11, 0, 1, 12},
+    {"service", 11, 2, 3, 12},
+    {"ownership", kOwnershipClasses[0], 0, 1, 80},
+    {"extended", 11, 8, 9, 0},
+};
+
+const Kind& FindKind(const std::string& name) {
+  const auto* const found = std::find_if(std::begin(kKinds), std::end(kKinds),
+                                         [&name](const Kind& kind) { return kind.name == name; });
+  if (found != std::end(kKinds)) return *found;
+  throw Error(kUsage, "bad-argument", "There is no kind of tag called '" + name + "'.", name);
+}
+
+bool IsExtended(const Kind& kind) { return kind.longest == 0; }
+
+std::string Target(const Kind& kind) { return kind.name + std::string(" tag"); }
+
+std::uint16_t ClassOf(CMiraIntf& mira, const Kind& kind) {
+  const bool is_ownership = kind.cls == kOwnershipClasses[0];
+  return is_ownership && !IsAnnounced(mira, kind.cls) ? kOwnershipClasses[1] : kind.cls;
+}
+
+// The text as the firmware keeps it.
+std::string Kept(Session& session, const Kind& kind, std::string text) {
+  constexpr std::size_t kRecordBesideTag = 49;
+  RequireAscii(text, Target(kind));
+  if (IsExtended(kind)) {
+    const std::size_t buffer = session.Ready().GetACPIBufSize();
+    RequireLength(text, buffer < kRecordBesideTag ? 0 : buffer - kRecordBesideTag, Target(kind));
+    return text;
+  }
+  text = text.substr(0, kind.longest);
+  // Ownership tags are filled up with blanks, so blanks at the end are none of theirs.
+  return kind.cls == kOwnershipClasses[0] ? text.substr(0, text.find_last_not_of(' ') + 1) : text;
+}
+
+std::string Read(Session& session, const Kind& kind, std::uint32_t command) {
+  CTagData data;
+  if (IsExtended(kind)) data.Arg1 = command;
+  Execute(session, {ClassOf(session.Ready(), kind), kind.read}, data, {.target = Target(kind)});
+  return data.Tag.substr(0, data.Tag.find('\0'));
+}
+
+Json Show(Request& request) {
+  Session& session = request.GetSession();
+  const auto command = static_cast<std::uint32_t>(request.Number("command"));
+  std::vector<Tag> tags;
+  if (request.Has("kind")) {
+    tags.push_back(ReadTag(session, request.Text("kind"), command));
+  } else {
+    tags = ReadTags(session, command);
+  }
+  Json list = Json::array();
+  for (const Tag& tag : tags) list.push_back(ToJson(tag));
+  Json document = {{"tags", std::move(list)}};
+  // Of several tags, one that this machine does not have is no reason to hide the others.
+  if (std::none_of(tags.begin(), tags.end(), [](const Tag& t) { return t.text.has_value(); })) {
+    Error error = *tags.front().problem;
+    error.document = std::move(document);
+    throw error;
+  }
+  return document;
+}
+
+Json Set(Request& request) {
+  Plan plan = PlanTag(request.GetSession(), request.Text("kind"), request.Text("text"),
+                      static_cast<std::uint32_t>(request.Number("command")));
+  return request.Carry(plan);
+}
+
+}  // namespace
+
+const std::vector<std::string>& TagKinds() {
+  static const std::vector<std::string> names = [] {
+    std::vector<std::string> list;
+    for (const Kind& kind : kKinds) list.emplace_back(kind.name);
+    return list;
+  }();
+  return names;
+}
+
+Tag ReadTag(Session& session, const std::string& kind, std::uint32_t command) {
+  return {.kind = kind, .command = command, .text = Read(session, FindKind(kind), command)};
+}
+
+std::vector<Tag> ReadTags(Session& session, std::uint32_t command) {
+  session.Ready();
+  std::vector<Tag> tags;
+  for (const Kind& kind : kKinds) {
+    Tag& tag = tags.emplace_back(Tag{kind.name, command, std::nullopt});
+    try {
+      tag.text = Read(session, kind, command);
+    } catch (const Error& error) {
+      tag.problem = error;
+    }
+  }
+  return tags;
+}
+
+Plan PlanTag(Session& session, const std::string& kind_name, const std::string& text,
+             std::uint32_t command) {
+  const Kind& kind = FindKind(kind_name);
+  const std::string after = Kept(session, kind, text);
+  const auto read = [&kind, command](Session& s) {
+    return std::vector{TextJson(Read(s, kind, command))};
+  };
+  const auto write = [&kind, command, after](Session& s, const Key& key) {
+    CTagData data;
+    if (IsExtended(kind)) data.Arg1 = command;
+    data.Tag = after;
+    Execute(s, {ClassOf(s.Ready(), kind), kind.write}, data, {.target = Target(kind), .key = &key});
+  };
+  Plan plan;
+  plan.subject = {{"tag", kind.name}};
+  if (IsExtended(kind)) plan.subject["command"] = command;
+  plan.subject["cut"] = after.size() < text.size();
+  plan.steps.push_back(
+      {.changes = {{.target = Target(kind), .before = read(session).front(), .after = after}},
+       .read = read,
+       .write = write});
+  return plan;
+}
+
+Json ToJson(const Tag& tag) {
+  Json json = {{"tag", tag.kind}};
+  if (tag.kind == "extended") json["command"] = tag.command;
+  json["value"] = tag.text ? TextJson(*tag.text) : Json();
+  if (tag.problem) json["problem"] = ToJson(*tag.problem);
+  return json;
+}
+
+std::vector<Command> TagCommands() {
+  const Argument kind = {.name = "kind",
+                         .help = "asset, service, ownership or extended",
+                         .positional = true,
+                         .choices = TagKinds()};
+  const Argument command = {.name = "command",
+                            .type = Type::kNumber,
+                            .help = "number of an extended tag: its command value"};
+  Argument required_kind = kind;
+  required_kind.required = true;
+  return {
+      {.name = "tag.show",
+       .summary = "Show the tags, or one of them",
+       .arguments = {kind, command},
+       .run = Show},
+      {.name = "tag.set",
+       .summary = "Set a tag",
+       .effect = Effect::kChanges,
+       .arguments = {required_kind,
+                     {.name = "text",
+                      .help = "the new text; empty to clear the tag",
+                      .required = true,
+                      .positional = true},
+                     command,
+                     kClass10},
+       .secrets = {"password"},
+       .run = Set},
+  };
+}
+
+}  // namespace mira::client

@@ -1,0 +1,152 @@
+#include "console/grammar.h"
+
+#include <algorithm>
+#include <memory>
+
+#include "bytes/text.h"
+#include "client/command.h"
+#include "console/face.h"
+#include "console/input_file.h"
+#include "console/run_command.h"
+#include "console/secrets.h"
+
+namespace mira::console {
+namespace {
+
+// The argument that asks for bytes to be saved; its first choice is the usual one.
+constexpr char kForm[] = "form";
+
+// The parser's places for one command's arguments.
+struct Bound {
+  const client::Argument* argument;
+  CLI::Option* option = nullptr;
+  std::string text = "";
+  std::vector<std::string> texts = {};
+  bool flag = false;
+};
+
+struct Leaf {
+  const client::Command* command = nullptr;
+  std::vector<std::unique_ptr<Bound>> arguments;
+  SecretSlots secrets;
+  std::string file;  // that the document, or its bytes, go to
+};
+
+void Bind(CLI::App& app, Leaf& leaf, const client::Argument& argument) {
+  auto& bound = *leaf.arguments.emplace_back(std::make_unique<Bound>(Bound{&argument}));
+  const std::string option = OptionName(argument.name);
+  const std::string name = argument.positional ? bytes::Upper(option) : "--" + option;
+  switch (argument.type) {
+    case client::Type::kFlag:
+      bound.option = app.add_flag("--" + option, bound.flag, argument.help);
+      return;
+    case client::Type::kTexts:
+      bound.option = app.add_option(name, bound.texts, argument.help);
+      break;
+    default:
+      bound.option = app.add_option(name, bound.text, argument.help);
+      break;
+  }
+  if (argument.required) bound.option->required();
+}
+
+Json ValueOf(Context& context, const Bound& bound) {
+  switch (bound.argument->type) {
+    case client::Type::kFlag:
+      return bound.flag;
+    case client::Type::kTexts:
+      return bound.texts;
+    case client::Type::kContent: {
+      const std::vector<std::uint8_t> content = LoadFileOrInput(context, bound.text);
+      return std::string(content.begin(), content.end());
+    }
+    default:
+      return bound.text;
+  }
+}
+
+ExitStatus RunLeaf(Context& context, const Leaf& leaf) {
+  Json arguments = Json::object();
+  for (const auto& bound : leaf.arguments) {
+    if (bound->option->count() > 0) arguments[bound->argument->name] = ValueOf(context, *bound);
+  }
+  if (!leaf.file.empty() && !arguments.contains(kForm)) {
+    const auto& known = leaf.command->arguments;
+    const auto form = std::find_if(known.begin(), known.end(), [](const client::Argument& a) {
+      return std::string_view(a.name) == kForm;
+    });
+    if (form != known.end()) arguments[kForm] = form->choices.front();
+  }
+  return RunCommand(context, *leaf.command, std::move(arguments), leaf.secrets, leaf.file);
+}
+
+void AddLeaf(CLI::App& app, const client::Command& client_command, Command& command) {
+  auto leaf = std::make_shared<Leaf>();
+  leaf->command = &client_command;
+  for (const client::Argument& argument : client_command.arguments) Bind(app, *leaf, argument);
+  for (const char* const slot : client_command.secrets) {
+    leaf->secrets.push_back(AddSecretSlot(app, slot));
+  }
+  if (const Face* const face = FindFace(client_command.name)) {
+    app.footer(std::string("Examples:\n") + face->examples);
+    if (face->saves != nullptr) {
+      app.add_option("FILE", leaf->file, "the file, or - for standard output")->required();
+    }
+    if (face->save_field != nullptr) app.add_option("--save", leaf->file, face->save_help);
+  }
+  command.Run(app, [leaf](Context& context) { return RunLeaf(context, *leaf); });
+}
+
+// The app for a command's words behind the noun, made where it is missing.
+CLI::App& AppFor(CLI::App& noun, std::string_view words, const client::Command& client_command) {
+  CLI::App* app = &noun;
+  while (!words.empty()) {
+    const std::size_t dot = words.find('.');
+    const std::string word(words.substr(0, dot));
+    words = dot == std::string_view::npos ? "" : words.substr(dot + 1);
+    const auto known =
+        app->get_subcommands([&word](const CLI::App* sub) { return sub->get_name() == word; });
+    app = known.empty() ? app->add_subcommand(word, client_command.summary) : known.front();
+  }
+  return *app;
+}
+
+}  // namespace
+
+std::string OptionName(const std::string& argument) {
+  std::string name;
+  for (const char c : argument) {
+    const bool is_upper = c != bytes::Lower(c);
+    if (is_upper) name += '-';
+    name += bytes::Lower(c);
+  }
+  return name;
+}
+
+void AddClientCommands(CLI::App& app, const std::string& noun, Command& command) {
+  bool has_verbs = false;
+  for (const client::Command& client_command : client::Commands()) {
+    const std::string_view name = client_command.name;
+    if (name == noun) {
+      AddLeaf(app, client_command, command);
+      continue;
+    }
+    if (!name.starts_with(noun + ".")) continue;
+    has_verbs = true;
+    CLI::App& leaf = AppFor(app, name.substr(noun.size() + 1), client_command);
+    AddLeaf(leaf, client_command, command);
+    CLI::App* const group = leaf.get_parent();
+    if (group != &app) group->require_subcommand(0, 1);
+    if (!client_command.is_default) continue;
+    // Without a verb the default one runs.
+    const Action action = [&client_command](Context& context) {
+      return RunCommand(context, client_command, Json::object(), {});
+    };
+    group->callback([group, action, &command] {
+      if (group->get_subcommands().empty()) command.Choose(action);
+    });
+  }
+  if (has_verbs) app.require_subcommand(1);
+}
+
+}  // namespace mira::console

@@ -1,0 +1,82 @@
+#include "console/secrets.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace mira::console {
+namespace {
+
+struct OptionName {
+  const char* slot;
+  const char* option;
+};
+constexpr OptionName kOptionNames[] = {
+    {"password", "password"},
+    {"setup", "admin-password"},
+    {"new", "new-password"},
+    {"value", "value"},
+};
+
+}  // namespace
+
+SecretSlot AddSecretSlot(CLI::App& app, const std::string& slot) {
+  const auto* const found =
+      std::find_if(std::begin(kOptionNames), std::end(kOptionNames),
+                   [&slot](const OptionName& row) { return row.slot == slot; });
+  return {slot, AddSecretOptions(app, found != std::end(kOptionNames) ? found->option : slot)};
+}
+
+ConsoleSecrets::ConsoleSecrets(Context& context, const SecretSlots& slots) : context_(context) {
+  for (const SecretSlot& slot : slots) slots_.push_back({slot, std::nullopt});
+}
+
+const ConsoleSecrets::Slot* ConsoleSecrets::Find(const std::string& slot) const {
+  const auto found = std::find_if(slots_.begin(), slots_.end(),
+                                  [&slot](const Slot& s) { return s.options.name == slot; });
+  return found != slots_.end() ? &*found : nullptr;
+}
+
+bool ConsoleSecrets::IsGiven(const std::string& slot) const {
+  const Slot* const found = Find(slot);
+  return found != nullptr && found->options.source->Given();
+}
+
+bool ConsoleSecrets::CanAsk() const { return context_.IsInteractive(); }
+
+bytes::SecureString ConsoleSecrets::Ask(const std::string& slot, const std::string& purpose) const {
+  context_.ClearProgress();
+  const SecretSource nowhere;
+  bytes::SecureString text = ReadSecret(context_, nowhere, purpose + " : ");
+  const bool is_new = slot == "new" || slot == "value";
+  if (is_new && ReadSecret(context_, nowhere, purpose + " again : ").str() != text.str()) {
+    throw client::Error(kInvalidValue, "not-repeated", "The two texts differ.");
+  }
+  return text;
+}
+
+void ConsoleSecrets::ReadStandardInput(const std::string& purpose) {
+  for (Slot& slot : slots_) {
+    if (!slot.options.source->from_stdin || slot.text) continue;
+    slot.text = ReadSecret(context_, *slot.options.source, purpose + " : ");
+  }
+}
+
+std::optional<bytes::SecureString> ConsoleSecrets::Get(const std::string& slot,
+                                                       const std::string& purpose) {
+  if (!IsGiven(slot)) {
+    if (CanAsk()) return Ask(slot, purpose);
+    return std::nullopt;
+  }
+  auto found = std::find_if(slots_.begin(), slots_.end(),
+                            [&slot](const Slot& s) { return s.options.name == slot; });
+  if (!found->text) {
+    if (found->options.source->from_stdin) {
+      ReadStandardInput(purpose);
+    } else {
+      found->text = ReadSecret(context_, *found->options.source, "");
+    }
+  }
+  return found->text;
+}
+
+}  // namespace mira::console

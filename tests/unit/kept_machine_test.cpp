@@ -1,0 +1,209 @@
+// Machines whose state lies in a file: several programs at a time, programs that are killed, files
+// that cannot be used.
+
+#include "sim/kept_machine.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "sim/kept_file.h"
+#include "tests/support/byte_builder.h"
+
+#if !defined(_WIN32)
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+#endif
+
+namespace mira {
+namespace {
+
+constexpr std::uint16_t kFirstLocation = 0x100;
+constexpr std::uint16_t kTokens = 32;
+
+[[maybe_unused]] sim::Profile ManyTokens() {
+  sim::Profile profile;
+  profile.tokens.clear();
+  for (std::uint16_t i = 0; i < kTokens; ++i) {
+    profile.tokens.push_back({i, static_cast<std::uint16_t>(kFirstLocation + i), 0});
+  }
+  return profile;
+}
+
+// A folder that is gone at the end.
+class Folder {
+ public:
+  Folder() : path_("kept machines " + sim::UniqueText()) {}
+  ~Folder() {
+    std::error_code error;
+    std::filesystem::remove_all(path_, error);
+  }
+  std::filesystem::path File() const { return path_ / "laptop.machine"; }
+  const std::filesystem::path& path() const { return path_; }
+
+ private:
+  std::filesystem::path path_;
+};
+
+// A call on the firmware as a program makes it, with argument words alone.
+std::uint32_t Call(sim::Machine& machine, sim::KeptMachine& kept, std::uint16_t cls,
+                   std::uint16_t select, const std::vector<std::uint32_t>& args) {
+  test::ByteBuilder record;
+  record.U16(cls).U16(select);
+  for (std::size_t i = 0; i < 4; ++i) record.U32(i < args.size() ? args[i] : 0);
+  for (int i = 0; i < 5; ++i) record.U32(0);
+  record.U32(44);
+  std::vector<std::uint8_t> array = record.Done();
+  sim::Faults none;
+  kept.Transact([&] { machine.GetFirmware().Execute(array, none); });
+  bytes::Reader in(array, 20);
+  EXPECT_EQ(in.U32(), 0u);
+  return in.U32();
+}
+
+std::string Content(const std::filesystem::path& file) {
+  std::ifstream in(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
+TEST(KeptMachine, IsOneMachineForAllWhoHaveIt) {
+  const Folder folder;
+  sim::Machine first;
+  sim::Machine second;
+  sim::KeptMachine kept_first(first, folder.File());
+  EXPECT_FALSE(std::filesystem::exists(folder.File())) << "a new machine needs no file";
+  sim::KeptMachine kept_second(second, folder.File());
+  Call(first, kept_first, 1, 0, {0x70, 7});
+  EXPECT_EQ(Call(second, kept_second, 0, 0, {0x70}), 7u);
+  Call(second, kept_second, 1, 0, {0x71, 8});
+  Call(first, kept_first, 1, 0, {0x72, 9});
+  EXPECT_EQ(Call(second, kept_second, 0, 0, {0x72}), 9u);
+  EXPECT_EQ(Call(first, kept_first, 0, 0, {0x71}), 8u) << "nobody's change is lost";
+
+  const std::string before = Content(folder.File());
+  Call(first, kept_first, 0, 0, {0x70});
+  Call(first, kept_first, 1, 0, {0x70, 7});
+  EXPECT_EQ(Content(folder.File()), before) << "what changes nothing writes nothing";
+
+  second.Reboot();
+  EXPECT_EQ(Call(first, kept_first, 0, 1, {0x70}), 7u) << "in force since the other's restart";
+  sim::KeptMachine::Reset(folder.File());
+  EXPECT_EQ(Call(first, kept_first, 0, 0, {0x70}), 1u) << "renewed by another program";
+  EXPECT_EQ(Call(second, kept_second, 0, 0, {0x71}), 0u);
+}
+
+TEST(KeptMachine, TellsWhatIsWrongWithItsFile) {
+  const Folder folder;
+  {
+    sim::Machine machine;
+    sim::KeptMachine kept(machine, folder.File());
+    Call(machine, kept, 1, 0, {0x70, 7});
+    // Another program spoils it: the call fails and the machine stays as it was.
+    std::ofstream(folder.File(), std::ios::binary) << "{\n\"stamp\": 1\n";
+    EXPECT_THROW(Call(machine, kept, 1, 0, {0x70, 8}), sim::StateError);
+    EXPECT_NE(kept.Problem(), "");
+    EXPECT_EQ(Content(folder.File()), "{\n\"stamp\": 1\n") << "nobody's file is overwritten";
+  }
+  sim::Machine machine;
+  EXPECT_THROW(sim::KeptMachine(machine, folder.File()), sim::StateError);
+  sim::KeptMachine::Reset(folder.File());
+  sim::KeptMachine kept(machine, folder.File());
+  Call(machine, kept, 1, 0, {0x70, 7});
+  sim::Machine other(*sim::FindProfile("locked"));
+  EXPECT_THROW(sim::KeptMachine(other, folder.File()), sim::StateError) << "another machine's";
+
+  // Where nothing can be written, nothing is changed.
+  std::filesystem::remove(folder.File());
+  std::filesystem::create_directories(folder.File() / "in the way");
+  EXPECT_THROW(Call(machine, kept, 1, 0, {0x70, 9}), sim::StateError);
+}
+
+#if !defined(_WIN32)
+
+// A program of its own that does `work`, and says whether it went well.
+template <typename Work>
+pid_t Start(Work work) {
+  const pid_t child = fork();
+  if (child != 0) return child;
+  try {
+    work();
+    _exit(0);
+  } catch (...) {
+    _exit(1);
+  }
+}
+
+int StatusOf(pid_t child) {
+  int status = 0;
+  waitpid(child, &status, 0);
+  return status;
+}
+
+TEST(KeptMachine, LosesNoUpdateOfProgramsThatRunTogether) {
+  const Folder folder;
+  constexpr std::uint16_t kPrograms = 4;
+  std::vector<pid_t> programs;
+  for (std::uint16_t program = 0; program < kPrograms; ++program) {
+    programs.push_back(Start([&] {
+      sim::Machine machine(ManyTokens());
+      sim::KeptMachine kept(machine, folder.File());
+      for (std::uint16_t i = program; i < kTokens; i = static_cast<std::uint16_t>(i + kPrograms)) {
+        Call(machine, kept, 1, 0, {kFirstLocation + std::uint32_t{i}, i + 1u});
+      }
+    }));
+  }
+  for (const pid_t program : programs) EXPECT_EQ(StatusOf(program), 0);
+  sim::Machine machine(ManyTokens());
+  sim::KeptMachine kept(machine, folder.File());
+  for (std::uint16_t i = 0; i < kTokens; ++i) {
+    EXPECT_EQ(Call(machine, kept, 0, 0, {kFirstLocation + std::uint32_t{i}}), i + 1u);
+  }
+  struct stat status {};
+  ASSERT_EQ(stat(folder.File().c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777, 0600u);
+}
+
+TEST(KeptMachine, IsOldOrNewAfterAProgramWasKilled) {
+  const char* const wanted = std::getenv("MIRA_TEST_KILLS");
+  const int kills = wanted != nullptr ? std::atoi(wanted) : 200;
+  const Folder folder;
+  sim::Machine machine;
+  sim::KeptMachine kept(machine, folder.File());
+  const auto value = [&] { return Call(machine, kept, 0, 0, {0x70}); };
+  std::uint32_t last = value();
+  for (int i = 0; i < kills; ++i) {
+    const pid_t program = Start([&] {
+      for (;;) Call(machine, kept, 1, 0, {0x70, Call(machine, kept, 0, 0, {0x70}) % 0xFFFF + 1});
+    });
+    // Once it has written, at any moment of its next call.
+    const std::string before = Content(folder.File());
+    for (int wait = 0; wait < 10000 && Content(folder.File()) == before; ++wait) usleep(1000);
+    usleep(static_cast<useconds_t>(i * 7919 % 20000));
+    kill(program, SIGKILL);
+    EXPECT_TRUE(WIFSIGNALED(StatusOf(program)));
+    const std::uint32_t now = value();
+    EXPECT_GT(now, last);
+    last = now;
+  }
+  // What the last one left behind goes with the next program.
+  const auto files = [&] {
+    std::filesystem::directory_iterator begin(folder.path());
+    return std::distance(begin, {});
+  };
+  sim::Machine next;
+  const sim::KeptMachine cleaned(next, folder.File());
+  EXPECT_EQ(files(), 2) << "the machine and its lock";
+}
+
+#endif
+
+}  // namespace
+}  // namespace mira
