@@ -29,9 +29,15 @@ class SafeFile : public testing::Test {
     return std::string(testing::UnitTest::GetInstance()->current_test_info()->name()) +
            std::to_string(testing::UnitTest::GetInstance()->random_seed());
   }
+  // On Windows a file that is just being replaced cannot be opened for a moment: that is waited for.
   static std::string Read(const fs::path& file) {
-    std::ifstream in(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
+    for (int tries = 0; tries < 10'000; ++tries) {
+      std::ifstream in(file, std::ios::binary);
+      if (in) return {std::istreambuf_iterator<char>(in), {}};
+      std::this_thread::yield();
+    }
+    ADD_FAILURE() << "cannot open " << file;
+    return {};
   }
   // The names in the folder: nothing may be left behind.
   std::vector<std::string> Names() const {
