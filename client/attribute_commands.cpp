@@ -12,15 +12,13 @@
 namespace mira::client {
 namespace {
 
-constexpr char kRestartPending[] = "restartPending";
-
 // Puts what the changes say together: whether a restart is pending for one of them.
 void SumUp(Json& document) {
   const auto changes = document.find("changes");
   if (changes == document.end()) return;
-  document[kRestartPending] = std::any_of(changes->begin(), changes->end(), [](const Json& change) {
-    return change.value(kRestartPending, false);
-  });
+  document["restartPending"] =
+      std::any_of(changes->begin(), changes->end(),
+                  [](const Json& change) { return change.value("restartPending", false); });
 }
 
 Json CarryAttributes(Request& request, Plan& plan) {
@@ -108,7 +106,7 @@ Step PlanOne(Request& request, const AttributeWriterPtr& writer, const Assigned&
   }
 }
 
-Json Set(Request& request) {
+Json SetAttributes(Request& request) {
   const auto writer = std::make_shared<AttributeWriter>(request.GetSession());
   Plan plan;
   plan.force = request.Flag("force");
@@ -225,7 +223,7 @@ std::vector<Command> AttributeCommands() {
                       .help = "send the value unchecked: the firmware alone decides"},
                      kClass10},
        .secrets = {"value", "password"},
-       .run = Set},
+       .run = SetAttributes},
       {.name = "attr.reset",
        .summary = "Set attributes to their defaults, but no passwords",
        .effect = Effect::kChanges,

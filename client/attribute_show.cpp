@@ -12,8 +12,6 @@ namespace {
 
 using Texts = Session::Texts;
 
-constexpr char kRestartPending[] = "restartPending";
-
 bool IsNamed(const Json& item, const std::string& part) {
   for (const char* const key : {"name", "suffix", "displayName"}) {
     if (item.contains(key) && bytes::ContainsText(Readable(item[key]), part)) return true;
@@ -43,7 +41,7 @@ Json ListAttributes(Request& request) {
       is_any_read = true;
       if (!IsNamed(item, part)) continue;
       if (request.Flag("changedFromDefault") && !IsOtherThanDefault(item)) continue;
-      if (request.Flag("pending") && !item.at(kRestartPending).get<bool>()) continue;
+      if (request.Flag("pending") && !item.at("restartPending").get<bool>()) continue;
       item.erase("help");
       list.push_back(std::move(item));
     } catch (const Error& error) {
@@ -101,7 +99,7 @@ Json CompareAttributes(Request& request) {
   }
   const std::size_t count = list.size();
   return unread.Finish(
-      {{"differences", std::move(list)}, {kRestartPending, count != 0}, {"pendingCount", count}},
+      {{"differences", std::move(list)}, {"restartPending", count != 0}, {"pendingCount", count}},
       is_any_read);
 }
 

@@ -24,8 +24,6 @@ constexpr Mode kModes[] = {
     {1, "standard"}, {2, "express"}, {3, "mains"}, {4, "adaptive"}, {5, "custom"},
 };
 
-std::string TargetOf(std::uint16_t number) { return "battery " + std::to_string(number); }
-
 std::size_t ListedBatteries(Session& session) {
   constexpr unsigned char kPortableBattery = 22;
   std::size_t count = 0;
@@ -40,7 +38,7 @@ std::size_t ListedBatteries(Session& session) {
 std::vector<BatteryLife> ReadLife(Session& session, std::uint16_t number) {
   CExtBatteryLife data;
   try {
-    Execute(session, kReadLife, data, {.target = TargetOf(number)});
+    Execute(session, kReadLife, data, {.target = BatteryName(number)});
   } catch (const Error&) {
     return {};
   }
@@ -62,7 +60,7 @@ Json DaysJson(const BatteryDays& days) {
   return list;
 }
 
-Json ToJson(const BatteryLife& life) {
+Json LifeJson(const BatteryLife& life) {
   constexpr std::uint64_t kWhole = 100;
   Json json = {{"chargeCycles", life.charge_cycles},
                {"designCapacityMilliwattHours", life.design_capacity},
@@ -75,6 +73,8 @@ Json ToJson(const BatteryLife& life) {
 }
 
 }  // namespace
+
+std::string BatteryName(std::uint16_t number) { return "battery " + std::to_string(number); }
 
 std::string BatteryModeName(std::uint8_t code) {
   const auto* const mode = std::find_if(std::begin(kModes), std::end(kModes),
@@ -114,7 +114,7 @@ BatteryCharging ReadCharging(Session& session, std::uint16_t number) {
   ADV_BATT_CONFIG data;
   data.Command = BATTERY_GET_ADVANCED;
   data.BatteryNumber = number;
-  Execute(session, kRead, data, {.target = TargetOf(number)});
+  Execute(session, kRead, data, {.target = BatteryName(number)});
   return {data.Version, data.ChargingMode, data.StartChargingLimit, data.StopChargingLimit,
           data.DaySchedule};
 }
@@ -123,7 +123,7 @@ BatteryPeakShift ReadPeakShift(Session& session, std::uint16_t number) {
   PEAK_SHIFT_CONFIG data;
   data.Command = BATTERY_GET_PEAK_SHIFT;
   data.BatteryNumber = number;
-  Execute(session, kRead, data, {.target = TargetOf(number)});
+  Execute(session, kRead, data, {.target = BatteryName(number)});
   return {data.Version,          data.Enabled,          data.CurrentThreshold,
           data.MinimumThreshold, data.MaximumThreshold, data.DaySchedule};
 }
@@ -153,7 +153,7 @@ Battery ReadBattery(Session& session, std::uint16_t number) {
   Error unknown(
       kNotFound, "no-battery",
       "The firmware knows no such battery; the machine lists " + std::to_string(listed) + ".",
-      TargetOf(number));
+      BatteryName(number));
   unknown.completion = problem.completion;
   throw std::move(unknown).With("listed", listed);
 }
@@ -183,7 +183,7 @@ Json ToJson(const Battery& battery) {
   json["peakShift"] = battery.peak_shift ? ToJson(*battery.peak_shift) : Json();
   if (battery.peak_shift_problem) json["peakShiftProblem"] = ToJson(*battery.peak_shift_problem);
   Json life = Json::array();
-  for (const BatteryLife& entry : battery.life) life.push_back(ToJson(entry));
+  for (const BatteryLife& entry : battery.life) life.push_back(LifeJson(entry));
   json["life"] = std::move(life);
   return json;
 }

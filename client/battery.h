@@ -19,6 +19,9 @@ namespace mira::client {
 
 using BatteryDays = std::array<std::uint32_t, 7>;  // the firmware's words, Sunday first
 
+// "battery 1"
+std::string BatteryName(std::uint16_t number);
+
 struct BatteryCharging {
   std::uint32_t version = 0;
   std::uint8_t mode = 0;         // a code

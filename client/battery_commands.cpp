@@ -19,7 +19,7 @@ bool Sets(Request& request) {
   return false;
 }
 
-Json Show(Request& request) {
+Json ShowBatteries(Request& request) {
   Session& session = request.GetSession();
   const std::vector<std::uint16_t> numbers = FindBatteries(session, request.Text("battery", "1"));
   Json list = Json::array();
@@ -84,7 +84,7 @@ std::vector<NumberedEdit> FileEdits(Request& request) {
   return wanted;
 }
 
-Json Set(Request& request) {
+Json SetBatteries(Request& request) {
   const bool has_file = request.Has("from");
   if (!has_file && !Sets(request)) {
     throw Error(kUsage, "nothing-to-set", "Nothing to set was given.", "battery");
@@ -126,7 +126,7 @@ std::vector<Command> BatteryCommands() {
       {.name = "battery.show",
        .summary = "Show a battery's configuration and its age",
        .arguments = {battery},
-       .run = Show},
+       .run = ShowBatteries},
       {.name = "battery.set",
        .summary = "Set how a battery is charged",
        .effect = Effect::kChanges,
@@ -144,7 +144,7 @@ std::vector<Command> BatteryCommands() {
             {.name = "from",
              .type = Type::kContent,
              .help = "the configuration in a file, as it was shown in JSON"}},
-       .run = Set},
+       .run = SetBatteries},
   };
 }
 

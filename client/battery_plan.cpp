@@ -13,11 +13,9 @@ constexpr char kAssumption[] =
     "The codes of charging modes and the layout of a day's word are in no standard: they are this "
     "program's reading, and this machine's firmware may read them otherwise.";
 
-constexpr CodeMeaning kMeanings[] = {
+constexpr CodeMeaning kBatteryMeanings[] = {
     {-1, kRefused, "configuration-refused", "The firmware refused the configuration."},
 };
-
-std::string TargetOf(std::uint16_t number) { return "battery " + std::to_string(number); }
 
 std::string Percent(unsigned value) { return std::to_string(value) + "%"; }
 
@@ -30,7 +28,7 @@ void Write(Session& session, std::uint16_t number, const BatteryCharging& chargi
   data.StartChargingLimit = charging.start_limit;
   data.StopChargingLimit = charging.stop_limit;
   data.DaySchedule = charging.days;
-  Execute(session, kWrite, data, {.target = TargetOf(number), .meanings = kMeanings});
+  Execute(session, kWrite, data, {.target = BatteryName(number), .meanings = kBatteryMeanings});
 }
 
 void Write(Session& session, std::uint16_t number, const BatteryPeakShift& peak_shift) {
@@ -43,7 +41,7 @@ void Write(Session& session, std::uint16_t number, const BatteryPeakShift& peak_
   data.MinimumThreshold = peak_shift.lowest_threshold;
   data.MaximumThreshold = peak_shift.highest_threshold;
   data.DaySchedule = peak_shift.days;
-  Execute(session, kWrite, data, {.target = TargetOf(number), .meanings = kMeanings});
+  Execute(session, kWrite, data, {.target = BatteryName(number), .meanings = kBatteryMeanings});
 }
 
 void Edit(const DayEdits& edits, BatteryDays& days) {
@@ -126,7 +124,7 @@ void Check(const BatteryEdit& edit, const BatteryPeakShift& peak_shift, bool,
 template <typename Config>
 Step StepFor(Session& session, Config (*read)(Session&, std::uint16_t), std::uint16_t number,
              const BatteryEdit& edit, bool whole) {
-  const std::string target = TargetOf(number);
+  const std::string target = BatteryName(number);
   const Config before = read(session, number);
   Config after = before;
   Edit(edit, after);

@@ -5,14 +5,14 @@
 namespace mira::client {
 namespace {
 
-Json List(Request& request) {
+Json ListBoot(Request& request) {
   const BootLists lists = ReadBootLists(request.GetSession());
   Json list = Json::array();
   for (const BootList& one : lists.lists) list.push_back(ToJson(one));
   return {{"lists", std::move(list)}, {"complete", lists.complete}};
 }
 
-Json Show(Request& request) {
+Json ShowBoot(Request& request) {
   Session& session = request.GetSession();
   BootLists lists = ReadBootLists(session, request.Text("kind"));
   if (request.Has("list")) {
@@ -25,7 +25,7 @@ Json Show(Request& request) {
   return {{"lists", std::move(shown)}, {"complete", lists.complete}};
 }
 
-Json Order(Request& request) {
+Json SetOrder(Request& request) {
   Plan plan = PlanBootOrder(request.GetSession(), request.Text("list"), request.Texts("order"),
                             request.Flag("force"));
   return request.Carry(plan);
@@ -89,7 +89,7 @@ std::vector<Command> BootCommands() {
   list_option.positional = false;
   list_option.help = "the boot list of the option, where several lists have one like it";
   return {
-      {.name = "boot.list", .summary = "List the boot lists", .run = List},
+      {.name = "boot.list", .summary = "List the boot lists", .run = ListBoot},
       {.name = "boot.show",
        .summary = "Show the options of a list in boot order",
        .arguments = {any_list,
@@ -98,7 +98,7 @@ std::vector<Command> BootCommands() {
                           "what the options are, uefi or legacy, where the list's name does not "
                           "tell",
                       .choices = {"uefi", "legacy"}}},
-       .run = Show},
+       .run = ShowBoot},
       {.name = "boot.order",
        .summary = "Set the order of a list",
        .effect = Effect::kChanges,
@@ -114,7 +114,7 @@ std::vector<Command> BootCommands() {
                       .help = "send the order without checking it"},
                      kClass10},
        .secrets = {"password"},
-       .run = Order},
+       .run = SetOrder},
       {.name = "boot.first",
        .summary = "Put one option in front of the others of its list",
        .effect = Effect::kChanges,

@@ -13,12 +13,12 @@ namespace {
 constexpr callif::Command kWriteOrder = {3, 12};
 constexpr std::uint32_t kKeyArgument = 3;
 
-constexpr CodeMeaning kMeanings[] = {
+constexpr CodeMeaning kOrderMeanings[] = {
     {-1, kRefused, "order-refused",
      "The firmware refused the order. It takes every option of the list exactly once."},
 };
 
-using Order = std::vector<std::uint16_t>;
+using OrderNumbers = std::vector<std::uint16_t>;
 
 std::string OptionNumber(std::uint16_t number) { return "0x" + bytes::HexNumber(number, 4); }
 
@@ -34,7 +34,7 @@ std::string TargetOf(const BootList& list) {
   return "boot order of list " + std::to_string(list.number) + " (" + bytes::Utf8(list.name) + ")";
 }
 
-void WriteOrder(Session& session, const BootList& list, const Order& order, const Key& key) {
+void WriteOrder(Session& session, const BootList& list, const OrderNumbers& order, const Key& key) {
   CUEFILOList data;
   data.ListEnum = list.number;
   data.IsUEFI = list.is_uefi;
@@ -42,10 +42,10 @@ void WriteOrder(Session& session, const BootList& list, const Order& order, cons
   data.Count = static_cast<std::uint32_t>(order.size());
   data.KeyArgIndex = kKeyArgument;
   Execute(session, kWriteOrder, data,
-          {.target = TargetOf(list), .meanings = kMeanings, .key = &key});
+          {.target = TargetOf(list), .meanings = kOrderMeanings, .key = &key});
 }
 
-Plan PlanFor(const BootOptions& present, const Order& order) {
+Plan PlanFor(const BootOptions& present, const OrderNumbers& order) {
   const BootList list = present.list;
   Plan plan;
   plan.subject = ToJson(list);
@@ -125,7 +125,7 @@ Plan PlanBootOrder(Session& session, const std::string& list_text,
 Plan PlanBootFirst(Session& session, const std::string& text, const std::string& list) {
   const Place place = FindOption(session, text, list);
   RequireComplete(place.present);
-  Order order = place.present.order;
+  OrderNumbers order = place.present.order;
   std::erase(order, place.number);
   order.insert(order.begin(), place.number);
   return PlanFor(place.present, order);

@@ -10,13 +10,13 @@
 namespace mira::client {
 namespace {
 
-constexpr std::uint16_t kClass = 10;
+constexpr std::uint16_t kDriveClass = 10;
 constexpr std::uint16_t kListSelect = 11;
 constexpr std::uint16_t kSetupSelect = 12;
-constexpr std::uint16_t kVerifySelect = 13;
-constexpr std::uint16_t kChangeSelect = 14;
+constexpr std::uint16_t kDriveVerify = 13;
+constexpr std::uint16_t kDriveChange = 14;
 
-constexpr CodeMeaning kMeanings[] = {
+constexpr CodeMeaning kDriveMeanings[] = {
     {1, kNotFound, "no-drive", "The firmware knows no such drive."},
     {2, kRefused, "drive-unavailable",
      "The drive's interface is unavailable. After several wrong passwords a drive takes none until "
@@ -31,7 +31,7 @@ constexpr CodeMeaning kMeanings[] = {
 
 std::string HandleText(std::uint8_t handle) { return "0x" + bytes::HexNumber(handle, 2); }
 
-std::string Target(const Drive& drive) {
+std::string DriveTarget(const Drive& drive) {
   return "drive " + HandleText(drive.handle) + " (" + ToUtf8(drive.description) + ")";
 }
 
@@ -48,7 +48,7 @@ Drive FindDrive(Session& session, std::uint64_t handle) {
 }
 
 void Fill(Session& session, const Drive& drive, const DrivePasswords& passwords, CHDDPwd& data) {
-  const bool uses_scan_codes = ReadPasswordState(session, kClass).uses_scan_codes;
+  const bool uses_scan_codes = ReadPasswordState(session, kDriveClass).uses_scan_codes;
   data.HDDHandle = drive.handle;
   data.Password = AsSent(passwords.current, uses_scan_codes).str();
   data.NewPassword = AsSent(passwords.wanted, uses_scan_codes).str();
@@ -56,7 +56,7 @@ void Fill(Session& session, const Drive& drive, const DrivePasswords& passwords,
   data.ATASecurityMode = passwords.security_mode;
 }
 
-bytes::SecureString Ask(Request& request, const char* slot, const char* purpose) {
+bytes::SecureString AskForDrive(Request& request, const char* slot, const char* purpose) {
   auto text = request.Secrets().Get(slot, purpose);
   if (text) return std::move(*text);
   throw Error(kPassword, "password-needed", "A password is needed.").With("slot", slot);
@@ -67,25 +67,25 @@ bytes::SecureString AskForSetup(Request& request, const Drive& drive) {
   if (!request.Secrets().IsGiven("setup") && !WantsSetupPassword(request.GetSession(), drive)) {
     return {};
   }
-  return Ask(request, "setup", "Setup (administrator) password");
+  return AskForDrive(request, "setup", "Setup (administrator) password");
 }
 
-Json List(Request& request) {
+Json ListDrives(Request& request) {
   Json list = Json::array();
   for (const Drive& drive : ReadDrives(request.GetSession())) list.push_back(ToJson(drive));
   return {{"drives", std::move(list)}};
 }
 
-Json Verify(Request& request) {
+Json VerifyDrivePassword(Request& request) {
   const Drive drive = FindDrive(request.GetSession(), request.Number("handle"));
   DrivePasswords passwords;
-  passwords.current = Ask(request, "password", "Drive password");
+  passwords.current = AskForDrive(request, "password", "Drive password");
   passwords.setup = AskForSetup(request, drive);
   VerifyDrivePassword(request.GetSession(), drive, passwords);
   return {{"handle", drive.handle}, {"right", true}};
 }
 
-Json Carry(Request& request, const Drive& drive, const DrivePasswords& passwords) {
+Json CarryDrive(Request& request, const Drive& drive, const DrivePasswords& passwords) {
   Session& session = request.GetSession();
   Plan plan = PlanDrivePassword(session, drive, passwords);
   // A change checks the current password itself; asking beforehand would count a wrong one twice.
@@ -93,29 +93,30 @@ Json Carry(Request& request, const Drive& drive, const DrivePasswords& passwords
   return request.Carry(plan);
 }
 
-Json Set(Request& request) {
+Json SetDrivePassword(Request& request) {
   const Drive drive = FindDrive(request.GetSession(), request.Number("handle"));
   DrivePasswords passwords;
   // Without anybody to ask, no current password means that none is set.
   SecretProvider& secrets = request.Secrets();
   if (secrets.IsGiven("password") || secrets.CanAsk()) {
-    passwords.current = Ask(request, "password", "Current drive password (empty: none is set)");
+    passwords.current =
+        AskForDrive(request, "password", "Current drive password (empty: none is set)");
   }
-  passwords.wanted = Ask(request, "new", "New drive password");
+  passwords.wanted = AskForDrive(request, "new", "New drive password");
   if (passwords.wanted.empty()) {
-    throw Error(kInvalidValue, "empty-password", "The new password is empty.", Target(drive));
+    throw Error(kInvalidValue, "empty-password", "The new password is empty.", DriveTarget(drive));
   }
   passwords.security_mode = static_cast<std::uint32_t>(request.Number("securityMode"));
   passwords.setup = AskForSetup(request, drive);
-  return Carry(request, drive, passwords);
+  return CarryDrive(request, drive, passwords);
 }
 
 Json Clear(Request& request) {
   const Drive drive = FindDrive(request.GetSession(), request.Number("handle"));
   DrivePasswords passwords;
-  passwords.current = Ask(request, "password", "Drive password");
+  passwords.current = AskForDrive(request, "password", "Drive password");
   passwords.setup = AskForSetup(request, drive);
-  return Carry(request, drive, passwords);
+  return CarryDrive(request, drive, passwords);
 }
 
 const Argument kHandle = {.name = "handle",
@@ -129,7 +130,7 @@ const Argument kHandle = {.name = "handle",
 
 std::vector<Drive> ReadDrives(Session& session) {
   CHDDPwd data;
-  Execute(session, {kClass, kListSelect}, data, {.target = "drives"});
+  Execute(session, {kDriveClass, kListSelect}, data, {.target = "drives"});
   std::vector<Drive> drives;
   for (const auto& [handle, description] : data.HDDList) drives.push_back({handle, description});
   return drives;
@@ -143,14 +144,15 @@ bool WantsSetupPassword(Session& session, const Drive& drive) {
   CSimpleTokenData data;
   data.Arg1 = drive.handle;
   const Status status =
-      session.Ready().ExecuteDACI(kClass, kSetupSelect, data, "", PwdInfo::PWD_NONE);
+      session.Ready().ExecuteDACI(kDriveClass, kSetupSelect, data, "", PwdInfo::PWD_NONE);
   return status == STATUS_SUCCESS && data.Res2 != 0;
 }
 
 void VerifyDrivePassword(Session& session, const Drive& drive, const DrivePasswords& passwords) {
   CHDDPwd data;
   Fill(session, drive, passwords, data);
-  Execute(session, {kClass, kVerifySelect}, data, {.target = Target(drive), .meanings = kMeanings});
+  Execute(session, {kDriveClass, kDriveVerify}, data,
+          {.target = DriveTarget(drive), .meanings = kDriveMeanings});
 }
 
 Plan PlanDrivePassword(Session& session, const Drive& drive, const DrivePasswords& passwords) {
@@ -160,27 +162,29 @@ Plan PlanDrivePassword(Session& session, const Drive& drive, const DrivePassword
   plan.needs_key = false;
   plan.subject = {{"handle", drive.handle}};
   plan.steps.push_back(
-      {.changes = {{.target = "password of " + Target(drive),
+      {.changes = {{.target = "password of " + DriveTarget(drive),
                     .before = passwords.current.empty() ? "no password" : "a password",
                     .after = passwords.wanted.empty() ? "no password" : "a new password",
                     .secret = true}},
        // The firmware does not tell whether a drive has a password, and trying one locks out.
        .write = [drive, data](Session& s, const Key&) {
          CHDDPwd request = data;
-         Execute(s, {kClass, kChangeSelect}, request,
-                 {.target = Target(drive), .meanings = kMeanings});
+         Execute(s, {kDriveClass, kDriveChange}, request,
+                 {.target = DriveTarget(drive), .meanings = kDriveMeanings});
        }});
   return plan;
 }
 
 std::vector<Command> DriveCommands() {
   return {
-      {.name = "hdd.list", .summary = "List the drives that can carry a password", .run = List},
+      {.name = "hdd.list",
+       .summary = "List the drives that can carry a password",
+       .run = ListDrives},
       {.name = "hdd.verify",
        .summary = "Ask whether a drive password is right",
        .arguments = {kHandle},
        .secrets = {"password", "setup"},
-       .run = Verify},
+       .run = VerifyDrivePassword},
       {.name = "hdd.set",
        .summary = "Set or change a drive password",
        .effect = Effect::kChanges,
@@ -191,7 +195,7 @@ std::vector<Command> DriveCommands() {
                           "security level of the drive, 0 or 1; counts without a setup password",
                       .max = 1}},
        .secrets = {"password", "setup", "new"},
-       .run = Set},
+       .run = SetDrivePassword},
       {.name = "hdd.clear",
        .summary = "Remove a drive password",
        .effect = Effect::kChanges,

@@ -205,12 +205,12 @@ const Item& FindItem(const std::string& name) {
 }
 
 template <std::size_t I>
-Json Show(Request& request) {
+Json ShowIdentifier(Request& request) {
   return ToJson(ReadIdentifier(request.GetSession(), kItems[I].name));
 }
 
 template <std::size_t I>
-Json Set(Request& request) {
+Json SetIdentifier(Request& request) {
   Plan plan = PlanIdentifier(request.GetSession(), kItems[I].name, request.Text("text"));
   return request.Carry(plan);
 }
@@ -220,7 +220,7 @@ void AddCommands(std::vector<Command>& commands) {
   const Item& item = kItems[I];
   commands.push_back({.name = item.show_command,
                       .summary = item.show_summary,
-                      .run = Show<I>,
+                      .run = ShowIdentifier<I>,
                       .is_default = true});
   commands.push_back(
       {.name = item.set_command,
@@ -228,7 +228,7 @@ void AddCommands(std::vector<Command>& commands) {
        .effect = Effect::kChanges,
        .arguments =
            {{.name = "text", .help = "the new value", .required = true, .positional = true}},
-       .run = Set<I>});
+       .run = SetIdentifier<I>});
 }
 
 template <std::size_t... I>

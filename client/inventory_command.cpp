@@ -6,7 +6,7 @@
 namespace mira::client {
 namespace {
 
-Json Show(Request& request) {
+Json ShowInventory(Request& request) {
   const std::vector<std::uint8_t> table = ReadTable(request);
   const Inventory inventory = ReadInventory(table);
   if (inventory.is_complete) return ToJson(inventory);
@@ -24,7 +24,7 @@ std::vector<Command> InventoryCommands() {
            .arguments = {{.name = "file",
                           .type = Type::kContent,
                           .help = "the machine of a saved SMBIOS table; needs no rights"}},
-           .run = Show}};
+           .run = ShowInventory}};
 }
 
 }  // namespace mira::client

@@ -15,8 +15,8 @@ constexpr const char* kCacheModes[] = {"Write Through", "Write Back", "Varies Wi
                                        "Unknown"};
 constexpr const char* kCacheLocations[] = {"Internal", "External", "Reserved", "Unknown"};
 constexpr const char* kCacheTypes[] = {"Other", "Unknown", "Instruction", "Data", "Unified"};
-constexpr const char* kErrorCorrection[] = {"Other",  "Unknown",        "None",
-                                            "Parity", "Single-bit ECC", "Multi-bit ECC"};
+constexpr const char* kCacheErrorCorrection[] = {"Other",  "Unknown",        "None",
+                                                 "Parity", "Single-bit ECC", "Multi-bit ECC"};
 constexpr const char* kAssociativities[] = {"Other",
                                             "Unknown",
                                             "Direct Mapped",
@@ -126,7 +126,7 @@ CacheInfo ReadCache(const StructureFields& fields) {
   info.installed_size_kib = CacheSize(fields, 0x09, 0x17);
   info.speed_ns = fields.Known(0x0F, 1, {0});
   if (const auto code = fields.Byte(0x10))
-    info.error_correction = NameOf(kErrorCorrection, 1, *code);
+    info.error_correction = NameOf(kCacheErrorCorrection, 1, *code);
   if (const auto code = fields.Byte(0x11)) info.type = NameOf(kCacheTypes, 1, *code);
   if (const auto code = fields.Byte(0x12)) info.associativity = NameOf(kAssociativities, 1, *code);
   return info;

@@ -16,7 +16,7 @@ constexpr std::uint32_t kKeyArgument = 3;
 constexpr std::uint16_t kHighestPlace = 0xFF;
 constexpr char kTarget[] = "legacy boot priorities";
 
-constexpr CodeMeaning kMeanings[] = {
+constexpr CodeMeaning kLegacyMeanings[] = {
     {-1, kRefused, "order-refused",
      "The firmware refused the order. It takes every device exactly once."},
 };
@@ -56,12 +56,13 @@ void Write(Session& session, const LegacyBoot& boot, const Key& key) {
   data.BCVPriority = boot.bcv;
   data.Count = static_cast<std::uint32_t>(boot.ipl.size());
   data.KeyArgIndex = kKeyArgument;
-  Execute(session, kWritePriorities, data, {.target = kTarget, .meanings = kMeanings, .key = &key});
+  Execute(session, kWritePriorities, data,
+          {.target = kTarget, .meanings = kLegacyMeanings, .key = &key});
 }
 
-Json Show(Request& request) { return ToJson(ReadLegacyBoot(request.GetSession())); }
+Json ShowLegacyBoot(Request& request) { return ToJson(ReadLegacyBoot(request.GetSession())); }
 
-Json Set(Request& request) {
+Json SetLegacyBoot(Request& request) {
   if (!request.Has("ipl") && !request.Has("bcv")) {
     throw Error(kUsage, "nothing-to-set", "Nothing to set was given.", kTarget);
   }
@@ -141,7 +142,7 @@ std::vector<Command> LegacyBootCommands() {
   return {
       {.name = "boot.legacy.show",
        .summary = "Show the legacy boot priorities",
-       .run = Show,
+       .run = ShowLegacyBoot,
        .is_default = true},
       {.name = "boot.legacy.set",
        .summary = "Set the legacy boot priorities",
@@ -153,7 +154,7 @@ std::vector<Command> LegacyBootCommands() {
                       .help = "send the orders without checking them"},
                      kClass10},
        .secrets = {"password"},
-       .run = Set},
+       .run = SetLegacyBoot},
   };
 }
 

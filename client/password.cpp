@@ -79,11 +79,11 @@ Json ChangePassword(Request& request) {
   return request.Carry(plan);
 }
 
-const Argument kClass = {.name = "class",
-                         .type = Type::kNumber,
-                         .help = "command class that manages the password: 9, 10 or 12",
-                         .required = true,
-                         .choices = {"9", "10", "12"}};
+const Argument kPasswordClass = {.name = "class",
+                                 .type = Type::kNumber,
+                                 .help = "command class that manages the password: 9, 10 or 12",
+                                 .required = true,
+                                 .choices = {"9", "10", "12"}};
 
 }  // namespace
 
@@ -186,13 +186,13 @@ std::vector<Command> PasswordCommands() {
        .run = ShowStatus},
       {.name = "password.verify",
        .summary = "Ask the firmware whether a password is right",
-       .arguments = {kClass},
+       .arguments = {kPasswordClass},
        .secrets = {"password"},
        .run = Verify},
       {.name = "password.change",
        .summary = "Set, change or remove a password",
        .effect = Effect::kChanges,
-       .arguments = {kClass,
+       .arguments = {kPasswordClass,
                      {.name = "remove", .type = Type::kFlag, .help = "remove the password"}},
        .secrets = {"password", "new"},
        .run = ChangePassword},

@@ -16,7 +16,7 @@ CSimpleTokenData DataOf(const RawCall& call) {
   return data;
 }
 
-std::string Target(const RawCall& call) {
+std::string CallTarget(const RawCall& call) {
   return std::to_string(call.command.cls) + "/" + std::to_string(call.command.select);
 }
 
@@ -33,7 +33,7 @@ Json Run(Request& request) {
   CMiraIntf& mira = session.Ready();
   if (request.WhatIf() && call.command.cls != callif::kUncheckedClass &&
       !IsAnnounced(mira, call.command.cls)) {
-    throw ErrorOf(STATUS_NOT_SUPPORTED, Target(call));
+    throw ErrorOf(STATUS_NOT_SUPPORTED, CallTarget(call));
   }
   Key key;
   // Without a place for a key, only a password that was given is exchanged for one.
@@ -62,7 +62,7 @@ void Make(Session& session, RawCall& call, const Key& key) {
   CSimpleTokenData data = DataOf(call);
   std::optional<Error> error;
   try {
-    Execute(session, call.command, data, {.target = Target(call), .key = &key});
+    Execute(session, call.command, data, {.target = CallTarget(call), .key = &key});
   } catch (const Error& failure) {
     error = failure;
   }

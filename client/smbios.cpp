@@ -79,7 +79,7 @@ Json ToJson(const StructureSelection& selection) {
   return json;
 }
 
-Json Show(Request& request) {
+Json ShowSmbios(Request& request) {
   const StructureSelection selection = SelectionOf(request);
   const std::vector<std::uint8_t> table = ReadTable(request);
   const StructureList list = ReadStructures(table);
@@ -228,7 +228,7 @@ std::vector<Command> SmbiosCommands() {
              .help = "form in which the table is saved: rsmb, as the firmware table "
                      "service gives it, or dump, with an entry point",
              .choices = {"rsmb", "dump"}}},
-       .run = Show}};
+       .run = ShowSmbios}};
 }
 
 }  // namespace mira::client

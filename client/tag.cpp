@@ -19,7 +19,7 @@ struct Kind {
   std::uint16_t write;
   std::size_t longest;  // a longer text is cut; 0: as long as a call can carry
 };
-constexpr Kind kKinds[] = {
+constexpr Kind kTagKinds[] = {
     {"asset", 11, 0, 1, 12},
     {"service", 11, 2, 3, 12},
     {"ownership", kOwnershipClasses[0], 0, 1, 80},
@@ -27,15 +27,15 @@ constexpr Kind kKinds[] = {
 };
 
 const Kind& FindKind(const std::string& name) {
-  const auto* const found = std::find_if(std::begin(kKinds), std::end(kKinds),
+  const auto* const found = std::find_if(std::begin(kTagKinds), std::end(kTagKinds),
                                          [&name](const Kind& kind) { return kind.name == name; });
-  if (found != std::end(kKinds)) return *found;
+  if (found != std::end(kTagKinds)) return *found;
   throw Error(kUsage, "bad-argument", "There is no kind of tag called '" + name + "'.", name);
 }
 
 bool IsExtended(const Kind& kind) { return kind.longest == 0; }
 
-std::string Target(const Kind& kind) { return kind.name + std::string(" tag"); }
+std::string TagTarget(const Kind& kind) { return kind.name + std::string(" tag"); }
 
 std::uint16_t ClassOf(CMiraIntf& mira, const Kind& kind) {
   const bool is_ownership = kind.cls == kOwnershipClasses[0];
@@ -45,10 +45,10 @@ std::uint16_t ClassOf(CMiraIntf& mira, const Kind& kind) {
 // The text as the firmware keeps it.
 std::string Kept(Session& session, const Kind& kind, std::string text) {
   constexpr std::size_t kRecordBesideTag = 49;
-  RequireAscii(text, Target(kind));
+  RequireAscii(text, TagTarget(kind));
   if (IsExtended(kind)) {
     const std::size_t buffer = session.Ready().GetACPIBufSize();
-    RequireLength(text, buffer < kRecordBesideTag ? 0 : buffer - kRecordBesideTag, Target(kind));
+    RequireLength(text, buffer < kRecordBesideTag ? 0 : buffer - kRecordBesideTag, TagTarget(kind));
     return text;
   }
   text = text.substr(0, kind.longest);
@@ -56,14 +56,14 @@ std::string Kept(Session& session, const Kind& kind, std::string text) {
   return kind.cls == kOwnershipClasses[0] ? text.substr(0, text.find_last_not_of(' ') + 1) : text;
 }
 
-std::string Read(Session& session, const Kind& kind, std::uint32_t command) {
+std::string ReadNamed(Session& session, const Kind& kind, std::uint32_t command) {
   CTagData data;
   if (IsExtended(kind)) data.Arg1 = command;
-  Execute(session, {ClassOf(session.Ready(), kind), kind.read}, data, {.target = Target(kind)});
+  Execute(session, {ClassOf(session.Ready(), kind), kind.read}, data, {.target = TagTarget(kind)});
   return data.Tag.substr(0, data.Tag.find('\0'));
 }
 
-Json Show(Request& request) {
+Json ShowTag(Request& request) {
   Session& session = request.GetSession();
   const auto command = static_cast<std::uint32_t>(request.Number("command"));
   std::vector<Tag> tags;
@@ -84,7 +84,7 @@ Json Show(Request& request) {
   return document;
 }
 
-Json Set(Request& request) {
+Json SetTag(Request& request) {
   Plan plan = PlanTag(request.GetSession(), request.Text("kind"), request.Text("text"),
                       static_cast<std::uint32_t>(request.Number("command")));
   return request.Carry(plan);
@@ -95,23 +95,23 @@ Json Set(Request& request) {
 const std::vector<std::string>& TagKinds() {
   static const std::vector<std::string> names = [] {
     std::vector<std::string> list;
-    for (const Kind& kind : kKinds) list.emplace_back(kind.name);
+    for (const Kind& kind : kTagKinds) list.emplace_back(kind.name);
     return list;
   }();
   return names;
 }
 
 Tag ReadTag(Session& session, const std::string& kind, std::uint32_t command) {
-  return {.kind = kind, .command = command, .text = Read(session, FindKind(kind), command)};
+  return {.kind = kind, .command = command, .text = ReadNamed(session, FindKind(kind), command)};
 }
 
 std::vector<Tag> ReadTags(Session& session, std::uint32_t command) {
   session.Ready();
   std::vector<Tag> tags;
-  for (const Kind& kind : kKinds) {
+  for (const Kind& kind : kTagKinds) {
     Tag& tag = tags.emplace_back(Tag{kind.name, command, std::nullopt});
     try {
-      tag.text = Read(session, kind, command);
+      tag.text = ReadNamed(session, kind, command);
     } catch (const Error& error) {
       tag.problem = error;
     }
@@ -124,20 +124,21 @@ Plan PlanTag(Session& session, const std::string& kind_name, const std::string& 
   const Kind& kind = FindKind(kind_name);
   const std::string after = Kept(session, kind, text);
   const auto read = [&kind, command](Session& s) {
-    return std::vector{TextJson(Read(s, kind, command))};
+    return std::vector{TextJson(ReadNamed(s, kind, command))};
   };
   const auto write = [&kind, command, after](Session& s, const Key& key) {
     CTagData data;
     if (IsExtended(kind)) data.Arg1 = command;
     data.Tag = after;
-    Execute(s, {ClassOf(s.Ready(), kind), kind.write}, data, {.target = Target(kind), .key = &key});
+    Execute(s, {ClassOf(s.Ready(), kind), kind.write}, data,
+            {.target = TagTarget(kind), .key = &key});
   };
   Plan plan;
   plan.subject = {{"tag", kind.name}};
   if (IsExtended(kind)) plan.subject["command"] = command;
   plan.subject["cut"] = after.size() < text.size();
   plan.steps.push_back(
-      {.changes = {{.target = Target(kind), .before = read(session).front(), .after = after}},
+      {.changes = {{.target = TagTarget(kind), .before = read(session).front(), .after = after}},
        .read = read,
        .write = write});
   return plan;
@@ -165,7 +166,7 @@ std::vector<Command> TagCommands() {
       {.name = "tag.show",
        .summary = "Show the tags, or one of them",
        .arguments = {kind, command},
-       .run = Show},
+       .run = ShowTag},
       {.name = "tag.set",
        .summary = "Set a tag",
        .effect = Effect::kChanges,
@@ -177,7 +178,7 @@ std::vector<Command> TagCommands() {
                      command,
                      kClass10},
        .secrets = {"password"},
-       .run = Set},
+       .run = SetTag},
   };
 }
 

@@ -7,7 +7,7 @@
 namespace mira::client {
 namespace {
 
-Json Show(Request& request) {
+Json ShowTokens(Request& request) {
   Json list = Json::array();
   for (const Token& token : ReadTokens(request.GetSession())) list.push_back(ToJson(token));
   return {{"tokens", std::move(list)}};
@@ -32,7 +32,7 @@ Json ToJson(const Token& token) {
 }
 
 std::vector<Command> TokenCommands() {
-  return {{.name = "tokens", .summary = "List the calling interface's tokens", .run = Show}};
+  return {{.name = "tokens", .summary = "List the calling interface's tokens", .run = ShowTokens}};
 }
 
 }  // namespace mira::client

@@ -13,8 +13,7 @@ file(GLOB_RECURSE MIRA_CLIENT_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/clie
 add_library(mira_client STATIC ${MIRA_CLIENT_SOURCES})
 target_link_libraries(mira_client PUBLIC mira::api mira_deps PRIVATE mira_quick)
 target_compile_definitions(mira_client PRIVATE MIRA_VERSION="${PROJECT_VERSION}")
-# The two header libraries take most of the time: they are read once for both rooms.
-target_precompile_headers(mira_client PRIVATE <CLI/CLI.hpp> <nlohmann/json.hpp>)
+mira_compile_together(mira_client)
 
 file(GLOB_RECURSE MIRA_CONSOLE_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/console/*.cpp)
 list(FILTER MIRA_CONSOLE_SOURCES EXCLUDE REGEX "/console/main\\.cpp$")
@@ -27,7 +26,7 @@ endif()
 add_library(mira_console STATIC ${MIRA_CONSOLE_SOURCES})
 target_compile_definitions(mira_console PUBLIC MIRA_VERSION="${PROJECT_VERSION}")
 target_link_libraries(mira_console PUBLIC mira_client mira_sim PRIVATE mira_quick)
-target_precompile_headers(mira_console REUSE_FROM mira_client)
+mira_compile_together(mira_console)
 
 add_executable(mira console/main.cpp)
 target_link_libraries(mira PRIVATE mira_console)

@@ -21,6 +21,7 @@
 
 #include "client/error.h"
 #include "client/session.h"
+#include "console/console.h"
 #include "console/exit_status.h"
 #include "console/output.h"
 #include "facade/mira_intf.h"
@@ -166,12 +167,6 @@ Json ErrorJson(const CommandError& error);
 CommandError WithHint(const client::Error& error, const Options& options);
 // "mira", with the options that name the machine.
 std::string ProgramText(const Options& options);
-
-// The program: arguments without the program's name. Gives the exit status. `machines` is the
-// folder that simulated machines are kept in between commands; without one each command gets a new
-// one.
-int RunConsole(const std::vector<std::string>& arguments, std::istream& in, std::ostream& out,
-               std::ostream& err, const std::filesystem::path& machines = {});
 
 }  // namespace mira::console
 

@@ -5,7 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "console/command.h"
+#include "bytes/utf16.h"
+#include "console/console.h"
 #include "platform/com.h"
 
 #if defined(_WIN32)
@@ -22,7 +23,7 @@ std::vector<std::string> Arguments(int, char**) {
   wchar_t** const wide = CommandLineToArgvW(GetCommandLineW(), &count);
   std::vector<std::string> arguments;
   for (int i = 1; i < count; ++i) {
-    arguments.push_back(mira::console::ToUtf8(std::wstring_view(wide[i])));
+    arguments.push_back(mira::bytes::Utf8(std::wstring_view(wide[i])));
   }
   LocalFree(wide);
   return arguments;

@@ -6,11 +6,11 @@
 namespace mira::console {
 namespace {
 
-struct OptionName {
+struct SlotOption {
   const char* slot;
   const char* option;
 };
-constexpr OptionName kOptionNames[] = {
+constexpr SlotOption kSlotOptions[] = {
     {"password", "password"},
     {"setup", "admin-password"},
     {"new", "new-password"},
@@ -21,9 +21,9 @@ constexpr OptionName kOptionNames[] = {
 
 SecretSlot AddSecretSlot(CLI::App& app, const std::string& slot) {
   const auto* const found =
-      std::find_if(std::begin(kOptionNames), std::end(kOptionNames),
-                   [&slot](const OptionName& row) { return row.slot == slot; });
-  return {slot, AddSecretOptions(app, found != std::end(kOptionNames) ? found->option : slot)};
+      std::find_if(std::begin(kSlotOptions), std::end(kSlotOptions),
+                   [&slot](const SlotOption& row) { return row.slot == slot; });
+  return {slot, AddSecretOptions(app, found != std::end(kSlotOptions) ? found->option : slot)};
 }
 
 ConsoleSecrets::ConsoleSecrets(Context& context, const SecretSlots& slots) : context_(context) {

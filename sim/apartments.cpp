@@ -6,7 +6,6 @@
 namespace mira::sim {
 namespace {
 
-constexpr HRESULT kNotInitialized = static_cast<HRESULT>(0x800401F0U);
 constexpr HRESULT kWrongThread = static_cast<HRESULT>(0x8001010EU);
 constexpr HRESULT kDisconnected = static_cast<HRESULT>(0x80010108U);
 

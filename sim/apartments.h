@@ -18,6 +18,9 @@
 
 namespace mira::sim {
 
+inline constexpr HRESULT kNotInitialized =
+    static_cast<HRESULT>(0x800401F0U);  // CO_E_NOTINITIALIZED
+
 struct Apartment {
   bool has_ended = false;
   int references = 0;  // to objects that were made in it

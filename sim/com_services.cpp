@@ -12,7 +12,6 @@ namespace {
 constexpr DWORD kSingleThreaded = 2;
 constexpr DWORD kWithoutOle1Dde = 4;
 constexpr DWORD kSpeedOverMemory = 8;
-constexpr HRESULT kNotInitialized = static_cast<HRESULT>(0x800401F0U);
 constexpr HRESULT kNoAggregation = static_cast<HRESULT>(0x80040110U);
 
 bool HasCom(State& state, std::string_view operation) {

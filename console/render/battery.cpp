@@ -61,7 +61,7 @@ void WriteDays(const Json* charging, const Json* peak_shift, std::ostream& out) 
   if (rows[0].size() > 1) WriteTable(out, rows);
 }
 
-void Show(const Json& document, std::ostream& out) {
+void ShowBatteries(const Json& document, std::ostream& out) {
   const char* separator = "";
   for (const Json& battery : document.at("batteries")) {
     out << separator;
@@ -84,7 +84,7 @@ void Show(const Json& document, std::ostream& out) {
 std::vector<Face> BatteryFaces() {
   return {
       {"battery.show", "  mira --sim battery show\n  mira --sim battery show --battery all --json",
-       Show},
+       ShowBatteries},
       {"battery.set",
        "  mira --sim battery set --mode custom --start 60 --stop 85 --what-if\n"
        "  mira --sim battery set --peak-shift on --peak-day mon-fri=08:00-17:30,21:00 "

@@ -75,7 +75,7 @@ void WriteOption(const Json& option, std::ostream& out) {
   }
 }
 
-void Show(const Json& document, std::ostream& out) {
+void ShowBoot(const Json& document, std::ostream& out) {
   const Json& lists = document.at("lists");
   if (lists.empty() && document.at("complete") == true) out << "(none)\n";
   const char* separator = "";
@@ -174,7 +174,7 @@ void Encoded(const Json& document, std::ostream& out) {
 std::vector<Face> BootFaces() {
   return {
       {"boot.list", "  mira --sim boot list --json", List},
-      {"boot.show", "  mira --sim boot show\n  mira --sim boot show 'UEFI Boot' --json", Show},
+      {"boot.show", "  mira --sim boot show\n  mira --sim boot show 'UEFI Boot' --json", ShowBoot},
       {"boot.order",
        "  mira --sim boot order 0 3,2,1,0 --what-if\n"
        "  mira --sim boot order 0 0x0002,0x0000,0x0003,0x0001 --yes\n"

@@ -14,7 +14,7 @@ void ShowRequest(const Json& document, std::ostream& out) {
   out << "The call was not made.\n";
 }
 
-void Show(const Json& document, std::ostream& out) {
+void ShowCall(const Json& document, std::ostream& out) {
   out << "class " << document.at("class").get<unsigned>() << " select "
       << document.at("select").get<unsigned>() << '\n';
   if (document.contains("whatIf")) return ShowRequest(document, out);
@@ -34,7 +34,7 @@ std::vector<Face> CallFaces() {
            "  mira --sim=locked call 1 0 --arg1 0x70 --arg2 1 --key-arg 3 --password-env SETUP_PW\n"
            "Numbers are decimal, or hexadecimal with 0x. The call is made as it stands, without\n"
            "asking: --what-if shows it instead.",
-           Show}};
+           ShowCall}};
 }
 
 }  // namespace mira::console

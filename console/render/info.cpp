@@ -5,7 +5,7 @@
 namespace mira::console {
 namespace {
 
-void Show(const Json& document, std::ostream& out) {
+void ShowInfo(const Json& document, std::ostream& out) {
   out << "mira " << client::Readable(document.at("version"));
   if (document.contains("profile")) {
     out << ", on the simulated machine '" << Escaped(client::Readable(document["profile"])) << "'";
@@ -58,7 +58,7 @@ std::vector<Face> InfoFaces() {
   return {{"info",
            "  mira info\n  mira --sim=no-calling-interface info --json\n"
            "Ends with the exit status that fits what Init said: 0 when calls can be made.",
-           Show}};
+           ShowInfo}};
 }
 
 }  // namespace mira::console

@@ -234,7 +234,7 @@ void WriteRest(std::ostream& out, const Json& document) {
   for (const Json& text : strings) out << "  " << Escaped(Plain(text)) << '\n';
 }
 
-void Show(const Json& document, std::ostream& out) {
+void ShowInventory(const Json& document, std::ostream& out) {
   const Json system = document.value("system", Json::object());
   const std::string maker = Shown(system, {"", "manufacturer"});
   const std::string product = Shown(system, {"", "productName"});
@@ -291,7 +291,7 @@ std::vector<Face> InventoryFaces() {
   return {{.command = "inventory",
            .examples = "  mira inventory\n  mira --sim inventory --json\n"
                        "  mira inventory --file pc.rsmb",
-           .render = Show}};
+           .render = ShowInventory}};
 }
 
 }  // namespace mira::console

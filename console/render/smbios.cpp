@@ -15,7 +15,7 @@ void WriteAttributes(const Json& structure, std::ostream& out) {
   }
 }
 
-void Show(const Json& document, std::ostream& out) {
+void ShowSmbios(const Json& document, std::ostream& out) {
   const Json& structures = document.at("structures");
   const bool is_saved = document.contains("savedTo");
   if (is_saved) {
@@ -54,7 +54,7 @@ std::vector<Face> SmbiosFaces() {
                        "table, and\n"
                        "hexadecimal text of these. 'dmidecode --from-dump' reads what "
                        "--form=dump saves.",
-           .render = Show,
+           .render = ShowSmbios,
            .save_field = "table",
            .save_help = "save the table to a file; shows structures only when asked for some"}};
 }

@@ -3,7 +3,7 @@
 namespace mira::console {
 namespace {
 
-void Show(const Json& document, std::ostream& out) {
+void ShowTag(const Json& document, std::ostream& out) {
   Rows rows;
   for (const Json& tag : document.at("tags")) {
     const std::string name = client::Readable(tag.at("tag")) + " tag";
@@ -18,7 +18,7 @@ void Show(const Json& document, std::ostream& out) {
 
 std::vector<Face> TagFaces() {
   return {
-      {"tag.show", "  mira tag show\n  mira --sim tag show extended --command 0 --json", Show},
+      {"tag.show", "  mira tag show\n  mira --sim tag show extended --command 0 --json", ShowTag},
       {"tag.set",
        "  mira --sim tag set extended \"Desk 14\" --what-if\n  mira tag set asset NF-004712\n"
        "  mira --sim=locked tag set ownership \"Reading room\" --password-env SETUP_PW --yes\n"

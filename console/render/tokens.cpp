@@ -3,7 +3,7 @@
 namespace mira::console {
 namespace {
 
-void Show(const Json& document, std::ostream& out) {
+void ShowTokens(const Json& document, std::ostream& out) {
   Rows rows;
   for (const Json& token : document.at("tokens")) {
     rows.push_back({Hex(token.at("id").get<unsigned>(), 4),
@@ -20,7 +20,7 @@ void Show(const Json& document, std::ostream& out) {
 }  // namespace
 
 std::vector<Face> TokenFaces() {
-  return {{"tokens", "  mira tokens\n  mira --sim tokens --json", Show}};
+  return {{"tokens", "  mira tokens\n  mira --sim tokens --json", ShowTokens}};
 }
 
 }  // namespace mira::console

@@ -11,7 +11,7 @@ namespace {
 // Function-specific completion codes; what they mean depends on the select.
 constexpr std::int32_t kWrongConfigurationKey = 1;
 constexpr std::int32_t kNobodyAuthenticated = 1;
-constexpr std::int32_t kWrongPassword = 2;
+constexpr std::int32_t kWrongPreBootPassword = 2;
 constexpr std::int32_t kNoRoom = 2;
 constexpr std::int32_t kNoSuchUser = 2;
 constexpr std::int32_t kNotWithThisMethod = 2;
@@ -151,7 +151,7 @@ void PreBootUsers::HandOutConfigurationKey(Call& call) {
   if (!text) return call.Complete(kBadFormat);
   if (!password.IsInstalled()) return call.Complete(kNoPasswordSet);
   if (password.Verify(*text) != StoredPassword::Check::kRight) {
-    return call.Complete(kWrongPassword);
+    return call.Complete(kWrongPreBootPassword);
   }
   call.HandOutKey(security_->Key(Security::kPreBootConfiguration));
 }

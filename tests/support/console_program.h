@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "console/command.h"
+#include "console/console.h"
 
 namespace mira::test {
 
