@@ -4,7 +4,7 @@
 set -euo pipefail
 
 declare -A packages=(
-  [native]="g++ lld cmake ninja-build git python3 python3-jsonschema googletest libcli11-dev nlohmann-json3-dev"
+  [native]="g++ lld dmidecode cmake ninja-build git python3 python3-jsonschema googletest libcli11-dev nlohmann-json3-dev"
   [windows]="g++-mingw-w64-i686-posix cmake ninja-build git googletest libcli11-dev nlohmann-json3-dev wine wine32:i386"
   [bench]="g++ cmake ninja-build git libbenchmark-dev"
   [fuzz]="clang libclang-rt-14-dev cmake ninja-build git"
