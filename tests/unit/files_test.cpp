@@ -29,7 +29,8 @@ class SafeFile : public testing::Test {
     return std::string(testing::UnitTest::GetInstance()->current_test_info()->name()) +
            std::to_string(testing::UnitTest::GetInstance()->random_seed());
   }
-  // On Windows a file that is just being replaced cannot be opened for a moment: that is waited for.
+  // On Windows a file that is just being replaced cannot be opened for a moment: that is waited
+  // for.
   static std::string Read(const fs::path& file) {
     for (int tries = 0; tries < 10'000; ++tries) {
       std::ifstream in(file, std::ios::binary);
