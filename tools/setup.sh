@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that a task needs, and nothing that is there already.
-# Usage: tools/setup.sh native|windows|bench|fuzz|format|check ...
+# Usage: tools/setup.sh native|windows|windows64|bench|fuzz|format|check ...
 set -euo pipefail
 
 declare -A packages=(
   [native]="g++ lld dmidecode cmake ninja-build git python3 python3-jsonschema googletest libcli11-dev nlohmann-json3-dev"
   [windows]="g++-mingw-w64-i686-posix cmake ninja-build git googletest libcli11-dev nlohmann-json3-dev wine wine32:i386"
+  [windows64]="g++-mingw-w64-x86-64-posix cmake ninja-build git googletest libcli11-dev nlohmann-json3-dev wine wine64"
   [bench]="g++ cmake ninja-build git libbenchmark-dev"
   [fuzz]="clang libclang-rt-14-dev cmake ninja-build git"
   [format]="clang-format git"

@@ -13,6 +13,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <string_view>
 
 #include "platform/com.h"
 
@@ -63,7 +64,15 @@ std::string Demangle(const std::string& name) {
   int status = 0;
   const std::unique_ptr<char, void (*)(void*)> text(
       abi::__cxa_demangle(name.c_str(), nullptr, nullptr, &status), std::free);
-  return status == 0 ? text.get() : name;
+  if (status != 0) return name;
+  // The one number in the names that depends on the pointer's size.
+  std::string demangled = text.get();
+  for (const std::string_view extent : {"4294967295u", "18446744073709551615ull"}) {
+    for (std::size_t at = 0; (at = demangled.find(extent, at)) != std::string::npos;) {
+      demangled.replace(at, extent.size(), "std::dynamic_extent");
+    }
+  }
+  return demangled;
 }
 
 // Of a class, the virtual table, the type information and the inline copies that the compiler makes
