@@ -33,6 +33,13 @@ add_custom_command(OUTPUT header_examples.cpp
     tests/examples/context.h ${CMAKE_SOURCE_DIR}/src ${CMAKE_SOURCE_DIR} -- ${MIRA_EXAMPLE_HEADERS} ${MIRA_SIM_HEADERS}
   DEPENDS ${CMAKE_SOURCE_DIR}/tools/header_examples.py ${CMAKE_SOURCE_DIR}/cmake/public_headers.txt ${MIRA_EXAMPLE_FILES}
   VERBATIM)
+# The guide's recipes are compiled and run.
+set(MIRA_HOST_GUIDE ${CMAKE_SOURCE_DIR}/docs/host-guide.md)
+add_custom_command(OUTPUT guide_recipes.cpp
+  COMMAND Python3::Interpreter ${CMAKE_SOURCE_DIR}/tools/guide_recipes.py guide_recipes.cpp ${MIRA_HOST_GUIDE}
+  DEPENDS ${CMAKE_SOURCE_DIR}/tools/guide_recipes.py ${MIRA_HOST_GUIDE} VERBATIM)
+target_sources(mira_api_tests PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/guide_recipes.cpp)
+
 add_library(mira_header_examples OBJECT ${CMAKE_CURRENT_BINARY_DIR}/header_examples.cpp)
 target_link_libraries(mira_header_examples PRIVATE mira::api mira_sim mira_quick)
 if(NOT MSVC)
