@@ -99,8 +99,8 @@ PortableBattery ReadPortableBattery(const StructureFields& fields) {
 
 TpmInfo ReadTpm(const StructureFields& fields) {
   TpmInfo info;
-  bytes::Reader vendor(fields.Bytes(0x04, 4));
-  if (const std::string_view text = vendor.FixedText(4); !text.empty()) info.vendor = text;
+  const std::string_view vendor = bytes::FixedText(bytes::AsText(fields.Bytes(0x04, 4)));
+  if (!vendor.empty()) info.vendor = vendor;
   const auto major = fields.Byte(0x08);
   const auto minor = fields.Byte(0x09);
   if (major && minor) info.spec_version = Format("%u.%u", unsigned{*major}, unsigned{*minor});

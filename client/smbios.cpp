@@ -176,7 +176,7 @@ void WriteDump(ByteSpan structure, const std::function<std::string(std::string_v
   std::vector<std::uint8_t> copy(formatted.begin(), formatted.end());
   MakePrintable(copy);
   bytes::Reader strings(structure.subspan(formatted.size()));
-  while (strings.Left() > 0 && strings.Ok()) {
+  while (strings.Ok() && strings.Left() > 0) {
     const std::string text = shown(strings.CString());
     copy.insert(copy.end(), text.begin(), text.end());
     copy.push_back(0);

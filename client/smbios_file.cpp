@@ -159,8 +159,8 @@ Bytes TableFromFile(ByteSpan file) {
   // Byte 1 of the firmware table is the major version, of a bare table the length of the first
   // structure, which is at least 4.
   constexpr std::uint8_t kShortestStructure = 4;
-  bytes::Reader length(file, kLengthOffset);
-  if (file[1] < kShortestStructure || length.U32() == file.size() - kHeaderSize) {
+  const std::uint64_t length = bytes::LittleEndian(bytes::Slice(file, kLengthOffset, 4));
+  if (file[1] < kShortestStructure || length == file.size() - kHeaderSize) {
     if (!LooksLikeTable(bytes::Slice(file, kHeaderSize))) return {};
     Bytes table(file.begin(), file.end());
     const SmbiosVersion version = RealVersion(table[1], table[2]);

@@ -46,7 +46,7 @@ class StructureFields {
   std::optional<std::uint64_t> QWord(std::size_t offset) const { return Number(offset, 8); }
   // Empty beyond the length.
   bytes::ByteSpan Bytes(std::size_t offset, std::size_t size) const {
-    return bytes::Reader(formatted_, offset).Take(size);
+    return bytes::Reader::Lenient(formatted_, offset).Take(size);
   }
   // A number that the standard calls unknown when it is one of `unknown`.
   std::optional<std::uint64_t> Known(std::size_t offset, std::size_t width,

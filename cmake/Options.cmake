@@ -63,6 +63,6 @@ endfunction()
 
 if(MIRA_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
-  add_compile_definitions(_GLIBCXX_ASSERTIONS)
+  add_compile_definitions(_GLIBCXX_ASSERTIONS MIRA_CHECKED)
   add_link_options(-fsanitize=address,undefined)
 endif()

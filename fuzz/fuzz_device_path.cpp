@@ -37,7 +37,9 @@ void Answer(std::uint16_t select, ByteSpan answer, IBIOSData& request) {
   auto size = static_cast<std::uint32_t>(answer.size());
   if (buffer->FillInputBuffer(0, size, request) == nullptr) return;
   const auto record = buffer->Record();
-  mira::bytes::Writer(record, 44).Bytes(mira::bytes::Slice(answer, 0, record.size() - 44));
+  mira::bytes::Writer area(record, 44);
+  area.Bytes(mira::bytes::Slice(answer, 0, record.size() - 44));
+  if (!area.Ok()) std::abort();
   buffer->ParseOutputBuffer(request);
   std::ostringstream shown;
   std::streambuf* const before = std::cout.rdbuf(shown.rdbuf());
@@ -62,7 +64,7 @@ void Options(ByteSpan bytes) {
 }
 
 void Priorities(ByteSpan bytes) {
-  mira::bytes::Reader in(bytes);
+  auto in = mira::bytes::Reader::Lenient(bytes);
   CLegacyBBSIPLPriority data;
   data.MaxDevices = in.U8();
   data.EntryLength = in.U8();

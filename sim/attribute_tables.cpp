@@ -3,12 +3,12 @@
 #include <array>
 #include <numeric>
 
+#include "bytes/writer.h"
+
 namespace mira::sim {
 
 BiosTable& BiosTable::Number(std::uint64_t value, unsigned width) {
-  for (unsigned i = 0; i < width; ++i) {
-    entries_.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
-  }
+  bytes::Append(entries_, value, width);
   return *this;
 }
 

@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "bytes/reader.h"
+#include "bytes/writer.h"
 #include "sim/device_path_builder.h"
 
 namespace mira::sim {
@@ -31,14 +32,13 @@ constexpr std::uint16_t kEnabledWithMedia = 0x0900;
 std::vector<std::uint8_t> LegacyDevice(std::uint16_t device_type, std::uint16_t status_flags,
                                        const std::string& description) {
   constexpr std::uint8_t kBootSpecification = 5;
-  std::vector<std::uint8_t> bytes = {kBootSpecification, 1};
+  std::vector<std::uint8_t> device = {kBootSpecification, 1};
   for (const std::uint16_t word : {device_type, status_flags}) {
-    bytes.push_back(static_cast<std::uint8_t>(word));
-    bytes.push_back(static_cast<std::uint8_t>(word >> 8));
+    bytes::Append(device, word, sizeof(word));
   }
-  bytes.insert(bytes.end(), description.begin(), description.end());
-  bytes.push_back(0);
-  return bytes;
+  device.insert(device.end(), description.begin(), description.end());
+  device.push_back(0);
+  return device;
 }
 
 std::vector<BootList> LaptopBootLists() {

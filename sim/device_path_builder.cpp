@@ -2,6 +2,9 @@
 
 #include <string>
 
+#include "bytes/text.h"
+#include "bytes/writer.h"
+
 namespace mira::sim {
 namespace {
 
@@ -26,7 +29,7 @@ void DevicePath::CloseNode() {
 }
 
 DevicePath& DevicePath::Number(std::uint64_t value, unsigned width) {
-  for (unsigned i = 0; i < width; ++i) path_.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
+  bytes::Append(path_, value, width);
   return *this;
 }
 
@@ -43,7 +46,7 @@ DevicePath& DevicePath::GuidBytes(Guid guid) {
   };
   constexpr Group kGroups[] = {{8, true}, {4, true}, {4, true}, {4, false}, {12, false}};
   for (const Group& group : kGroups) {
-    const std::uint64_t value = std::stoull(std::string(guid.substr(0, group.digits)), nullptr, 16);
+    const std::uint64_t value = bytes::ParseDigits(guid.substr(0, group.digits), 16).value();
     const auto width = static_cast<unsigned>(group.digits / 2);
     for (unsigned i = 0; i < width; ++i) {
       Number(value >> (8 * (group.is_number ? i : width - 1 - i)), 1);
@@ -159,13 +162,12 @@ std::vector<std::uint8_t> DevicePath::Finish() {
 }
 
 std::vector<std::uint8_t> Utf16Bytes(std::u16string_view text) {
-  std::vector<std::uint8_t> bytes;
+  std::vector<std::uint8_t> units;
   for (const char16_t c : text) {
-    bytes.push_back(static_cast<std::uint8_t>(c));
-    bytes.push_back(static_cast<std::uint8_t>(c >> 8));
+    bytes::Append(units, c, sizeof(c));
   }
-  bytes.insert(bytes.end(), 2, 0);
-  return bytes;
+  bytes::Append(units, 0, sizeof(char16_t));
+  return units;
 }
 
 }  // namespace mira::sim

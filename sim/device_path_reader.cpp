@@ -1,10 +1,12 @@
 #include "sim/device_path_reader.h"
 
 #include <algorithm>
-#include <charconv>
+#include <limits>
 #include <optional>
 #include <string>
+#include <utility>
 
+#include "bytes/text.h"
 #include "sim/device_path_builder.h"
 #include "sim/state_document.h"
 
@@ -25,27 +27,19 @@ class Arguments {
   }
   template <typename T>
   T Number() {
-    std::string_view text = Text();
-    const bool is_hex = text.starts_with("0x") || text.starts_with("0X");
-    if (is_hex) text.remove_prefix(2);
-    T value{};
-    const auto [end, error] =
-        std::from_chars(text.data(), text.data() + text.size(), value, is_hex ? 16 : 10);
-    if (error != std::errc() || end != text.data() + text.size()) Fail("has no such number");
-    return value;
+    const auto value = bytes::ParseNumber(Text(), std::numeric_limits<T>::max());
+    if (!value) Fail("has no such number");
+    return static_cast<T>(*value);
   }
   // Pairs of hexadecimal digits; '-' between them is passed over.
   std::vector<std::uint8_t> Bytes() {
     if (!rest_) return {};
     std::string digits(Text());
     std::erase(digits, '-');
-    std::vector<std::uint8_t> bytes(digits.size() / 2);
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
-      const char* const pair = digits.data() + 2 * i;
-      if (std::from_chars(pair, pair + 2, bytes[i], 16).ptr != pair + 2) Fail("has no such bytes");
-    }
     if (digits.size() % 2 != 0) Fail("has half a byte");
-    return bytes;
+    auto bytes = bytes::ParseHexText(digits);
+    if (!bytes) Fail("has no such bytes");
+    return *std::move(bytes);
   }
   template <std::size_t kSize>
   std::array<std::uint8_t, kSize> Bytes() {
@@ -57,18 +51,24 @@ class Arguments {
   }
   std::string_view Guid() {
     const std::string_view guid = Text();
-    if (guid.size() != 36) Fail("has no GUID");
+    std::string digits(guid);
+    std::erase(digits, '-');
+    if (guid.size() != 36 || digits.size() != 32 || !bytes::ParseHexText(digits)) {
+      Fail("has no GUID");
+    }
     return guid;
   }
   Ipv4 Address() {
-    std::string text(Text());
+    std::string_view text = Text();
     Ipv4 address{};
-    const char* at = text.c_str();
     for (std::uint8_t& part : address) {
-      const auto [end, error] = std::from_chars(at, text.c_str() + text.size(), part);
-      if (error != std::errc()) Fail("has no such address");
-      at = *end == '.' ? end + 1 : end;
+      const std::size_t end = std::min(text.find('.'), text.size());
+      const auto number = bytes::ParseDigits(text.substr(0, end), 10, 255);
+      if (!number) Fail("has no such address");
+      part = static_cast<std::uint8_t>(*number);
+      text.remove_prefix(std::min(end + 1, text.size()));
     }
+    if (!text.empty()) Fail("has no such address");
     return address;
   }
   void End() const {

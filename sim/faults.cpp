@@ -1,11 +1,12 @@
 #include "sim/faults.h"
 
 #include <algorithm>
-#include <cctype>
 #include <iterator>
 #include <stdexcept>
 #include <thread>
 #include <utility>
+
+#include "bytes/text.h"
 
 namespace mira::sim {
 namespace {
@@ -47,10 +48,7 @@ constexpr std::string_view kOperations[] = {
     "firmware",
 };
 
-bool IsNumber(std::string_view text) {
-  return !text.empty() && std::all_of(text.begin(), text.end(),
-                                      [](unsigned char c) { return std::isdigit(c) != 0; });
-}
+bool IsNumber(std::string_view text) { return bytes::ParseDigits(text, 10).has_value(); }
 
 bool IsKnown(std::string_view operation) {
   if (std::find(std::begin(kOperations), std::end(kOperations), operation) !=

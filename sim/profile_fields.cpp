@@ -1,8 +1,9 @@
 #include "sim/profile_fields.h"
 
-#include <charconv>
+#include <limits>
 #include <string>
 
+#include "bytes/text.h"
 #include "sim/device_path_reader.h"
 
 namespace mira::sim {
@@ -175,10 +176,9 @@ void DescribeIdentity(Fields& f, Profile& p) {
       f, "extendedTags", p.extended_tags,
       [](std::uint32_t number) { return std::to_string(number); },
       [&f](const std::string& text) {
-        std::uint32_t number = 0;
-        const char* const end = text.data() + text.size();
-        f.Require(std::from_chars(text.data(), end, number).ptr == end, "tags have numbers");
-        return number;
+        const auto number = bytes::ParseDigits(text, 10, std::numeric_limits<std::uint32_t>::max());
+        f.Require(number.has_value(), "tags have numbers");
+        return static_cast<std::uint32_t>(number.value_or(0));
       });
   f("imageServer", p.image_server)("macAddress", p.mac_address)("eppid", p.eppid);
   f("thinClient", p.thin_client)("biosVersion", p.bios_version)("biosDate", p.bios_date);

@@ -4,6 +4,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "bytes/reader.h"
 #include "sim/firmware/attributes.h"
 #include "sim/profile_fields.h"
 #include "sim/smbios_builder.h"
@@ -60,38 +61,107 @@ Structure Build(const StructureText& text) {
   return structure;
 }
 
-// The structures of a table that the builder has made, less those of some types.
-std::vector<std::uint8_t> Without(const std::vector<std::uint8_t>& table,
-                                  const std::vector<std::uint8_t>& types) {
-  std::vector<std::uint8_t> rest;
+using Bytes = std::vector<std::uint8_t>;
+
+constexpr std::uint8_t kEndOfTable = 127;
+
+// The structures of a table with their strings; of a damaged one pieces that make it up.
+std::vector<Bytes> Split(const Bytes& table) {
+  std::vector<Bytes> structures;
   for (std::size_t at = kTableHeader; at + 4 <= table.size();) {
-    std::size_t end = at + table[at + 1];
+    std::size_t end = at + std::max<std::size_t>(table[at + 1], 4);
     while (end + 2 <= table.size() && (table[end] != 0 || table[end + 1] != 0)) ++end;
     end = std::min(end + 2, table.size());
-    if (std::find(types.begin(), types.end(), table[at]) == types.end()) {
-      rest.insert(rest.end(), table.begin() + static_cast<std::ptrdiff_t>(at),
-                  table.begin() + static_cast<std::ptrdiff_t>(end));
-    }
+    structures.emplace_back(table.begin() + static_cast<std::ptrdiff_t>(at),
+                            table.begin() + static_cast<std::ptrdiff_t>(end));
     at = end;
   }
-  return rest;
+  return structures;
+}
+
+bool HasType(const Bytes& structure, std::uint8_t type) { return structure[0] == type; }
+
+bool HaveOneHandle(const Bytes& a, const Bytes& b) {
+  return std::equal(a.begin() + 2, a.begin() + 4, b.begin() + 2);
+}
+
+// Puts structures in front of those of a table.
+void Prepend(const std::vector<Bytes>& structures, Bytes& table) {
+  Bytes front;
+  for (const Bytes& structure : structures) {
+    front.insert(front.end(), structure.begin(), structure.end());
+  }
+  table.insert(table.begin() + kTableHeader, front.begin(), front.end());
+  const std::size_t size = table.size() - kTableHeader;
+  for (unsigned i = 0; i < 4; ++i) table[4 + i] = static_cast<std::uint8_t>(size >> (8 * i));
+}
+
+// A structure that the base has made itself, with the profile's texts where the base's identity
+// stands in it.
+Bytes Renamed(const Bytes& structure, const Profile& base, const Profile& profile) {
+  constexpr std::uint8_t kLastOfIdentity = 3;  // BIOS, system, board, chassis
+  constexpr std::string Profile::*kTexts[] = {&Profile::manufacturer, &Profile::product,
+                                              &Profile::service_tag,  &Profile::asset_tag,
+                                              &Profile::bios_version, &Profile::bios_date};
+  const std::size_t formatted = structure[1];
+  if (structure[0] > kLastOfIdentity || formatted > structure.size()) return structure;
+  Bytes renamed(structure.begin(), structure.begin() + static_cast<std::ptrdiff_t>(formatted));
+  bytes::Reader in(structure, formatted);
+  while (in.Left() > 0) {
+    std::string text(in.CString());
+    if (!in.Ok()) return structure;
+    const auto* const found =
+        std::find_if(std::begin(kTexts), std::end(kTexts),
+                     [&](std::string Profile::*member) { return base.*member == text; });
+    if (found != std::end(kTexts) && !text.empty()) text = profile.**found;
+    renamed.insert(renamed.end(), text.begin(), text.end());
+    renamed.push_back(0);
+  }
+  return renamed;
+}
+
+// Tells the base's table what the profile says otherwise than its base: structures that the base
+// has not made itself follow the profile.
+void FollowProfile(const Profile& base, Profile& profile) {
+  const std::vector<Bytes> before = Split(BuildFirmwareTable(base));
+  const std::vector<Bytes> after = Split(BuildFirmwareTable(profile));
+  const auto twin = [](const std::vector<Bytes>& structures, const Bytes& structure) {
+    return std::find_if(structures.begin(), structures.end(),
+                        [&](const Bytes& other) { return HaveOneHandle(structure, other); });
+  };
+  std::vector<Bytes> merged;
+  for (const Bytes& structure : Split(base.firmware_table)) {
+    if (HasType(structure, kEndOfTable)) break;
+    const auto followed = twin(after, structure);
+    if (std::find(before.begin(), before.end(), structure) == before.end()) {
+      merged.push_back(Renamed(structure, base, profile));
+    } else if (followed != after.end()) {
+      merged.push_back(*followed);
+    }
+  }
+  for (const Bytes& structure : after) {
+    if (twin(before, structure) == before.end()) merged.push_back(structure);
+  }
+  Bytes table = SmbiosTable(profile.smbios_major, profile.smbios_minor).Finish();
+  Prepend(merged, table);
+  profile.firmware_table = table;
 }
 
 // The base's table with other structures in the place of those of their types.
 void ReplaceStructures(Profile& profile, const std::vector<StructureText>& structures,
                        std::vector<std::uint8_t> types) {
-  constexpr std::uint8_t kEndOfTable = 127;
   for (const StructureText& structure : structures) types.push_back(structure.type);
   types.push_back(kEndOfTable);
-  const std::vector<std::uint8_t> base =
-      profile.firmware_table.empty() ? BuildFirmwareTable(profile) : profile.firmware_table;
-  const std::vector<std::uint8_t> kept = Without(base, types);
+  std::vector<Bytes> kept =
+      Split(profile.firmware_table.empty() ? BuildFirmwareTable(profile) : profile.firmware_table);
+  std::erase_if(kept, [&types](const Bytes& structure) {
+    return std::any_of(types.begin(), types.end(),
+                       [&](std::uint8_t type) { return HasType(structure, type); });
+  });
   SmbiosTable added(profile.smbios_major, profile.smbios_minor);
   for (const StructureText& structure : structures) added.Add(Build(structure));
-  std::vector<std::uint8_t> table = added.Finish();
-  table.insert(table.begin() + kTableHeader, kept.begin(), kept.end());
-  const std::size_t size = table.size() - kTableHeader;
-  for (unsigned i = 0; i < 4; ++i) table[4 + i] = static_cast<std::uint8_t>(size >> (8 * i));
+  Bytes table = added.Finish();
+  Prepend(kept, table);
   profile.firmware_table = table;
 }
 
@@ -113,7 +183,10 @@ Profile ReadProfile(std::string_view json, const ProfileBases& bases) {
       fields.Require(found != bases.end(), "there is no profile '" + base + "'");
       profile = *found;
     }
+    const Profile inherited = profile;
     Describe(fields, profile);
+    const bool has_own_table = profile.firmware_table != inherited.firmware_table;
+    if (!profile.firmware_table.empty() && !has_own_table) FollowProfile(inherited, profile);
     std::vector<StructureText> structures;
     std::vector<std::uint8_t> dropped;
     std::vector<std::uint16_t> dropped_types;

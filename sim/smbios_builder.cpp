@@ -2,14 +2,14 @@
 
 #include <algorithm>
 
+#include "bytes/writer.h"
+
 namespace mira::sim {
 
 Structure::Structure(std::uint8_t type, std::uint16_t handle) { Byte(type).Byte(0).Word(handle); }
 
 Structure& Structure::Number(std::uint64_t value, unsigned width) {
-  for (unsigned i = 0; i < width; ++i) {
-    formatted_.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
-  }
+  bytes::Append(formatted_, value, width);
   return *this;
 }
 
@@ -62,9 +62,7 @@ std::vector<std::uint8_t> SmbiosTable::Finish() {
 
 std::vector<std::uint8_t> SmbiosTable::WithoutEnd() const {
   std::vector<std::uint8_t> table = {0, major_, minor_, 0};
-  for (unsigned i = 0; i < 4; ++i) {
-    table.push_back(static_cast<std::uint8_t>(bytes_.size() >> (8 * i)));
-  }
+  bytes::Append(table, bytes_.size(), sizeof(std::uint32_t));
   table.insert(table.end(), bytes_.begin(), bytes_.end());
   return table;
 }

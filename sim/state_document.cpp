@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <charconv>
 
+#include "bytes/text.h"
+
 namespace mira::sim {
 namespace {
 
@@ -33,8 +35,8 @@ void PutText(Output& out, std::string_view text) {
       const char escaped[] = {'\\', c};
       out.Put({escaped, 2});
     } else if (byte < 0x20 || byte == 0x7F) {
-      constexpr char kDigits[] = "0123456789abcdef";
-      const char escaped[] = {'\\', 'u', '0', '0', kDigits[byte >> 4], kDigits[byte & 15]};
+      const char escaped[] = {
+          '\\', 'u', '0', '0', bytes::HexDigit(byte >> 4), bytes::HexDigit(byte)};
       out.Put({escaped, sizeof(escaped)});
     } else {
       out.Put({&c, 1});
@@ -211,14 +213,11 @@ class Parser {
   }
 
   char32_t CodeUnit() {
-    std::uint32_t value = 0;
     const std::string_view digits = text_.substr(at_, 4);
-    const char* const end = digits.data() + digits.size();
-    if (digits.size() != 4 || std::from_chars(digits.data(), end, value, 16).ptr != end) {
-      Fail("an escape lacks its digits");
-    }
+    const auto value = bytes::ParseDigits(digits, 16);
+    if (digits.size() != 4 || !value) Fail("an escape lacks its digits");
     at_ += 4;
-    return value;
+    return static_cast<char32_t>(*value);
   }
 
   std::string_view text_;

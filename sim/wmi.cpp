@@ -221,12 +221,11 @@ std::vector<ObjectPtr> QueryInstances(const StatePtr& state) {
   instances.push_back(make({'O', 'T', 'H', 'E', 'R', 'W', 'M', 'I', 0, 0, 0, 0},
                            L"WMI_Query.InstanceName=\"ACPI\\\\PNP0C14\\\\OTHER_0\""));
   if (state->profile.has_wmi_instance) {
-    Bytes block(20);
-    bytes::Writer out(block);
-    out.Bytes(bytes::AsBytes("TARN WMI"));
-    out.U32(0x00010001);
-    out.U32(state->profile.buffer_size);
-    out.U32(state->profile.buffer_fix);
+    Bytes block = {'T', 'A', 'R', 'N', ' ', 'W', 'M', 'I'};
+    for (const std::uint32_t word :
+         {std::uint32_t{0x00010001}, state->profile.buffer_size, state->profile.buffer_fix}) {
+      bytes::Append(block, word, sizeof(word));
+    }
     instances.push_back(make(std::move(block), state->profile.instance_path));
   }
   return instances;

@@ -6,6 +6,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "bytes/text.h"
+
 namespace mira::sim {
 namespace {
 
@@ -41,6 +43,12 @@ bool HasText(AttributeKind kind) {
 
 [[noreturn]] void Refuse(const SetupAttribute& setup, const std::string& text) {
   throw std::invalid_argument("Setup attribute " + setup.name + " cannot have '" + text + "'");
+}
+
+std::uint64_t NumberOf(const SetupAttribute& setup, const std::string& text) {
+  const auto number = bytes::ParseDigits(text, 10);
+  if (!number) Refuse(setup, text);
+  return *number;
 }
 
 // The strings of the string table: equal texts share one.
@@ -202,7 +210,7 @@ AttributeHandler::Value AttributeHandler::Encode(const Stored& attribute,
       value.Text(std::string_view());
       break;
     case AttributeKind::kInteger:
-      value.QWord(std::stoull(text));
+      value.QWord(NumberOf(attribute.setup, text));
       break;
     case AttributeKind::kBootOrder: {
       const bool has_mode = text.size() > 1 && text[1] == ':';
@@ -263,6 +271,7 @@ std::string AttributeHandler::Decode(const Stored& attribute, const Value& value
       add_choices(in.Rest());
       break;
   }
+  if (!in.Ok()) throw std::logic_error(attribute.setup.name + " has no value of its kind");
   return text;
 }
 
@@ -291,7 +300,7 @@ void AttributeHandler::BuildTables() {
       table.Byte(kAsciiText).Word(setup.lower).Word(setup.upper).Text(setup.default_value);
     } else if (setup.kind == AttributeKind::kInteger) {
       table.QWord(setup.lower).QWord(setup.upper).DWord(setup.increment);
-      table.QWord(std::stoull(setup.default_value));
+      table.QWord(NumberOf(setup, setup.default_value));
     } else if (setup.kind == AttributeKind::kCollection) {
       table.Word(attribute.choice_handles.at(0)).Byte(setup.upper).Byte(0);
     } else {
@@ -367,14 +376,14 @@ void AttributeHandler::ReadValue(Call& call) const {
   const auto request = ReadRequest(call);
   if (!request) return;
   const Stored* const attribute = Find(request->handle);
+  const bool is_known = attribute != nullptr;
   bytes::Writer out(request->block, kBlockStatus);
-  if (attribute == nullptr) {
-    out.U8(static_cast<std::uint8_t>(WriteStatus::kUnknown));
-    return call.Complete(kError);
+  out.U8(static_cast<std::uint8_t>(is_known ? WriteStatus::kDone : WriteStatus::kUnknown));
+  if (is_known) out.Bytes(attribute->value);
+  if (!out.Ok() || (is_known && attribute->value.size() > request->size)) {
+    return call.Complete(kTooSmall);
   }
-  out.U8(static_cast<std::uint8_t>(WriteStatus::kDone));
-  out.Bytes(attribute->value);
-  if (attribute->value.size() > request->size || !out.Ok()) call.Complete(kTooSmall);
+  if (!is_known) call.Complete(kError);
 }
 
 void AttributeHandler::WriteValue(Call& call) {
@@ -390,7 +399,8 @@ WriteStatus AttributeHandler::Write(const Request& request, std::uint32_t key) {
   if (!security_->Accepts(key)) return WriteStatus::kNoKey;
   if (attribute->setup.read_only) return WriteStatus::kReadOnly;
   bytes::Reader in(request.block.subspan(kBlockValue, request.size));
-  if (in.U8() != static_cast<std::uint8_t>(attribute->setup.kind) || !in.Ok()) {
+  const std::uint8_t kind = in.U8();
+  if (!in.Ok() || kind != static_cast<std::uint8_t>(attribute->setup.kind)) {
     return WriteStatus::kMalformed;
   }
   const bytes::ByteSpan value = in.Rest();

@@ -23,7 +23,7 @@ void AnswerConfig(Call& call, std::uint32_t word, std::uint32_t version, const D
   bytes::Writer out(config);
   out.U32(version);
   for (const std::uint32_t day : days) out.U32(day);
-  if (call.AnswerData(config, 2)) call.SetResult(2, word);
+  if (out.Ok() && call.AnswerData(config, 2)) call.SetResult(2, word);
 }
 
 // A day is 0, or begins before it ends, at 24:00 (quarter hour 96) at the latest. Only peak shift
@@ -49,7 +49,7 @@ std::optional<Days> TakeDays(Call& call, std::uint32_t version, bool has_charge_
     day = in.U32();
     is_valid = is_valid && IsDay(day, has_charge_time);
   }
-  if (is_valid) return days;
+  if (in.Ok() && is_valid) return days;
   call.Complete(kError);
   return std::nullopt;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 
+#include "bytes/writer.h"
 #include "sim/device_path_builder.h"
 
 namespace mira::sim {
@@ -11,9 +12,7 @@ namespace {
 constexpr unsigned kKeyArgument = 3;
 constexpr std::uint32_t kLegacyEntrySize = 16;
 
-void Append(std::vector<std::uint8_t>& out, std::uint64_t value, unsigned width) {
-  for (unsigned i = 0; i < width; ++i) out.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
-}
+using bytes::Append;
 
 void Append(std::vector<std::uint8_t>& out, bytes::ByteSpan bytes) {
   out.insert(out.end(), bytes.begin(), bytes.end());
@@ -153,10 +152,10 @@ void BootHandler::ReadLegacy(Call& call) {
 
 void BootHandler::WriteLegacy(Call& call) {
   const std::size_t devices = legacy_.devices.size();
+  if (!call.IsOffset(1) || !call.IsOffset(2)) return call.Complete(kBadFormat);
   bytes::Reader in(call.Record());
   bytes::ByteSpan lists[2];
   for (unsigned i = 0; i < 2; ++i) {
-    if (!call.IsOffset(i + 1)) return call.Complete(kBadFormat);
     in.Seek(call.Arg(i + 1));
     lists[i] = in.Take(devices);
   }

@@ -6,7 +6,9 @@
 
 namespace mira::sim {
 
-std::uint32_t BlockName(std::string_view name) { return bytes::Reader(bytes::AsBytes(name)).U32(); }
+std::uint32_t BlockName(std::string_view name) {
+  return static_cast<std::uint32_t>(bytes::LittleEndian(bytes::AsBytes(name.substr(0, 4))));
+}
 
 DataBlockHandler::DataBlockHandler(std::uint16_t cls, std::uint16_t size_select,
                                    std::uint16_t data_select, std::vector<DataBlock> blocks,
@@ -50,7 +52,7 @@ void DataBlockHandler::Write(Call& call, DataBlock& block) {
   if (!security_->Accepts(call.Arg(4))) return call.Complete(kInvalidKey);
   bytes::Reader in(call.Record(), call.Arg(1));
   const bytes::ByteSpan bytes = in.Take(call.Arg(3));
-  if (!call.IsOffset(1) || !in.Ok()) return call.Complete(kBadFormat);
+  if (!in.Ok() || !call.IsOffset(1)) return call.Complete(kBadFormat);
   if (bytes.size() > block.capacity) return call.Complete(kError);
   block.bytes.assign(bytes.begin(), bytes.end());
 }

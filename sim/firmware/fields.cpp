@@ -1,7 +1,7 @@
 #include "sim/firmware/fields.h"
 
 #include <algorithm>
-#include <charconv>
+#include <limits>
 
 #include "bytes/text.h"
 #include "bytes/utf16.h"
@@ -135,11 +135,9 @@ void Fields::Number(std::int64_t& number, std::int64_t lowest, std::int64_t high
   if (pass_ == Pass::kSave) Here().SetNumber(number);
   if (!IsLoading()) return;
   if (pass_ == Pass::kLoadSome && Here().Text().starts_with("0x")) {
-    const std::string& digits = Here().Text();
-    std::int64_t value = 0;
-    const char* const end = digits.data() + digits.size();
-    if (std::from_chars(digits.data() + 2, end, value, 16).ptr != end) Refuse("is no number");
-    Here().SetNumber(value);
+    const auto value = bytes::ParseNumber(Here().Text(), std::numeric_limits<std::int64_t>::max());
+    if (!value) Refuse("is no number");
+    Here().SetNumber(static_cast<std::int64_t>(*value));
   }
   Expect(Node::Kind::kNumber, "number");
   if (Here().Number() < lowest || Here().Number() > highest) Refuse("is out of its range");

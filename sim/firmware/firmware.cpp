@@ -113,6 +113,7 @@ void Firmware::Execute(std::vector<std::uint8_t>& array, Faults& faults) {
   if (!call.WellFormed()) {
     bytes::Writer out(array, 20);
     out.U32(static_cast<std::uint32_t>(kBadFormat));
+    static_cast<void>(out.Ok());  // what has no place for the answer goes back as it came
     entry.completion = kBadFormat;
   } else {
     if (forced != hit.end()) {
@@ -121,8 +122,7 @@ void Firmware::Execute(std::vector<std::uint8_t>& array, Faults& faults) {
       call.Complete(Dispatch(call));
     }
     entry.completion = call.Completion();
-    bytes::Reader results(call.Record(), 24);
-    for (std::uint32_t& result : entry.results) result = results.U32();
+    for (unsigned i = 0; i < std::size(entry.results); ++i) entry.results[i] = call.Result(i + 2);
     if (call.HandedOutKey() != 0) {
       if (std::find(issued_keys_.begin(), issued_keys_.end(), call.HandedOutKey()) ==
           issued_keys_.end()) {

@@ -1,5 +1,7 @@
 #include "sim/firmware/handler.h"
 
+#include <stdexcept>
+
 namespace mira::sim {
 namespace {
 
@@ -8,6 +10,8 @@ constexpr std::size_t kCompletion = 20;
 constexpr std::size_t kKinds = 36;
 constexpr std::size_t kLength = 40;
 constexpr std::size_t kFixedSize = 44;
+
+std::size_t PlaceOf(unsigned result) { return kCompletion + sizeof(std::uint32_t) * (result - 1); }
 
 }  // namespace
 
@@ -48,20 +52,28 @@ bool Call::AnswerData(bytes::ByteSpan data, unsigned index) {
   }
   bytes::Writer out(record_, Arg(index));
   out.U32(static_cast<std::uint32_t>(data.size()));
-  if (data.size() > area->size()) {
-    Complete(kTooSmall);
-    return false;
-  }
-  out.Bytes(data);
-  return true;
+  const bool fits = data.size() <= area->size();
+  if (fits) out.Bytes(data);
+  if (out.Ok() && fits) return true;
+  Complete(kTooSmall);
+  return false;
 }
 
 void Call::Complete(std::int32_t completion) {
-  bytes::Writer(record_, kCompletion).U32(static_cast<std::uint32_t>(completion));
+  SetResult(1, static_cast<std::uint32_t>(completion));
 }
 
 void Call::SetResult(unsigned index, std::uint32_t value) {
-  bytes::Writer(record_, kCompletion + 4 * (index - 1)).U32(value);
+  bytes::Writer out(record_, PlaceOf(index));
+  out.U32(value);
+  if (!out.Ok()) throw std::logic_error("a record has no such result");
+}
+
+std::uint32_t Call::Result(unsigned index) const {
+  bytes::Reader in(record_, PlaceOf(index));
+  const std::uint32_t result = in.U32();
+  if (!in.Ok()) throw std::logic_error("a record has no such result");
+  return result;
 }
 
 void Call::HandOutKey(std::uint32_t key) {
@@ -69,8 +81,6 @@ void Call::HandOutKey(std::uint32_t key) {
   SetResult(2, key);
 }
 
-std::int32_t Call::Completion() const {
-  return static_cast<std::int32_t>(bytes::Reader(record_, kCompletion).U32());
-}
+std::int32_t Call::Completion() const { return static_cast<std::int32_t>(Result(1)); }
 
 }  // namespace mira::sim

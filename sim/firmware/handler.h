@@ -64,6 +64,7 @@ class Call {
   void Complete(std::int32_t completion);
   // Result word 2 to 4.
   void SetResult(unsigned index, std::uint32_t value);
+  std::uint32_t Result(unsigned index) const;
   std::int32_t Completion() const;
 
   // Answers a security key in result word 2; the journal then masks it here and wherever it comes

@@ -5,6 +5,8 @@
 #include <optional>
 #include <string_view>
 
+#include "bytes/text.h"
+
 namespace mira::sim {
 namespace {
 
@@ -35,8 +37,10 @@ void AnswerTag(Call& call, const std::string& tag) {
   std::uint8_t packed[kLongestTag] = {};
   std::copy(tag.begin(),
             tag.begin() + static_cast<std::ptrdiff_t>(std::min(tag.size(), kLongestTag)), packed);
-  bytes::Reader in(packed);
-  for (unsigned result = 2; result <= 4; ++result) call.SetResult(result, in.U32());
+  for (unsigned i = 0; i < 3; ++i) {
+    call.SetResult(2 + i, static_cast<std::uint32_t>(
+                              bytes::LittleEndian(bytes::Slice(packed, std::size_t{4} * i, 4))));
+  }
 }
 
 }  // namespace
@@ -105,10 +109,9 @@ void TagHandler::WriteImageServer(Call& call) {
 }
 
 void TagHandler::WriteMacAddress(Call& call) {
-  constexpr char kDigits[] = "0123456789ABCDEFabcdef";
   const auto text = AreaText(call, 1);
   if (!text) return call.Complete(kBadFormat);
-  if (text->size() != kMacDigits || text->find_first_not_of(kDigits) != std::string::npos) {
+  if (text->size() != kMacDigits || !std::all_of(text->begin(), text->end(), bytes::IsHexDigit)) {
     return call.Complete(kError);
   }
   mac_address_ = *text;
@@ -151,7 +154,7 @@ void OwnershipTagHandler::Write(Call& call) {
   const std::string_view text = bytes::AsText(in.Take(kTextSize));
   const std::string_view blanks = bytes::AsText(in.Take(kBlanks));
   const std::uint8_t end = in.U8();
-  if (!call.IsOffset(1) || !in.Ok() || end != 0 || !IsPrintable(text) ||
+  if (!in.Ok() || !call.IsOffset(1) || end != 0 || !IsPrintable(text) ||
       blanks.find_first_not_of(' ') != std::string_view::npos) {
     return call.Complete(kBadFormat);
   }
@@ -169,7 +172,7 @@ void EppidHandler::Handle(Call& call) {
   const std::size_t offset = in.Offset();
   const auto text = in.Take(kTextSize);
   const unsigned checksum = in.U8();
-  if (!call.IsOffset(1) || !is_area || !in.Ok()) return call.Complete(kBadFormat);
+  if (!in.Ok() || !call.IsOffset(1) || !is_area) return call.Complete(kBadFormat);
   const auto sum = [](bytes::ByteSpan bytes) {
     return std::accumulate(bytes.begin(), bytes.end(), 0u);
   };
@@ -181,6 +184,7 @@ void EppidHandler::Handle(Call& call) {
   bytes::Writer out(call.Record(), offset);
   out.Bytes(bytes::AsBytes(eppid_));
   out.U8(static_cast<std::uint8_t>(kSum - sum(bytes::AsBytes(eppid_))));
+  if (!out.Ok()) call.Complete(kTooSmall);
 }
 
 void ThinClientHandler::Handle(Call& call) {

@@ -39,15 +39,17 @@ std::optional<Value> FromText(std::string_view text) {
 }
 
 // An item: a format byte (0 binary, 1 text with its NUL), then the value. Nothing for an
-// unsupported format.
+// unsupported format, or where the record ends within it.
 template <typename Value>
 std::optional<Value> ReadItem(bytes::Reader& in) {
   constexpr std::uint8_t kBinary = 0;
   constexpr std::uint8_t kText = 1;
   const std::uint8_t format = in.U8();
-  if (format == kText) return FromText<Value>(in.CString());
+  const std::string_view text = format == kText ? in.CString() : std::string_view();
   Value value{};
   const auto binary = format == kBinary ? in.Take(value.size()) : bytes::ByteSpan();
+  if (!in.Ok()) return std::nullopt;
+  if (format == kText) return FromText<Value>(text);
   if (binary.empty()) return std::nullopt;
   std::copy(binary.begin(), binary.end(), value.begin());
   return value;
@@ -167,7 +169,7 @@ void PreBootUsers::Add(Call& call) {
   if (!key) return call.Complete(items.Ok() ? kWrongKeyFormat : kBadFormat);
   const std::uint32_t permitted = bitmaps.U32();
   const std::uint32_t required = bitmaps.U32();
-  if (!call.IsOffset(2) || !call.IsOffset(3) || !bitmaps.Ok()) return call.Complete(kBadFormat);
+  if (!bitmaps.Ok() || !call.IsOffset(2) || !call.IsOffset(3)) return call.Complete(kBadFormat);
 
   const auto has = [this](const auto& matches) {
     return std::any_of(users_.begin(), users_.end(), matches);

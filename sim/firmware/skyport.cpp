@@ -1,5 +1,8 @@
 #include "sim/firmware/skyport.h"
 
+#include <vector>
+
+#include "bytes/writer.h"
 #include "sim/firmware/fields.h"
 
 namespace mira::sim {
@@ -16,9 +19,10 @@ void SkyportHandler::Handle(Call& call) {
   std::uint32_t& word = words_[call.Select() - kFirst];
   if (call.Arg(2) == kWrite) word = call.Arg(3);
   call.SetResult(2, word);
-  std::uint8_t bytes[4];
-  bytes::Writer(bytes).U32(word);
-  if (call.IsOffset(1)) call.AnswerData(bytes);
+  if (!call.IsOffset(1)) return;
+  std::vector<std::uint8_t> answer;
+  bytes::Append(answer, word, sizeof(word));
+  call.AnswerData(answer);
 }
 
 void SkyportHandler::Keep(Fields& fields) { fields.Late("skyport", words_, written_); }

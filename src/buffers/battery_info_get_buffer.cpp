@@ -15,8 +15,10 @@ std::uint8_t ByteOf(std::uint32_t word, unsigned index) {
   return static_cast<std::uint8_t>(word >> (8 * index));
 }
 
+// Days that the answer lacks are 0, as days without times are.
 template <typename Config>
-void ReadSchedule(mira::bytes::Reader in, Config& config) {
+void ReadSchedule(mira::bytes::ByteSpan area, Config& config) {
+  auto in = mira::bytes::Reader::Lenient(area);
   config.Version = in.U32();
   for (std::uint32_t& day : config.DaySchedule) day = in.U32();
 }
@@ -89,7 +91,7 @@ void CBatteryInfoGetBuffer::Decode(ADV_BATT_CONFIG& config) const {
   config.ChargingMode = ByteOf(word, 0);
   config.StartChargingLimit = ByteOf(word, 1);
   config.StopChargingLimit = ByteOf(word, 2);
-  ReadSchedule(mira::bytes::Reader(Record(), kData), config);
+  ReadSchedule(mira::bytes::Slice(Record(), kData), config);
 }
 
 void CBatteryInfoGetBuffer::Decode(PEAK_SHIFT_CONFIG& config) const {
@@ -98,7 +100,7 @@ void CBatteryInfoGetBuffer::Decode(PEAK_SHIFT_CONFIG& config) const {
   config.CurrentThreshold = ByteOf(word, 1);
   config.MinimumThreshold = ByteOf(word, 2);
   config.MaximumThreshold = ByteOf(word, 3);
-  ReadSchedule(mira::bytes::Reader(Record(), kData), config);
+  ReadSchedule(mira::bytes::Slice(Record(), kData), config);
 }
 
 void CBatteryInfoGetBuffer::DisplayOutputBuffer() {

@@ -26,7 +26,8 @@ SMBiosCI* CExtendedBuffer::NewRead(std::uint32_t room, const CSimpleTokenData& d
 }
 
 mira::bytes::ByteSpan CExtendedBuffer::ReceivedData() const {
-  Reader in(Record(), kArea);
+  // A record without the area has received nothing.
+  Reader in = Reader::Lenient(Record(), kArea);
   const std::size_t length = in.U32();
   return in.Take(std::min(length, in.Left()));
 }

@@ -106,7 +106,8 @@ SMBiosCI* CLegacyBBSBuffer::PromptInputBuffer(std::uint32_t securityKey, std::ui
 }
 
 ByteSpan CLegacyBBSBuffer::Area(std::size_t begin, std::size_t end) const {
-  Reader in(Slice(Record(), begin, end - begin));
+  // An area without a length word is empty.
+  Reader in = Reader::Lenient(Slice(Record(), begin, end - begin));
   const std::size_t length = in.U32();
   return in.Take(std::min(length, in.Left()));
 }
@@ -126,8 +127,7 @@ void CLegacyBBSBuffer::ParseOutputBuffer(IBIOSData& data) {
   result.IPLPriority.assign(ipl_bytes.begin(), ipl_bytes.end());
   result.BCVPriority.assign(bcv_bytes.begin(), bcv_bytes.end());
   result.DeviceTable.clear();
-  Reader in(table);
-  for (std::size_t i = 0; i < count; ++i) {
+  for (Reader in(table.first(count * kEntryStride)); in.Left() > 0;) {
     result.DeviceTable.push_back({in.U16(), in.U16(), in.U32(), in.U32(), in.U32()});
   }
 }

@@ -90,6 +90,7 @@ void PrintUserItems(bytes::ByteSpan items) {
   bytes::Reader in(items);
   for (const Label& label : kLabels) {
     const std::uint8_t format = in.U8();
+    if (!in.Ok()) return;
     if (format == kBinary) {
       const bytes::ByteSpan value = in.Take(label.size);
       if (!in.Ok()) return;

@@ -18,9 +18,10 @@ using mira::transport::SetArgOffset;
 
 enum Select : std::uint16_t { kLists = 9, kOptions = 11, kSetOrder = 12 };
 
-// The path bytes of a load option, whose other fields are read into the entry.
+// The path bytes of a load option, whose other fields are read into the entry; zero and empty,
+// where the option ends too early.
 ByteSpan ReadOption(ByteSpan bytes, CUEFILOList::LoadOption& option) {
-  Reader in(bytes);
+  Reader in = Reader::Lenient(bytes);
   option.Attributes = in.U32();
   option.FilePathListLength = in.U16();
   option.Description = mira::devicepath::TakeWideText(in);

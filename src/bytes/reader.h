@@ -3,7 +3,7 @@
 
 // A bounded little-endian cursor over bytes that nobody vouches for. A read past the end yields
 // zero or empty, marks the reader failed and moves nothing; later reads yield zero too. Read a
-// whole header, then ask once:
+// whole header, then ask once, which checked builds insist on:
 //
 //   Reader in(bytes);
 //   const std::uint16_t id = in.U16();
@@ -15,6 +15,8 @@
 #include <span>
 #include <string>
 #include <string_view>
+
+#include "bytes/cursor.h"
 
 namespace mira::bytes {
 
@@ -37,24 +39,29 @@ inline ByteSpan AsBytes(std::string_view text) {
   return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
 }
 
-class Reader {
+// A text field, which ends at its first NUL if it has one.
+constexpr std::string_view FixedText(std::string_view field) {
+  return field.substr(0, field.find('\0'));
+}
+
+// The number that up to 8 bytes are.
+constexpr std::uint64_t LittleEndian(ByteSpan bytes) {
+  std::uint64_t value = 0;
+  for (std::size_t i = bytes.size(); i-- > 0;) value = value << 8 | bytes[i];
+  return value;
+}
+
+class Reader : public Cursor {
  public:
-  constexpr Reader() = default;
-  explicit constexpr Reader(ByteSpan bytes, std::size_t offset = 0) : bytes_(bytes) {
-    Seek(offset);
-  }
+  constexpr Reader() : Reader(ByteSpan()) {}
+  explicit constexpr Reader(ByteSpan bytes, std::size_t offset = 0, Place made = Place::current())
+      : Cursor(bytes.size(), offset, made), data_(bytes.data()) {}
 
-  constexpr bool Ok() const { return ok_; }
-  constexpr std::size_t Offset() const { return offset_; }
-  constexpr std::size_t Left() const { return ok_ ? bytes_.size() - offset_ : 0; }
-
-  // Moves to an offset counted from the start of the bytes.
-  constexpr void Seek(std::size_t offset) {
-    if (offset > bytes_.size()) {
-      ok_ = false;
-    } else {
-      offset_ = offset;
-    }
+  // One that nobody has to ask, for those who take zeros for bytes that are not there.
+  static constexpr Reader Lenient(ByteSpan bytes, std::size_t offset = 0) {
+    Reader reader(bytes, offset);
+    reader.Waive();
+    return reader;
   }
 
   constexpr std::uint8_t U8() { return static_cast<std::uint8_t>(Number(1)); }
@@ -63,49 +70,38 @@ class Reader {
   constexpr std::uint64_t U64() { return Number(8); }
 
   // A little-endian number of `width` bytes, 0 to 8.
-  constexpr std::uint64_t Number(std::size_t width) {
-    const ByteSpan taken = Take(width);
-    std::uint64_t value = 0;
-    for (std::size_t i = taken.size(); i-- > 0;) value = value << 8 | taken[i];
-    return value;
-  }
+  constexpr std::uint64_t Number(std::size_t width) { return LittleEndian(Take(width)); }
 
   // The next `size` bytes.
   constexpr ByteSpan Take(std::size_t size) {
-    if (!ok_ || size > bytes_.size() - offset_) {
-      ok_ = false;
-      return {};
-    }
-    const ByteSpan taken = bytes_.subspan(offset_, size);
-    offset_ += size;
-    return taken;
+    return Pass(size) ? ByteSpan(data_ + Offset() - size, size) : ByteSpan();
   }
 
-  // Everything that is left.
-  constexpr ByteSpan Rest() { return Take(Left()); }
+  // Everything that is left; Ahead() does not move.
+  constexpr ByteSpan Rest() {
+    const ByteSpan rest = Ahead();
+    Seek(Offset() + rest.size());
+    return rest;
+  }
+  constexpr ByteSpan Ahead() const { return {data_ + Offset(), Room()}; }
 
   // The text up to the next NUL, which is passed over; fails when there is none.
   std::string_view CString() {
-    const std::string_view rest = AsText(Slice(bytes_, offset_));
+    const std::string_view rest = AsText(Ahead());
     const std::size_t end = rest.find('\0');
-    if (!ok_ || end == std::string_view::npos) {
-      ok_ = false;
+    if (end == std::string_view::npos) {
+      Fail();
       return {};
     }
-    offset_ += end + 1;
+    Pass(end + 1);
     return rest.substr(0, end);
   }
 
   // A text field of fixed width, which ends at its first NUL if it has one.
-  std::string_view FixedText(std::size_t width) {
-    const std::string_view field = AsText(Take(width));
-    return field.substr(0, field.find('\0'));
-  }
+  std::string_view FixedText(std::size_t width) { return bytes::FixedText(AsText(Take(width))); }
 
  private:
-  ByteSpan bytes_;
-  std::size_t offset_ = 0;
-  bool ok_ = true;
+  const std::uint8_t* data_;
 };
 
 }  // namespace mira::bytes

@@ -2,7 +2,8 @@
 #define MIRA_BYTES_WRITER_H_
 
 // A bounded little-endian writer into bytes that are already there, such as a call record. A write
-// that does not fit writes nothing and marks the writer failed; ask once at the end.
+// that does not fit writes nothing and marks the writer failed; ask once at the end, which checked
+// builds insist on.
 //
 //   Writer out(record_bytes, 44);
 //   out.U32(length);
@@ -14,27 +15,26 @@
 #include <cstring>
 #include <span>
 #include <string_view>
+#include <vector>
 
+#include "bytes/cursor.h"
 #include "bytes/reader.h"
 
 namespace mira::bytes {
 
 using MutableByteSpan = std::span<std::uint8_t>;
 
-class Writer {
- public:
-  explicit Writer(MutableByteSpan bytes, std::size_t offset = 0) : bytes_(bytes) { Seek(offset); }
-
-  bool Ok() const { return ok_; }
-  std::size_t Offset() const { return offset_; }
-
-  void Seek(std::size_t offset) {
-    if (offset > bytes_.size()) {
-      ok_ = false;
-    } else {
-      offset_ = offset;
-    }
+// Puts a little-endian number of `width` bytes behind the others.
+inline void Append(std::vector<std::uint8_t>& bytes, std::uint64_t value, std::size_t width) {
+  for (std::size_t i = 0; i < width; ++i) {
+    bytes.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
   }
+}
+
+class Writer : public Cursor {
+ public:
+  explicit Writer(MutableByteSpan bytes, std::size_t offset = 0, Place made = Place::current())
+      : Cursor(bytes.size(), offset, made), data_(bytes.data()) {}
 
   void U8(std::uint8_t value) { Number(value, 1); }
   void U16(std::uint16_t value) { Number(value, 2); }
@@ -48,12 +48,8 @@ class Writer {
   }
 
   void Bytes(ByteSpan source) {
-    if (!ok_ || source.size() > bytes_.size() - offset_) {
-      ok_ = false;
-      return;
-    }
-    if (!source.empty()) std::memcpy(bytes_.data() + offset_, source.data(), source.size());
-    offset_ += source.size();
+    if (!Pass(source.size()) || source.empty()) return;
+    std::memcpy(data_ + Offset() - source.size(), source.data(), source.size());
   }
 
   // The text and its NUL.
@@ -63,9 +59,7 @@ class Writer {
   }
 
  private:
-  MutableByteSpan bytes_;
-  std::size_t offset_ = 0;
-  bool ok_ = true;
+  std::uint8_t* data_;
 };
 
 }  // namespace mira::bytes

@@ -67,7 +67,7 @@ CCallingInterface::Status CCallingInterface::ConstructDATokens(unsigned char* p)
   mira::bytes::Reader in({p, size});
   for (;;) {
     const std::uint16_t id = in.U16();
-    if (id == kTokenTerminator) return STATUS_SUCCESS;
+    if (!in.Ok() || id == kTokenTerminator) return STATUS_SUCCESS;
     const std::uint16_t location = in.U16();
     const std::uint16_t value = in.U16();
     if (!in.Ok()) return STATUS_SUCCESS;

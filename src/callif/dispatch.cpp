@@ -33,8 +33,8 @@ Outcome Dispatch(const Target& target, std::uint16_t cls, std::uint16_t select, 
   if (preparation == CommandTraits::kProbe) {
     OneCall probe(target, command, 0, size, data);
     if (probe.Sent()) {
-      bytes::Reader answer(probe.Buffer().Record(), transport::kFixedRecordSize);
-      size = answer.U32();
+      // A record without a data area needs no room.
+      size = bytes::Reader::Lenient(probe.Buffer().Record(), transport::kFixedRecordSize).U32();
     }
   }
   if (preparation == CommandTraits::kLegacyBootInfo) {

@@ -28,9 +28,7 @@ void Get(bytes::Reader& in, T& member) {
 }
 template <std::unsigned_integral T>
 void Put(NodeBytes& out, T member) {
-  for (std::size_t i = 0; i < sizeof(T); ++i) {
-    out.push_back(static_cast<std::uint8_t>(std::uint64_t{member} >> (8 * i)));
-  }
+  bytes::Append(out, member, sizeof(T));
 }
 
 // An array takes what is there, where that is less.

@@ -58,7 +58,7 @@ std::optional<LoadOption> DecodeLoadOption(ByteSpan bytes, Problem* problem) {
   Problem here;
   std::optional<LoadOption> option = Decode(bytes, 0, here);
   const bool is_whole = option && option->FirstProblem() == nullptr;
-  const std::uint32_t first_word = Reader(bytes).U32();
+  const std::uint32_t first_word = Reader::Lenient(bytes).U32();  // 0 is no variable's
   if (!is_whole && AreVariableAttributes(first_word)) {
     // Read from its start, such a file has the option's attributes for the paths' length.
     Problem behind;

@@ -21,7 +21,7 @@ std::unique_ptr<NodeRecords::GenericDevicePath> DecodeNode(const RawNode& node) 
   auto record = type->make();
   for (const Field& field : type->fields) {
     // What the older form lacks is zero.
-    if (field.read != nullptr && in.Offset() + field.size <= size) field.read(in, *record);
+    if (field.read != nullptr && field.size <= in.Left()) field.read(in, *record);
   }
   record->Type = node.type;
   record->SubType = node.subtype;
@@ -34,10 +34,9 @@ std::unique_ptr<NodeRecords::GenericDevicePath> DecodeNode(const RawNode& node) 
 NodeRecords::GenericDevicePath::~GenericDevicePath() = default;
 
 std::string TakeText(Reader& in) {
-  const std::string_view rest = bytes::AsText(Reader(in).Rest());
-  const std::size_t length = std::min(rest.find('\0'), rest.size());
-  in.Take(std::min(length + 1, rest.size()));
-  return std::string(rest.substr(0, length));
+  const std::string_view text = bytes::FixedText(bytes::AsText(in.Ahead()));
+  in.Take(std::min(text.size() + 1, in.Left()));
+  return std::string(text);
 }
 
 std::u16string TakeWideText(Reader& in, bool* terminated) {
@@ -67,10 +66,9 @@ std::optional<RawNode> PathWalk::Next() {
   const std::uint8_t type = header.U8();
   const std::uint8_t subtype = header.U8();
   const std::size_t length = header.U16();
-  if (in_.Left() == 0) {
-    reason_ = "The path has no end node.";
-  } else if (!header.Ok()) {
-    reason_ = "The bytes end within a node's header.";
+  if (!header.Ok()) {
+    reason_ =
+        in_.Left() == 0 ? "The path has no end node." : "The bytes end within a node's header.";
   } else if (length < kNodeHeader) {
     reason_ = "A node's length is below 4.";
   } else if (length > in_.Left()) {

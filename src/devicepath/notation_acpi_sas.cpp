@@ -160,7 +160,7 @@ const Notation kAcpiUidText = {[](const Arg& arg, ByteSpan node, std::string& te
                                  Reader in(node, arg.offset);
                                  const AcpiTexts texts = TakeAcpiTexts(in);
                                  text += texts.uid;
-                                 return texts.hid.empty() && texts.cid.empty() &&
+                                 return in.Ok() && texts.hid.empty() && texts.cid.empty() &&
                                         !texts.uid.empty();
                                },
                                [](const Arg& arg, std::string_view text, NodeBytes& node) {

@@ -117,8 +117,8 @@ std::optional<NodeBytes> ParseDashed(std::string_view text) {
   return bytes;
 }
 
-void WriteFixedText(ByteSpan bytes, std::string& text) {
-  AppendUtf8OfBytes(Reader(bytes).FixedText(bytes.size()), text);
+void WriteFixedText(ByteSpan field, std::string& text) {
+  AppendUtf8OfBytes(bytes::FixedText(bytes::AsText(field)), text);
 }
 
 // What the field's bytes are as text, and the bytes of a text. Where kPads is set, a shorter text

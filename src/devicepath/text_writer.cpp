@@ -15,7 +15,8 @@ bool Fits(const Form& form, ByteSpan node) {
   return std::all_of(std::begin(form.conditions), std::end(form.conditions),
                      [node](const Condition& condition) {
                        Reader in(node, condition.offset);
-                       return in.Number(condition.width) == condition.value && in.Ok();
+                       const std::uint64_t value = in.Number(condition.width);
+                       return in.Ok() && value == condition.value;
                      });
 }
 

@@ -196,7 +196,8 @@ void CACIInfo2Buffer::ParseTable(CACIInfo2Record& data) {
   if (table == nullptr) return;
   // Of strings a length that is negative as a signed number means none.
   constexpr std::uint32_t kLongestStrings = std::numeric_limits<std::int32_t>::max();
-  const std::uint32_t length = Reader(Record(), kArea).U32();
+  // Without an area nothing was received, whatever its length.
+  const std::uint32_t length = Reader::Lenient(Record(), kArea).U32();
   const ByteSpan bytes = ReceivedData();
   const ByteSpan strings = length <= kLongestStrings ? bytes : ByteSpan();
   switch (table->type) {
@@ -227,7 +228,7 @@ void CACIInfo2Buffer::ParseValue(CACIInfo2Record& data) const {
   Reader in(Record(), kData + kBlockValue);
   const std::uint8_t status = in.U8();
   auto value = mira::pldm::ReadValue(in, data.Exchange->handle, data.Exchange->type);
-  if (!value) return;
+  if (!in.Ok() || !value) return;
   data.ExchangeStatus = status;
   data.Exchange = std::move(value);
 }

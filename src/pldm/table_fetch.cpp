@@ -71,8 +71,9 @@ class Fetch {
         (call.CompletionCode() == kError || call.CompletionCode() == kNotSupported)) {
       return false;
     }
-    required_ = bytes::Reader(call.Buffer().Record(), transport::kFixedRecordSize).U32();
-    return required_ <= transport::kMaxTransferSize;
+    bytes::Reader answer(call.Buffer().Record(), transport::kFixedRecordSize);
+    required_ = answer.U32();
+    return answer.Ok() && required_ <= transport::kMaxTransferSize;
   }
 
   std::uint32_t ChunkRoom() const {

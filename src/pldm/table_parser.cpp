@@ -222,7 +222,7 @@ void ParseStringData(ByteSpan data, Tables::WideIndex& index) {
     const std::size_t length = in.U16();
     Reader characters(in.Take(length * sizeof(char16_t)));
     if (!in.Ok()) return;
-    std::u16string text(length, u'\0');
+    std::u16string text(characters.Left() / sizeof(char16_t), u'\0');
     for (char16_t& character : text) character = characters.U16();
     index.insert_or_assign(handle, std::move(text));
   });

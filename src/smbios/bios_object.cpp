@@ -14,9 +14,9 @@ namespace {
 // What a read may touch from `data` on: callers are inside the copy, whose zero tail covers every
 // layout.
 std::uint64_t ReadNumber(const unsigned char* data, unsigned int& offset, unsigned int width) {
-  mira::bytes::Reader in({data + offset, width});
+  const mira::bytes::ByteSpan field(data + offset, width);
   offset += width;
-  return in.Number(width);
+  return mira::bytes::LittleEndian(field);
 }
 
 }  // namespace

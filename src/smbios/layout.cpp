@@ -26,14 +26,14 @@ bool WriteValue(const StructureView& structure, const Field& field, std::size_t 
   const bool is_read = structure.Length() >= extras.min_length;
   const bytes::ByteSpan bytes =
       is_read ? structure.Bytes(offset, width) : bytes::ByteSpan(kZeros).first(width);
-  const Value value{bytes, bytes::Reader(bytes).Number(std::min<std::size_t>(width, 8))};
+  const Value value{bytes, bytes::LittleEndian(bytes.first(std::min<std::size_t>(width, 8)))};
   const Text text = publish && extras.published != nullptr ? extras.published : extras.text;
   if (text != nullptr) {
     if (!text(structure, value, out)) return false;
   } else if (field.kind == Kind::kString) {
     out << structure.String(static_cast<std::size_t>(value.number));
   } else if (field.kind == Kind::kCharacters) {
-    out << bytes::Reader(bytes).FixedText(width);
+    out << bytes::FixedText(bytes::AsText(bytes));
   } else if (field.kind == Kind::kBytes) {
     out << bytes;
   } else if (extras.hex && !publish) {

@@ -39,7 +39,7 @@ class StructureView {
   // Of the formatted area.
   std::size_t Length() const { return length_; }
   std::uint64_t Number(std::size_t offset, std::size_t width) const {
-    return bytes::Reader(Bytes(offset, width)).Number(width);
+    return bytes::LittleEndian(Bytes(offset, width));
   }
   std::uint8_t Byte(std::size_t offset) const { return Bytes(offset, 1)[0]; }
   std::uint16_t Word(std::size_t offset) const {

@@ -31,11 +31,11 @@ bool ReadDataBlock(IWbemClassObject* instance, Discovery& found) {
   if (!block || FAILED(GetProperty(block, L"Bytes", value))) return false;
   const platform::ByteArrayAccess access(value);
   bytes::Reader in(access.Bytes());
-  if (bytes::AsText(in.Take(kSignatureSize)) != "TARN WMI") return false;
+  const std::string_view signature = bytes::AsText(in.Take(kSignatureSize));
   in.Seek(kSizeOffset);
   const std::uint32_t buffer_size = in.U32();
   const std::uint32_t fix = in.U32();
-  if (!in.Ok()) return false;
+  if (!in.Ok() || signature != "TARN WMI") return false;
   found.found = true;
   found.buffer_size = buffer_size;
   found.buffer_fix = fix == 1;

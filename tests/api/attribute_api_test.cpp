@@ -15,6 +15,7 @@
 #include "sim/firmware/firmware.h"
 #include "sim/machine.h"
 #include "tests/support/byte_builder.h"
+#include "tests/support/checked_cursors.h"
 
 namespace mira {
 namespace {
@@ -108,18 +109,18 @@ class AttributeFirmware : public sim::CommandHandler {
       case 4:
         return Answer(call, tables_.at(call.Arg(3)).bytes, call.Arg(4));
       case 5: {
-        bytes::Writer out(call.Record(), kBlockValue);
+        test::CheckedWriter out(call.Record(), kBlockValue);
         out.U8(0);
         out.Bytes(live[HandleIn(call)]);
         return;
       }
       case 6: {
-        const std::size_t size = bytes::Reader(call.Record(), kBlockHandle + 2).U16();
+        const std::size_t size = test::CheckedReader(call.Record(), kBlockHandle + 2).U16();
         const auto sent = bytes::Slice(call.Record(), kBlockValue, size);
         written.assign(sent.begin(), sent.end());
         last_handle = HandleIn(call);
         if (status == 0) live[last_handle].assign(sent.begin() + 1, sent.end());
-        bytes::Writer(call.Record(), kBlockValue + size).U8(status);
+        test::CheckedWriter(call.Record(), kBlockValue + size).U8(status);
         return;
       }
       default:
@@ -136,7 +137,7 @@ class AttributeFirmware : public sim::CommandHandler {
 
  private:
   static std::uint16_t HandleIn(const sim::Call& call) {
-    return bytes::Reader(call.Record(), kBlockHandle).U16();
+    return test::CheckedReader(call.Record(), kBlockHandle).U16();
   }
 
   Bytes Directory() const {
@@ -164,7 +165,7 @@ class AttributeFirmware : public sim::CommandHandler {
     const auto area = call.DataArea();
     if (!area) return call.Complete(sim::kBadFormat);
     if (area->empty()) {
-      bytes::Writer(call.Record(), 44)
+      test::CheckedWriter(call.Record(), 44)
           .U32(stated_size != 0 ? stated_size : static_cast<std::uint32_t>(bytes.size()));
       return call.Complete(sim::kTooSmall);
     }
@@ -308,7 +309,7 @@ TEST(AttributeLoad, LeavesTheMachineUnsupportedWhenAFetchFails) {
   };
   const auto table_says = [](int nth, std::uint32_t length) {
     return sim::Fault{.operation = "firmware 5/4", .nth = nth, .corrupt = [length](Bytes& reply) {
-                        bytes::Writer(reply, 44).U32(length);
+                        test::CheckedWriter(reply, 44).U32(length);
                       }};
   };
   const auto fails = [](const char* operation, int nth, std::int32_t completion) {

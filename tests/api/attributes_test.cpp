@@ -18,6 +18,7 @@
 #include "sim/attribute_tables.h"
 #include "sim/machine.h"
 #include "tests/support/byte_builder.h"
+#include "tests/support/checked_cursors.h"
 #include "tests/support/console_program.h"
 #include "tests/support/host.h"
 
@@ -255,7 +256,7 @@ TEST(AttributeFirmware, ServesATableByParts) {
   for (const Case& c : cases) {
     const Bytes record = firmware.Call(4, Bytes(c.room), 0, c.table, c.received);
     EXPECT_EQ(firmware.completion(), c.completion) << c.table << " from " << c.received;
-    EXPECT_EQ(bytes::Reader(record, 44).U32(), c.length);
+    EXPECT_EQ(test::CheckedReader(record, 44).U32(), c.length);
   }
   const Bytes record = firmware.Call(4, Bytes(5), 0, 2, 36);
   EXPECT_EQ(Bytes(record.begin() + 48, record.end()), test::Hex("06 00 80 01 00"));

@@ -8,6 +8,7 @@
 
 #include "bytes/writer.h"
 #include "sim/machine.h"
+#include "tests/support/checked_cursors.h"
 #include "tests/support/console_program.h"
 #include "tests/support/host.h"
 
@@ -298,7 +299,7 @@ TEST_F(SharedBattery, ShowsWhatCanBeRead) {
 
 TEST_F(SharedBattery, NamesAnUnknownChargingModeByItsNumber) {
   machine_.GetFaults().Add({.operation = "firmware 8/18", .nth = 1, .corrupt = [](auto& reply) {
-                              bytes::Writer out(reply, 24);
+                              test::CheckedWriter out(reply, 24);
                               out.U8(9);
                               EXPECT_TRUE(out.Ok());
                             }});

@@ -17,6 +17,7 @@
 #include "buffers/tag_data.h"
 #include "bytes/writer.h"
 #include "sim/machine.h"
+#include "tests/support/checked_cursors.h"
 #include "tests/support/console_program.h"
 #include "tests/support/host.h"
 
@@ -124,7 +125,7 @@ TEST(Tags, OfAnyLengthAreMeasuredFirst) {
   // A firmware that claims more than there is room for in any record.
   host.machine().GetFaults().Add(
       {.operation = "firmware 11/8", .nth = 1, .corrupt = [](auto& reply) {
-         bytes::Writer(reply, 44).U32(0xFFFFFFFF);
+         test::CheckedWriter(reply, 44).U32(0xFFFFFFFF);
        }});
   data.Arg1 = 0;
   EXPECT_EQ(host->ExecuteDACI(11, 8, data, "", PwdInfo::PWD_NONE), STATUS_NOT_SUPPORTED);
@@ -309,13 +310,13 @@ TEST(Lists, ComeWhole) {
   // A length word that lies is bounded by the record; an answer cut short loses its last entry.
   host.machine().GetFaults().Add(
       {.operation = "firmware 17/24", .nth = 2, .corrupt = [](auto& reply) {
-         bytes::Writer(reply, 44).U32(0xFFFFFFFF);
+         test::CheckedWriter(reply, 44).U32(0xFFFFFFFF);
        }});
   EXPECT_EQ(host.Call(17, 24, log), 0);
   EXPECT_EQ(log.Entries.size(), 3u);
   host.machine().GetFaults().Add(
       {.operation = "firmware 17/24", .nth = 1, .corrupt = [](auto& reply) {
-         bytes::Writer(reply, 44).U32(10);
+         test::CheckedWriter(reply, 44).U32(10);
        }});
   EXPECT_EQ(host.Call(17, 24, log), -6) << "the room was measured wrong";
   EXPECT_EQ(log.Entries.size(), 3u) << "a failed call leaves it alone";

@@ -9,6 +9,7 @@
 
 #include "buffers/buffer.h"
 #include "bytes/reader.h"
+#include "tests/support/checked_cursors.h"
 
 namespace mira::test {
 
@@ -24,7 +25,7 @@ struct Expected {
 inline void ExpectRecord(const CBuffer& buffer, const Expected& expected) {
   const auto bytes = buffer.Record();
   ASSERT_EQ(bytes.size(), expected.length);
-  bytes::Reader in(bytes, 4);
+  CheckedReader in(bytes, 4);
   EXPECT_EQ((std::vector<std::uint32_t>{in.U32(), in.U32(), in.U32(), in.U32()}), expected.args);
   in.Seek(36);
   EXPECT_EQ(in.U32(), expected.kinds);

@@ -14,6 +14,7 @@
 #include "bytes/reader.h"
 #include "bytes/writer.h"
 #include "devicepath/load_option.h"
+#include "tests/support/checked_cursors.h"
 #include "tests/support/console_capture.h"
 
 namespace mira {
@@ -65,7 +66,7 @@ struct Expected {
 };
 
 void ExpectRecord(const CBuffer& buffer, const Expected& expected) {
-  bytes::Reader in(buffer.Record(), 4);
+  test::CheckedReader in(buffer.Record(), 4);
   EXPECT_EQ((Words{in.U32(), in.U32(), in.U32(), in.U32()}), expected.args);
   in.Seek(36);
   EXPECT_EQ(in.U32(), expected.kinds);
@@ -79,7 +80,7 @@ std::unique_ptr<CBuffer> Answered(std::uint16_t select, const std::string& answe
   auto buffer = Make(3, select);
   auto size = static_cast<std::uint32_t>(answer.size());
   EXPECT_NE(buffer->FillInputBuffer(0, size, request), nullptr);
-  bytes::Writer(buffer->Record(), 48).Bytes(bytes::AsBytes(answer));
+  test::CheckedWriter(buffer->Record(), 48).Bytes(bytes::AsBytes(answer));
   return buffer;
 }
 
@@ -129,7 +130,7 @@ TEST(BootLists, EndWithTheBytesReceived) {
 
     // The record has more room than the firmware says that it used.
     const auto roomy = Answered(9, whole, lists);
-    bytes::Writer(roomy->Record(), 44).U32(static_cast<std::uint32_t>(size));
+    test::CheckedWriter(roomy->Record(), 44).U32(static_cast<std::uint32_t>(size));
     roomy->ParseOutputBuffer(lists);
     EXPECT_EQ(lists.Count, expected);
   }
@@ -428,7 +429,7 @@ TEST(BootDisplay, ShowsListsAndOptions) {
   EXPECT_EQ(console.Output(), "16");
 
   const auto failed = Answered(9, TwoLists(), lists);
-  bytes::Writer(failed->Record(), 20).U32(0xFFFFFFFF);
+  test::CheckedWriter(failed->Record(), 20).U32(0xFFFFFFFF);
   EXPECT_EQ(Shown(*failed), "");
 }
 
@@ -459,7 +460,7 @@ TEST(BootDisplay, ShowsLegacyEntriesOfLegacyLists) {
           ConsoleCapture console("0\n");
           auto size = static_cast<std::uint32_t>(answer.size());
           ASSERT_NE(buffer->PromptInputBuffer(0, size, true), nullptr);
-          bytes::Writer(buffer->Record(), 48).Bytes(bytes::AsBytes(answer));
+          test::CheckedWriter(buffer->Record(), 48).Bytes(bytes::AsBytes(answer));
         }
         if (how == kParsed) {
           options.IsUEFI = is_uefi;
@@ -597,7 +598,7 @@ TEST(LegacyPriorities, AreDecoded) {
     data.Count = c.count;
     std::uint32_t size = 0;
     ASSERT_NE(buffer->FillInputBuffer(0, size, data), nullptr);
-    bytes::Writer out(buffer->Record(), 48);
+    test::CheckedWriter out(buffer->Record(), 48);
     out.Bytes(bytes::AsBytes(Raw({2, 0, 1})));
     out.U32(c.table_length);
     for (std::uint8_t i = 0; i < 3 * c.entry_length; ++i) out.U8(i);
@@ -730,7 +731,7 @@ TEST(DataBlock, IsReceived) {
     data.Data = c.has_data ? block : nullptr;
     std::uint32_t size = 0;
     ASSERT_NE(buffer->FillInputBuffer(0, size, data), nullptr);
-    bytes::Writer out(buffer->Record(), 44);
+    test::CheckedWriter out(buffer->Record(), 44);
     out.U32(c.said);
     out.Bytes(bytes::AsBytes(std::string(16, 'x')));
     buffer->ParseOutputBuffer(data);

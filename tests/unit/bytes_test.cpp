@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "bytes/reader.h"
@@ -35,6 +36,7 @@ TEST(Reader, ReadsLittleEndianInOrder) {
   EXPECT_EQ(in.Left(), 0u);
   Reader wide(kBytes, 1);
   EXPECT_EQ(wide.U64(), 0x4241123456781234u);
+  EXPECT_TRUE(wide.Ok());
 }
 
 TEST(Reader, FailureSticksAndMovesNothing) {
@@ -44,6 +46,7 @@ TEST(Reader, FailureSticksAndMovesNothing) {
   EXPECT_EQ(in.Offset(), 13u);
   EXPECT_EQ(in.U8(), 0u) << "one byte is there, but a failed reader yields nothing";
   EXPECT_TRUE(in.Rest().empty());
+  EXPECT_FALSE(in.Ok());
 
   Reader no_nul(Slice(kBytes, 12));
   EXPECT_EQ(no_nul.CString(), "");
@@ -53,6 +56,7 @@ TEST(Reader, FailureSticksAndMovesNothing) {
   failed.Take(6);
   EXPECT_EQ(failed.CString(), "") << "a text is there, but a failed reader yields nothing";
   EXPECT_EQ(failed.Offset(), 0u);
+  EXPECT_FALSE(failed.Ok());
 
   Reader outside(kBytes, 16);
   EXPECT_FALSE(outside.Ok());
@@ -60,6 +64,110 @@ TEST(Reader, FailureSticksAndMovesNothing) {
   EXPECT_TRUE(huge.Take(static_cast<std::size_t>(-1)).empty());
   EXPECT_FALSE(huge.Ok());
 }
+
+#ifdef MIRA_CHECKED
+
+class Neglect : public ::testing::Test {
+ protected:
+  // How many cursors ended without having been asked while `use` ran.
+  template <typename Use>
+  int In(Use use) {
+    count_ = 0;
+    use();
+    return count_;
+  }
+
+ private:
+  struct Handler {
+    Handler() : before(SetNeglectHandler([](const Place&) { ++count_; })) {}
+    ~Handler() { SetNeglectHandler(before); }
+    NeglectHandler before;
+  };
+  static inline int count_ = 0;
+  const Handler handler_;
+};
+
+TEST_F(Neglect, IsNoticedInEachCursorThatNobodyAsked) {
+  std::array<std::uint8_t, 4> target{};
+  EXPECT_EQ(In([] { Reader(kBytes).U8(); }), 1);
+  EXPECT_EQ(In([] { Reader(kBytes, 99).CString(); }), 1);
+  EXPECT_EQ(In([] { Reader(kBytes).Seek(99); }), 1);
+  EXPECT_EQ(In([&] { Writer(target).U32(1); }), 1);
+  EXPECT_EQ(In([&] { Writer(target, 2).Text("long"); }), 1);
+  EXPECT_EQ(In([] {
+              Reader in(kBytes);
+              in.U8();
+              EXPECT_TRUE(in.Ok());
+              in.U8();
+            }),
+            1)
+      << "asked before the last read";
+  EXPECT_EQ(In([] {
+              Reader in(kBytes);
+              EXPECT_EQ(in.Left(), kBytes.size());
+              in.Take(kBytes.size() + 1);
+            }),
+            1)
+      << "counted, but not kept to the count";
+}
+
+TEST_F(Neglect, IsNoneWhereSomebodyAskedOrNothingCanFail) {
+  std::array<std::uint8_t, 4> target{};
+  EXPECT_EQ(In([] {
+              Reader in(kBytes, 14);
+              in.U32();
+              EXPECT_FALSE(in.Ok());
+            }),
+            0);
+  EXPECT_EQ(In([&] {
+              Writer out(target);
+              out.U16(1);
+              EXPECT_TRUE(out.Ok());
+            }),
+            0);
+  EXPECT_EQ(In([] {
+              for (Reader in(kBytes); in.Left() >= 2;) in.U16();
+            }),
+            0)
+      << "counted";
+  EXPECT_EQ(In([] { Reader(kBytes).Rest(); }), 0);
+  EXPECT_EQ(In([] { Reader::Lenient(kBytes, 99).U32(); }), 0);
+  EXPECT_EQ(In([] {
+              try {
+                Reader in(kBytes);
+                in.U8();
+                throw 1;
+              } catch (int) {
+              }
+            }),
+            0)
+      << "an exception tells enough";
+}
+
+TEST_F(Neglect, IsThatOfTheLastCopy) {
+  EXPECT_EQ(In([] {
+              Reader in(kBytes);
+              in.U8();
+              Reader copy = in;
+              EXPECT_TRUE(copy.Ok());
+            }),
+            0);
+  EXPECT_EQ(In([] {
+              Reader in(kBytes);
+              in.U8();
+              const Reader moved = std::move(in);
+            }),
+            1);
+  EXPECT_EQ(In([] {
+              Reader in(kBytes);
+              in.U8();
+              in = Reader(kBytes);
+            }),
+            1)
+      << "assigning asks nothing";
+}
+
+#endif
 
 TEST(Slice, StaysInsideItsBytes) {
   EXPECT_EQ(Slice(kBytes, 14, 9).size(), 1u);
@@ -78,6 +186,7 @@ TEST(Writer, WritesWhatFitsOrNothing) {
   out.U32(0xFFFFFFFF);
   EXPECT_FALSE(out.Ok());
   out.U8(0x77);
+  EXPECT_FALSE(out.Ok());
   EXPECT_EQ(target, (std::vector<std::uint8_t>{0xEE, 0x34, 0x12, 'o', 'k', 0, 0xEE, 0xEE}));
 }
 

@@ -21,6 +21,7 @@
 #include "buffers/received_data.h"
 #include "buffers/tag_data.h"
 #include "bytes/writer.h"
+#include "tests/support/checked_cursors.h"
 #include "tests/support/console_capture.h"
 #include "tests/support/expected_record.h"
 
@@ -329,7 +330,7 @@ std::unique_ptr<CBuffer> Answered(std::uint16_t cls, std::uint16_t select, IBIOS
   record->cbRES2 = answer.results[0];
   record->cbRES3 = answer.results[1];
   record->cbRES4 = answer.results[2];
-  bytes::Writer out(buffer->Record(), 44);
+  test::CheckedWriter out(buffer->Record(), 44);
   out.Bytes(bytes::AsBytes(answer.area));
   EXPECT_TRUE(out.Ok());
   return buffer;
@@ -448,7 +449,7 @@ TEST(Identity, ShowsWhatItRead) {
     const std::unique_ptr<CBuffer> image(CreateBuffer(11, select, 4096));
     std::uint32_t size = 0;
     SMBiosCI* const record = image->PromptInputBuffer(0, size, false);
-    bytes::Writer(image->Record(), 48).Text("images.example");
+    test::CheckedWriter(image->Record(), 48).Text("images.example");
     EXPECT_EQ(Shown(*image), select == 4 ? "Image Server Data : images.example\n" : "");
     std::fill(image->Record().begin() + 48, image->Record().end(), std::uint8_t{'x'});
     EXPECT_EQ(Shown(*image),
@@ -514,7 +515,7 @@ TEST(Batteries, AreDecodedAndShown) {
             "Peak Shift Minimum Threshold : 90\nPeak Shift Maximum Threshold : 0\n" +
                 schedule);
   const auto failed = Answered(8, 18, charging, 0, shown);
-  bytes::Writer(failed->Record(), 20).U32(0xFFFFFFFF);
+  test::CheckedWriter(failed->Record(), 20).U32(0xFFFFFFFF);
   EXPECT_EQ(Shown(*failed), "");
 }
 

@@ -13,6 +13,7 @@
 
 #include "sim/kept_file.h"
 #include "tests/support/byte_builder.h"
+#include "tests/support/checked_cursors.h"
 
 #if !defined(_WIN32)
 #include <sys/stat.h>
@@ -64,7 +65,7 @@ std::uint32_t Call(sim::Machine& machine, sim::KeptMachine& kept, std::uint16_t 
   std::vector<std::uint8_t> array = record.Done();
   sim::Faults none;
   kept.Transact([&] { machine.GetFirmware().Execute(array, none); });
-  bytes::Reader in(array, 20);
+  test::CheckedReader in(array, 20);
   EXPECT_EQ(in.U32(), 0u);
   return in.U32();
 }

@@ -17,6 +17,7 @@
 #include "bytes/reader.h"
 #include "bytes/writer.h"
 #include "callif/password.h"
+#include "tests/support/checked_cursors.h"
 #include "tests/support/console_capture.h"
 #include "tests/support/expected_record.h"
 
@@ -94,7 +95,7 @@ std::unique_ptr<CHDDPwdBuffer> Answered(std::uint16_t select, std::uint32_t coun
   std::uint32_t size = 0;
   SMBiosCI* const record = buffer->FillInputBuffer(0, size, data);
   record->cbRES2 = count;
-  bytes::Writer(buffer->Record(), 48).Bytes(bytes::AsBytes(area));
+  test::CheckedWriter(buffer->Record(), 48).Bytes(bytes::AsBytes(area));
   return buffer;
 }
 
@@ -473,7 +474,7 @@ std::string Shown(std::uint16_t select, const std::string& answers, const std::s
     record = buffer.PromptInputBuffer(0, size, true);
   }
   if (record == nullptr) return "no record";
-  bytes::Writer out(buffer.Record(), 44);
+  test::CheckedWriter out(buffer.Record(), 44);
   out.Bytes(bytes::AsBytes(area));
   EXPECT_TRUE(out.Ok());
   record->cbRES1 = completion;

@@ -15,6 +15,7 @@
 #include "pldm/attribute_convert.h"
 #include "pldm/table_parser.h"
 #include "tests/support/byte_builder.h"
+#include "tests/support/checked_cursors.h"
 #include "tests/support/console_capture.h"
 
 namespace mira::pldm {
@@ -222,12 +223,12 @@ TEST(Values, AreReadAndEncoded) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.value);
     const Bytes bytes = Hex(c.value);
-    bytes::Reader in(bytes);
+    test::CheckedReader in(bytes);
     const auto value = ReadValue(in, 1, Type(c.type));
     ASSERT_NE(value, nullptr);
     EXPECT_EQ(in.Left(), 0u);
     Bytes encoded(EncodedSize(*value), 0xEE);
-    bytes::Writer out(encoded);
+    test::CheckedWriter out(encoded);
     Encode(*value, out);
     EXPECT_TRUE(out.Ok());
     Bytes expected = {static_cast<std::uint8_t>(c.type)};
@@ -273,7 +274,7 @@ TEST(Types, ThatDoNotExistAreDiagnosed) {
   }
   const auto read_only = MakeValue(PLDM::BIOSIntegerReadOnly);
   Bytes encoded(EncodedSize(*read_only), 0);
-  bytes::Writer out(encoded);
+  test::CheckedWriter out(encoded);
   ConsoleCapture console;
   Encode(*read_only, out);
   EXPECT_EQ(encoded, Bytes{131}) << "not written";
@@ -325,7 +326,7 @@ class Request : public ::testing::Test {
   }
   void Exchange(int type, std::uint16_t handle, const char* value) {
     const Bytes bytes = Hex(value);
-    bytes::Reader in(bytes);
+    test::CheckedReader in(bytes);
     record_.Exchange = ReadValue(in, handle, Type(type));
   }
   CACIInfo2Record record_;
@@ -391,7 +392,7 @@ TEST_F(Request, MovesAnswersIntoTheRecord) {
     const std::unique_ptr<CBuffer> buffer(CreateBuffer(5, 5, 4096));
     std::uint32_t size = 0;
     ASSERT_NE(buffer->FillInputBuffer(0, size, record_), nullptr);
-    bytes::Writer answer(buffer->Record(), 72);
+    test::CheckedWriter answer(buffer->Record(), 72);
     answer.U8(0);
     answer.U16(static_cast<std::uint16_t>(c.length));
     answer.Bytes(Bytes(std::min<std::size_t>(c.length, 135), 'v'));
@@ -431,7 +432,7 @@ TEST(Directory, IsShown) {
   std::uint32_t size = static_cast<std::uint32_t>(Directory().size());
   SMBiosCI* const record = buffer->PromptInputBuffer(0, size, true);
   ASSERT_NE(record, nullptr);
-  bytes::Writer(buffer->Record(), 48).Bytes(Directory());
+  test::CheckedWriter(buffer->Record(), 48).Bytes(Directory());
   {
     ConsoleCapture console;
     buffer->DisplayOutputBuffer();

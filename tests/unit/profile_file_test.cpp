@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <string>
 #include <vector>
@@ -150,6 +151,37 @@ TEST(BuiltInProfiles, AreWhatTheirDescriptionsSay) {
   EXPECT_EQ(sim::FindProfile("scan-codes")->class9.text, "\x1F\x12\x14\x16\x19\x02");
   EXPECT_EQ(sim::FindProfile("no-attributes")->supported_classes, 0x05F71FDFu);
   EXPECT_EQ(sim::Profiles().front().name, "laptop");
+}
+
+TEST(ProfileFile, TellsItsIdentityToTheTableOfItsBase) {
+  const auto table = [](const char* json) {
+    const sim::Machine machine(sim::ReadProfile(json));
+    return machine.GetProfile().firmware_table;
+  };
+  const auto holds = [](const Bytes& bytes, const std::string& text) {
+    return std::search(bytes.begin(), bytes.end(), text.begin(), text.end()) != bytes.end();
+  };
+  struct Case {
+    const char* base;
+    const char* serial;  // of the base
+    int modules;         // of its own
+  };
+  for (const Case& c : {Case{"laptop", "7KX2M91", 2}, Case{"desktop", "4DT7Q18", 4},
+                        Case{"workstation", "9WS0K44", 24}, Case{"old-firmware", "1OF6J02", 2}}) {
+    SCOPED_TRACE(c.base);
+    const std::string base = R"({"base": ")" + std::string(c.base) + '"';
+    const Bytes same = table((base + "}").c_str());
+    EXPECT_EQ(same, sim::Machine(*sim::FindProfile(c.base)).GetProfile().firmware_table);
+    const Bytes other =
+        table((base + R"(, "serviceTag": "ABC-123", "biosVersion": "9.9.9"})").c_str());
+    EXPECT_TRUE(holds(same, c.serial));
+    EXPECT_FALSE(holds(other, c.serial));
+    EXPECT_TRUE(holds(other, "ABC-123"));
+    EXPECT_TRUE(holds(other, "9.9.9"));
+    EXPECT_EQ(Count(other, 17), c.modules) << "the base's own structures stay";
+    EXPECT_EQ(Count(other, 127), 1);
+    EXPECT_EQ(Count(table((base + R"(, "callingInterface": false})").c_str()), 218), 0);
+  }
 }
 
 TEST(BuiltInProfiles, AreTheSameWhenWrittenAndReadBack) {

@@ -10,6 +10,7 @@
 #include "bytes/writer.h"
 #include "sim/machine.h"
 #include "tests/support/byte_builder.h"
+#include "tests/support/checked_cursors.h"
 #include "tests/support/expected_record.h"
 #include "tests/support/freed_memory.h"
 
@@ -45,7 +46,7 @@ Answer Send(sim::Machine& machine, const Request& request) {
   std::vector<std::uint8_t> array = record.Done();
   sim::Faults none;
   machine.GetFirmware().Execute(array, none);
-  bytes::Reader in(array, 20);
+  test::CheckedReader in(array, 20);
   Answer answer{static_cast<std::int32_t>(in.U32()), {in.U32(), in.U32(), in.U32()}, ""};
   in.Seek(44);
   answer.area = bytes::AsText(in.Rest());
