@@ -64,7 +64,7 @@ class Assignment {
   }
 
   void operator()(PLDM::Password& target) const {
-    if (!value_.is_string()) Break("the value is no text.");
+    if (!value_.is_string()) Break("the value is not a text.");
     const auto& text = value_.get_ref<const std::string&>();
     CheckLength(target, text);
     bytes::Replace(target.Value, text);
@@ -129,7 +129,7 @@ class Assignment {
       choices += (choices.empty() ? "" : ", ") + ToUtf8(choice);
       list.push_back(TextJson(choice));
     }
-    return Broken(setting_, "'" + ToUtf8(text) + "' is none of its values.",
+    return Broken(setting_, "'" + ToUtf8(text) + "' is not one of its values.",
                   "They are: " + choices + ".")
         .With("choices", std::move(list));
   }
@@ -148,7 +148,7 @@ class Assignment {
     if (value_.is_array()) {
       for (const Json& part : value_) {
         const auto text = part.is_number_unsigned() ? part.dump() : BytesOfText(part);
-        if (!text) Break(Quoted(part) + " is no text.");
+        if (!text) Break(Quoted(part) + " is not a text.");
         parts.push_back(*text);
       }
     } else {
@@ -181,20 +181,20 @@ class Assignment {
 
   std::string Text() const {
     const auto text = BytesOfText(value_);
-    if (!text) Break(Quoted(value_) + " is no text.");
+    if (!text) Break(Quoted(value_) + " is not a text.");
     return *text;
   }
 
   std::uint64_t Number() const {
     if (value_.is_number_unsigned()) return value_.get<std::uint64_t>();
     if (value_.is_number_integer()) Break(value_.dump() + " is below 0.", Takes());
-    if (value_.is_number_float()) Break(value_.dump() + " is no whole number.", Takes());
+    if (value_.is_number_float()) Break(value_.dump() + " is not a whole number.", Takes());
     if (value_.is_string()) {
       if (const auto number = bytes::ParseNumber(value_.get_ref<const std::string&>())) {
         return *number;
       }
     }
-    Break(Quoted(value_) + " is no number.", Takes());
+    Break(Quoted(value_) + " is not a number.", Takes());
   }
 
   // The text is a secret in some attributes, so no message quotes it.
@@ -227,7 +227,8 @@ void AssignModes(Setting& setting, const Json& modes) {
       const auto mode = modes.find(row.name);
       if (mode == modes.end()) continue;
       if (!mode->is_number_unsigned() || mode->get<std::uint64_t>() > kLargest) {
-        throw Broken(setting, std::string(row.name) + " is no such number.", "It takes 0 to 255.");
+        throw Broken(setting, std::string(row.name) + " is not a valid number.",
+                     "It takes 0 to 255.");
       }
       target.*row.member = mode->get<std::uint32_t>();
     }

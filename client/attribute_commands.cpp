@@ -39,7 +39,7 @@ struct Assigned {
 };
 
 // NAME VALUE, or NAME=VALUE several times. A name may have a "=" in it only where a value stands
-// beside it.
+// in an argument of its own.
 std::vector<Assigned> ReadAssignments(const Request& request) {
   const std::string name = request.Text("name");
   const Json& value = request.Value("value");
@@ -58,7 +58,8 @@ std::vector<Assigned> ReadAssignments(const Request& request) {
   for (const std::string& pair : pairs) {
     if (!is_pair(pair)) {
       throw Error(kUsage, "bad-argument",
-                  "'" + pair + "' is no NAME=VALUE: several are set as NAME=VALUE each.", pair);
+                  "'" + pair + "' is not of the form NAME=VALUE, which sets several at once.",
+                  pair);
     }
     const std::size_t sign = pair.find('=');
     assigned.push_back({pair.substr(0, sign), Json(pair.substr(sign + 1))});
@@ -123,12 +124,13 @@ Json SetAttributes(Request& request) {
   return CarryAttributes(request, plan);
 }
 
-// To the defaults that the tables tell: of enumerations, strings and integers, and never passwords.
+// Gives attributes the defaults of the tables: of enumerations, strings and integers, and never
+// passwords.
 Json Reset(Request& request) {
   const std::vector<std::string> names = request.Texts("names");
   const bool is_all = request.Flag("all");
   if (names.empty() != is_all) {
-    throw Error(kUsage, "bad-argument", "Either the names of attributes are wanted, or all.",
+    throw Error(kUsage, "bad-argument", "Either names of attributes or 'all' must be given.",
                 "names");
   }
   Session& session = request.GetSession();

@@ -11,7 +11,7 @@ namespace {
 constexpr std::uint64_t kFormat = 1;
 constexpr char kFile[] = "The file";
 
-// What a file may have: what is exported, and what the other documents have beside it.
+// What a file may have: what is exported, and what the other documents have in addition.
 constexpr std::string_view kFileKeys[] = {"schemaVersion", "simulated",  "createdAt", "machine",
                                           "attributes",    "unreadable", "error"};
 constexpr std::string_view kMachineKeys[] = {"manufacturer", "product", "serialNumber",
@@ -78,7 +78,7 @@ Json Entries(const Json& document) {
   const auto found = document.find("attributes");
   if (found == document.end()) throw Malformed("has no \"attributes\".");
   if (found->is_array()) return *found;
-  if (!found->is_object()) throw Malformed("has \"attributes\" that are no list.");
+  if (!found->is_object()) throw Malformed("has \"attributes\" that are not a list.");
   Json entries = Json::array();
   for (const auto& [name, value] : found->items()) {
     entries.push_back({{"name", name}, {"value", value}});
@@ -90,7 +90,7 @@ Json Warnings(const Json& document) {
   Json warnings = Json::array();
   const auto there = document.find("machine");
   if (there == document.end()) return warnings;
-  if (!there->is_object()) throw Malformed("has a \"machine\" that is no object.");
+  if (!there->is_object()) throw Malformed("has a \"machine\" that is not an object.");
   CheckKeys(*there, kMachineKeys, "The file's \"machine\"");
   const Json here = MachineJson();
   struct Row {

@@ -81,7 +81,7 @@ Step PlanAttribute(const AttributeWriterPtr& writer, const AttributeWish& wish) 
   if (is_fixed && is_other) {
     step.changes.front().problem = ReadOnlyError(*wanted);
   }
-  // Of a password nothing is read back: what is there, nobody is told.
+  // A password cannot be read back.
   if (!entry.IsPassword()) {
     step.read = [writer, &entry, modes](Session&) {
       return Values(writer->All(), writer->All().ReadLive(entry), modes);
@@ -106,7 +106,7 @@ Step PlanDefault(const AttributeWriterPtr& writer, const AttributeEntry& entry) 
     throw Error(
         kInvalidValue, "no-default",
         title + (entry.IsPassword() ? " is a password: passwords are never set to a default."
-                                    : ": the machine's tables tell no default of it."),
+                                    : ": the machine's tables give no default for it."),
         title);
   }
   return PlanAttribute(writer, {.entry = &entry, .value = value});

@@ -45,7 +45,7 @@ Step PlanAttribute(const AttributeWriterPtr& writer, const AttributeWish& wish);
 // A step that stands for an entry of which the error says why it is impossible.
 Step ImpossibleStep(const std::string& target, const Error& error);
 
-// The plan to give the attribute its default. Throws Error where the tables tell none.
+// The plan to give the attribute its default. Throws Error where the tables have none.
 Step PlanDefault(const AttributeWriterPtr& writer, const AttributeEntry& entry);
 
 }  // namespace mira::client

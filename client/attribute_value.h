@@ -39,7 +39,7 @@ struct Overloaded : Functions... {
 template <typename... Functions>
 Overloaded(Functions...) -> Overloaded<Functions...>;
 
-// What a boot order has beside its sources.
+// What a boot order has in addition to its sources.
 struct ModeRow {
   const char* name;
   std::uint32_t PLDM::BootConfigSetting::*member;

@@ -141,7 +141,7 @@ const AttributeEntry* Attributes::FindName(const std::string& name) const {
   return find([&](const AttributeEntry& e) { return bytes::SameText(e.name, name); });
 }
 
-// The tables alone mostly tell it; an attribute without a value in them is asked for.
+// The tables alone mostly have it; an attribute without a value in them is asked for.
 std::string Attributes::FullName(const AttributeEntry& entry) {
   for (const auto read : {&Attributes::ReadAtBoot, &Attributes::ReadLive}) {
     try {

@@ -34,7 +34,7 @@ std::size_t ListedBatteries(Session& session) {
   return count;
 }
 
-// Empty where the firmware does not tell.
+// Empty where the firmware does not say.
 std::vector<BatteryLife> ReadLife(Session& session, std::uint16_t number) {
   CExtBatteryLife data;
   try {
@@ -91,7 +91,7 @@ std::uint8_t ParseBatteryMode(const std::string& name) {
     choices.push_back(mode.name);
   }
   throw Error(kInvalidValue, "unknown-mode",
-              "'" + name + "' is no charging mode. The modes are: " + names + ".", name)
+              "'" + name + "' is not a charging mode. The modes are: " + names + ".", name)
       .With("choices", std::move(choices));
 }
 
@@ -100,7 +100,7 @@ std::vector<std::uint16_t> FindBatteries(Session& session, const std::string& te
     const auto number = bytes::ParseNumber(text, kHighestNumber);
     if (number) return {static_cast<std::uint16_t>(*number)};
     throw Error(kUsage, "bad-argument",
-                "'" + text + "' is no battery number: one from 0 to 255, or 'all', is wanted.",
+                "'" + text + "' is not a battery number: give one from 0 to 255, or 'all'.",
                 "battery")
         .With("argument", "battery");
   }
@@ -152,7 +152,7 @@ Battery ReadBattery(Session& session, std::uint16_t number) {
   if (problem.completion != kUnknownBattery || (number >= 1 && number <= listed)) throw problem;
   Error unknown(
       kNotFound, "no-battery",
-      "The firmware knows no such battery; the machine lists " + std::to_string(listed) + ".",
+      "The firmware does not know this battery; the machine lists " + std::to_string(listed) + ".",
       BatteryName(number));
   unknown.completion = problem.completion;
   throw std::move(unknown).With("listed", listed);

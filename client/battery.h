@@ -51,7 +51,7 @@ struct Battery {
   std::optional<Error> charging_problem;
   std::optional<BatteryPeakShift> peak_shift;
   std::optional<Error> peak_shift_problem;
-  // Empty where the firmware does not tell. Its layout is an assumption of this library.
+  // Empty where the firmware does not say. Its layout is an assumption of this library.
   std::vector<BatteryLife> life;
 };
 

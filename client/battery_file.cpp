@@ -18,7 +18,7 @@ Error BadFile(const std::string& target, const std::string& message) {
 void RequireKeys(const Json& object, std::initializer_list<std::string_view> keys,
                  const std::string& target) {
   if (!object.is_object())
-    throw BadFile(target, "The configuration of " + target + " is no object.");
+    throw BadFile(target, "The configuration of " + target + " is not an object.");
   for (const auto& [key, value] : object.items()) {
     if (std::find(keys.begin(), keys.end(), key) != keys.end()) continue;
     throw Error(kInvalidValue, "unknown-key",
@@ -33,7 +33,7 @@ std::optional<std::uint8_t> ByteOf(const Json& object, const char* key, const st
   if (found == object.end()) return std::nullopt;
   const auto number = ToNumber(*found);
   if (number && *number <= highest) return static_cast<std::uint8_t>(*number);
-  throw BadFile(target, std::string("'") + key + "' of " + target + " is no number from 0 to " +
+  throw BadFile(target, std::string("'") + key + "' of " + target + " is not a number from 0 to " +
                             std::to_string(highest) + ".");
 }
 
@@ -43,7 +43,7 @@ std::optional<std::uint8_t> ModeOf(const Json& charging, const std::string& targ
   const auto code = ByteOf(charging, "modeCode", target, std::numeric_limits<std::uint8_t>::max());
   const auto name = charging.find("mode");
   if (name == charging.end()) return code;
-  if (!name->is_string()) throw BadFile(target, "'mode' of " + target + " is no text.");
+  if (!name->is_string()) throw BadFile(target, "'mode' of " + target + " is not a text.");
   const std::string& text = name->get_ref<const std::string&>();
   if (!code) return ParseBatteryMode(text);
   if (BatteryModeName(*code) == text) return code;

@@ -18,7 +18,7 @@ namespace mira::client {
 struct BootList {
   std::uint8_t number = 0;
   std::u16string name;
-  bool is_uefi = false;  // the firmware tells a list's kind by its name alone
+  bool is_uefi = false;  // only a list's name says of which kind it is
 };
 struct BootLists {
   std::vector<BootList> lists;

@@ -68,7 +68,7 @@ Json Encode(Request& request) {
   devicepath::Problem problem;
   const auto path = devicepath::DevicePathFromText(text, &problem);
   if (!path) {
-    throw Error(kInvalidValue, "no-path", "'" + text + "' is no device path: " + problem.message,
+    throw Error(kInvalidValue, "no-path", "'" + text + "' is not a device path: " + problem.message,
                 text)
         .With("offset", problem.offset);
   }
@@ -96,7 +96,7 @@ std::vector<Command> BootCommands() {
                      {.name = "kind",
                       .help =
                           "what the options are, uefi or legacy, where the list's name does not "
-                          "tell",
+                          "say",
                       .choices = {"uefi", "legacy"}}},
        .run = ShowBoot},
       {.name = "boot.order",

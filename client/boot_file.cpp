@@ -24,7 +24,7 @@ BootOption DecodeBootOption(const std::string& content) {
   auto decoded = devicepath::DecodeLoadOption(bytes, &problem);
   if (!decoded) {
     throw Error(kInvalidValue, "no-load-option",
-                "This is no load option, at byte " + std::to_string(problem.offset) + ": " +
+                "This is not a load option, at byte " + std::to_string(problem.offset) + ": " +
                     problem.message)
         .With("offset", problem.offset);
   }

@@ -38,7 +38,7 @@ enum class Check { kNo, kYes };
 // is installed. `check` has the firmware verify it before anything else. Throws Error.
 Key ObtainKey(Session& session, SecretProvider& secrets, bool wants_class10, Check check);
 
-// What firmware means that refuses to look at a password.
+// What it means that firmware refuses to verify a password.
 inline constexpr char kLockedOut[] =
     "The firmware verifies no password: after several wrong ones it verifies none until the "
     "machine "

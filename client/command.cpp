@@ -20,10 +20,9 @@ Json CheckNumber(const Argument& argument, const Json& value) {
   const auto number =
       value.is_string() ? bytes::ParseNumber(value.get_ref<const std::string&>()) : ToNumber(value);
   if (number && *number >= argument.min && *number <= argument.max) return *number;
-  throw BadArgument(argument, "'" + Readable(value) + "' is no " + argument.help +
-                                  ": a number from " + std::to_string(argument.min) + " to " +
-                                  std::to_string(argument.max) +
-                                  " is wanted, in decimal or with 0x.");
+  throw BadArgument(argument, "'" + Readable(value) + "' is not a valid " + argument.help +
+                                  ": give a number from " + std::to_string(argument.min) + " to " +
+                                  std::to_string(argument.max) + ", in decimal or with 0x.");
 }
 
 Json CheckTexts(const Argument& argument, const Json& value) {
@@ -42,8 +41,8 @@ void CheckChoice(const Argument& argument, const std::string& text) {
   if (std::find(choices.begin(), choices.end(), text) != choices.end()) return;
   std::string names;
   for (const std::string& choice : choices) names += (names.empty() ? "" : ", ") + choice;
-  throw BadArgument(argument,
-                    "'" + text + "' is no " + argument.name + ": it is one of " + names + ".")
+  throw BadArgument(argument, "'" + text + "' is not a valid " + argument.name +
+                                  "; the choices are " + names + ".")
       .With("choices", choices);
 }
 
@@ -90,7 +89,7 @@ const Argument kClass10 = {
 
 Json CheckArguments(const Command& command, const Json& arguments) {
   if (!arguments.is_object()) {
-    throw Error(kUsage, "bad-argument", "The arguments are no object.", command.name);
+    throw Error(kUsage, "bad-argument", "The arguments are not an object.", command.name);
   }
   Json checked = Json::object();
   for (const auto& [name, value] : arguments.items()) {

@@ -118,7 +118,7 @@ struct Result {
 Result Run(const Command& command, Json arguments, Request& request);
 
 // The arguments in the form that handlers want. Throws Error (kUsage) for those that are unknown,
-// missing or no such value.
+// missing, or whose values are not valid.
 Json CheckArguments(const Command& command, const Json& arguments);
 
 }  // namespace mira::client

@@ -61,12 +61,12 @@ std::uint8_t ParseTime(const std::string& whole, std::string_view text) {
                        *hours * kMinutes + *minutes <= kHours * kMinutes;
   if (!is_time) {
     throw BadSchedule(whole, "no-time",
-                      "'" + std::string(text) + "' is no time from 00:00 to 24:00.");
+                      "'" + std::string(text) + "' is not a time from 00:00 to 24:00.");
   }
   if (*minutes % kQuarter != 0) {
     throw BadSchedule(whole, "no-quarter-hour",
                       "'" + std::string(text) +
-                          "' is no quarter hour; schedules are kept in quarter "
+                          "' is not a quarter hour; schedules are kept in quarter "
                           "hours.");
   }
   return static_cast<std::uint8_t>((*hours * kMinutes + *minutes) / kQuarter);
@@ -95,7 +95,7 @@ std::uint32_t PackTimes(const std::string& whole, std::string_view begin, std::s
   if (times.charge_from == 0) {
     throw BadSchedule(
         whole, "charge-time-zero",
-        "The battery cannot be charged again from 00:00: that stands for no such time. "
+        "The battery cannot be charged again from 00:00: its word has no form for that. "
         "24:00 is the day's end.");
   }
   return battery::PackDay(times);
@@ -107,7 +107,7 @@ std::uint32_t ParseTimes(const std::string& whole, std::string_view text, Charge
   if (bytes::WithoutHexPrefix(text)) {
     const auto word = bytes::ParseNumber(text, std::numeric_limits<std::uint32_t>::max());
     if (word) return static_cast<std::uint32_t>(*word);
-    throw BadSchedule(whole, "no-word", "'" + std::string(text) + "' is no day's word of 32 bits.");
+    throw BadSchedule(whole, "no-word", "'" + std::string(text) + "' is not a 32-bit day word.");
   }
   lays_out = true;
   const std::size_t comma = text.find(',');
@@ -139,7 +139,7 @@ std::uint32_t WordFromJson(const Json& day, const std::string& target, bool& lay
   if (const auto raw = day.find("raw"); raw != day.end()) {
     const auto word = ToNumber(*raw);
     if (!word || *word > std::numeric_limits<std::uint32_t>::max()) {
-      throw BadSchedule(target, "no-word", "'raw' is no day's word of 32 bits.");
+      throw BadSchedule(target, "no-word", "'raw' is not a 32-bit day word.");
     }
     if (times && *times != *word) {
       throw BadSchedule(target, "contradiction", "'raw' and the times say different things.");
@@ -164,10 +164,11 @@ void ParseDays(const std::string& text, ChargeTime charge_time, DayEdits& edits)
   }
   const auto range = RangeOf(std::string_view(text).substr(0, equals));
   if (!range) {
-    throw BadSchedule(text, "unknown-day",
-                      "'" + text.substr(0, equals) +
-                          "' is no day: names of days, their first three letters, two of them with "
-                          "a dash between, weekdays, weekend and all are.");
+    throw BadSchedule(
+        text, "unknown-day",
+        "'" + text.substr(0, equals) +
+            "' is not a day: names of days, their first three letters, two of them with "
+            "a dash between, weekdays, weekend and all are.");
   }
   const std::uint32_t word =
       ParseTimes(text, std::string_view(text).substr(equals + 1), charge_time, edits.lays_out);
@@ -190,7 +191,7 @@ Json DayJson(std::size_t day, std::uint32_t word) {
 }
 
 void DaysFromJson(const Json& list, const std::string& target, DayEdits& edits) {
-  if (!list.is_array()) throw BadSchedule(target, "no-day", "'days' is no list.");
+  if (!list.is_array()) throw BadSchedule(target, "no-day", "'days' is not a list.");
   for (const Json& entry : list) {
     const auto name = entry.is_object() ? TextField(entry, "day") : std::nullopt;
     const auto day = name ? DayOf(*name) : std::nullopt;

@@ -24,7 +24,7 @@ enum class ChargeTime { kNone, kPossible };
 // Adds what "DAYS=TIMES" says. DAYS is a day's name or its first three letters, two of them with a
 // dash between ("fri-mon" is four days), weekdays, weekend or all. TIMES is off, 08:00-17:30, with
 // a charging time 08:00-17:30,21:00, or a day's word as the firmware has it: 0x00004420. Throws
-// Error (kInvalidValue), whose "reason" tells what is wrong.
+// Error (kInvalidValue), whose "reason" says what is wrong.
 void ParseDays(const std::string& text, ChargeTime charge_time, DayEdits& edits);
 
 // {"day", "raw", "text"}, and "begin", "end" and "chargeFrom" of a day that has them.

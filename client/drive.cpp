@@ -17,7 +17,7 @@ constexpr std::uint16_t kDriveVerify = 13;
 constexpr std::uint16_t kDriveChange = 14;
 
 constexpr CodeMeaning kDriveMeanings[] = {
-    {1, kNotFound, "no-drive", "The firmware knows no such drive."},
+    {1, kNotFound, "no-drive", "The firmware does not know this drive."},
     {2, kRefused, "drive-unavailable",
      "The drive's interface is unavailable. After several wrong passwords a drive takes none until "
      "the machine restarts."},
@@ -166,7 +166,7 @@ Plan PlanDrivePassword(Session& session, const Drive& drive, const DrivePassword
                     .before = passwords.current.empty() ? "no password" : "a password",
                     .after = passwords.wanted.empty() ? "no password" : "a new password",
                     .secret = true}},
-       // The firmware does not tell whether a drive has a password, and trying one locks out.
+       // The firmware does not say whether a drive has a password, and trying one locks out.
        .write = [drive, data](Session& s, const Key&) {
          CHDDPwd request = data;
          Execute(s, {kDriveClass, kDriveChange}, request,

@@ -29,7 +29,7 @@ struct DrivePasswords {
   bytes::SecureString setup;    // the setup password, where the firmware wants it
   std::uint32_t security_mode = 0;
 };
-// Whether the firmware wants the setup password beside a drive's.
+// Whether the firmware wants the setup password as well as a drive's.
 bool WantsSetupPassword(Session& session, const Drive& drive);
 // Throws Error when a password is wrong.
 void VerifyDrivePassword(Session& session, const Drive& drive, const DrivePasswords& passwords);

@@ -56,7 +56,7 @@ struct Error : std::runtime_error {
   std::optional<std::uint32_t> hresult;    // of that step
   std::optional<std::int32_t> completion;  // the firmware's completion code
   Json details = Json::object();           // further fields of the document
-  // What was found out before it failed; shown beside the error.
+  // What was found out before it failed; shown along with the error.
   Json document = Json::object();
 };
 

@@ -56,7 +56,7 @@ OptionalNumber Count(const StructureFields& fields, std::size_t narrow, std::siz
 }
 
 // Bit 7 says how the others are meant: in tenths of a volt, or as legacy bits, of which one alone
-// tells what the processor gets.
+// is set.
 OptionalNumber Voltage(const StructureFields& fields) {
   const auto voltage = fields.Byte(0x11);
   if (!voltage) return std::nullopt;

@@ -120,7 +120,7 @@ Json ParseJson(std::string_view text, const std::string& name) {
     document = Json::parse(plain, watch);
   } catch (const Json::parse_error& error) {
     const std::string place = PlaceText(plain, error.byte);
-    throw Error(kInvalidValue, "no-json", name + " is no JSON from " + place + " on.", name)
+    throw Error(kInvalidValue, "no-json", name + " is not valid JSON from " + place + " on.", name)
         .With("place", place);
   }
   if (!doubled.empty()) {

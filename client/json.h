@@ -24,7 +24,7 @@ namespace mira::client {
 // Keeps the order in which fields are added.
 using Json = nlohmann::ordered_json;
 
-// Bytes as UTF-8: what is none is taken for Latin-1, so that nothing is lost.
+// Bytes as UTF-8: what is not UTF-8 is taken for Latin-1, so that nothing is lost.
 std::string ToUtf8(std::string_view text);
 std::string ToUtf8(std::wstring_view text);
 
@@ -43,7 +43,7 @@ std::optional<std::string> BytesOfText(const Json& value);
 std::string Readable(const Json& value);
 
 // A document from a file or a request. Accepts a byte order mark and UTF-16. Throws Error
-// (kInvalidValue) that names line and column of what is no JSON, or the key that is there twice;
+// (kInvalidValue) that names line and column of the first mistake, or a key that is there twice;
 // `name` names the document in it.
 Json ParseJson(std::string_view text, const std::string& name);
 

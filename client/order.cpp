@@ -81,7 +81,8 @@ OrderEntry ParseEntry(const std::string& text, const Orderables& all) {
   }
   const bool is_like_number = text.empty() || (text[0] >= '0' && text[0] <= '9');
   if (is_like_number) {
-    throw Error(kUsage, "bad-number", "'" + text + "' is no " + all.what + " number.", text);
+    throw Error(kUsage, "bad-number", "'" + text + "' is not a valid " + all.what + " number.",
+                text);
   }
   return {text, std::nullopt};
 }

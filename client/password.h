@@ -18,12 +18,12 @@ struct PasswordState {
   std::uint16_t cls = 0;
   bool installed = false;
   std::uint32_t max_length = 0;     // characters; 0 when its status could not be read
-  std::uint32_t second_length = 0;  // as the firmware tells it
+  std::uint32_t second_length = 0;  // as the firmware reports it
   bool uses_scan_codes = false;     // known of a single state only
 };
 
 std::vector<PasswordState> ReadPasswords(Session& session);
-// Throws Error when the firmware does not tell.
+// Throws Error when the firmware does not report it.
 PasswordState ReadPasswordState(Session& session, std::uint16_t cls);
 
 // The text in the form in which the firmware takes it. Throws Error for characters that no key

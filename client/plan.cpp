@@ -11,7 +11,7 @@ std::optional<std::vector<Json>> ReadBack(Session& session, const Step& step) {
     std::vector<Json> values = step.read(session);
     if (values.size() == step.changes.size()) return values;
   } catch (const Error&) {
-    // What is there cannot be told; the outcome says so.
+    // Nobody knows what is there now; the outcome says so.
   }
   return std::nullopt;
 }
@@ -23,11 +23,12 @@ bool MayHaveRun(const Error& error) {
 
 void Judge(Change& change, const Json& now, const std::optional<Error>& error, const Step& step) {
   if (now == change.after) {
-    change.outcome = change.before == change.after ? Outcome::kAlreadySo : Outcome::kChanged;
+    change.outcome =
+        change.before == change.after ? ChangeOutcome::kAlreadySo : ChangeOutcome::kChanged;
     return;
   }
   if (now != change.before) {
-    change.outcome = Outcome::kChanged;
+    change.outcome = ChangeOutcome::kChanged;
     change.kept = now;
     if (step.is_exact) {
       change.problem =
@@ -38,13 +39,13 @@ void Judge(Change& change, const Json& now, const std::optional<Error>& error, c
   }
   change.kept = now;
   if (error) {
-    change.outcome = MayHaveRun(*error) ? Outcome::kFailed : Outcome::kRefused;
+    change.outcome = MayHaveRun(*error) ? ChangeOutcome::kFailed : ChangeOutcome::kRefused;
     change.problem = error;
   } else if (step.may_wait) {
-    change.outcome = Outcome::kUnknown;
+    change.outcome = ChangeOutcome::kUnknown;
     change.restart_pending = true;
   } else {
-    change.outcome = Outcome::kFailed;
+    change.outcome = ChangeOutcome::kFailed;
     change.problem =
         Error(kRefused, "not-taken", "The firmware accepted the new value and keeps the old one.",
               change.target);
@@ -55,14 +56,14 @@ void Judge(Change& change, const Json& now, const std::optional<Error>& error, c
 // was lost: a state that has turned tells, one that has not does not.
 void JudgeSecret(Change& change, const Json* now, const std::optional<Error>& error) {
   if (!error || (now != nullptr && MayHaveRun(*error) && *now != change.before)) {
-    change.outcome = Outcome::kChanged;
+    change.outcome = ChangeOutcome::kChanged;
     return;
   }
-  change.outcome = MayHaveRun(*error) ? Outcome::kUnknown : Outcome::kRefused;
+  change.outcome = MayHaveRun(*error) ? ChangeOutcome::kUnknown : ChangeOutcome::kRefused;
   change.problem = error;
 }
 
-// Puts the values that are there beside those that were planned for. False when one is another.
+// Compares the values that are there with those that were planned for. False when one is another.
 bool IsAsPlanned(Session& session, Step& step) {
   if (!step.read) return true;
   std::vector<Json> now;
@@ -71,7 +72,7 @@ bool IsAsPlanned(Session& session, Step& step) {
   } catch (const Error& error) {
     for (Change& change : step.changes) {
       change.problem = error;
-      change.outcome = Outcome::kFailed;
+      change.outcome = ChangeOutcome::kFailed;
     }
     return false;
   }
@@ -83,7 +84,7 @@ bool IsAsPlanned(Session& session, Step& step) {
   }
   if (is_planned) return true;
   for (Change& change : step.changes) {
-    change.outcome = Outcome::kRefused;
+    change.outcome = ChangeOutcome::kRefused;
     change.problem =
         Error(kRefused, "changed-meanwhile",
               "The value is no longer the one that the change was planned for.", change.target);
@@ -108,15 +109,15 @@ bool ApplyStep(Session& session, const Plan& plan, Step& step, const Key& key) {
   for (std::size_t i = 0; i < step.changes.size(); ++i) {
     Change& change = step.changes[i];
     if (!NeedsWrite(change) && !plan.force) {
-      change.outcome = Outcome::kAlreadySo;
+      change.outcome = ChangeOutcome::kAlreadySo;
     } else if (change.secret) {
       JudgeSecret(change, now ? &(*now)[i] : nullptr, error);
     } else if (now) {
       Judge(change, (*now)[i], error, step);
     } else if (!error) {
-      change.outcome = Outcome::kUnknown;
+      change.outcome = ChangeOutcome::kUnknown;
     } else {
-      change.outcome = MayHaveRun(*error) ? Outcome::kUnknown : Outcome::kRefused;
+      change.outcome = MayHaveRun(*error) ? ChangeOutcome::kUnknown : ChangeOutcome::kRefused;
       change.problem = error;
     }
     is_done = is_done && !change.problem;
@@ -126,19 +127,19 @@ bool ApplyStep(Session& session, const Plan& plan, Step& step, const Key& key) {
 
 }  // namespace
 
-const char* Name(Outcome outcome) {
+const char* Name(ChangeOutcome outcome) {
   switch (outcome) {
-    case Outcome::kChanged:
+    case ChangeOutcome::kChanged:
       return "changed";
-    case Outcome::kAlreadySo:
+    case ChangeOutcome::kAlreadySo:
       return "already-so";
-    case Outcome::kRefused:
+    case ChangeOutcome::kRefused:
       return "refused";
-    case Outcome::kFailed:
+    case ChangeOutcome::kFailed:
       return "failed";
-    case Outcome::kUnknown:
+    case ChangeOutcome::kUnknown:
       return "unknown";
-    case Outcome::kPlanned:
+    case ChangeOutcome::kPlanned:
       break;
   }
   return "planned";
@@ -162,9 +163,9 @@ const Error* Plan::Impossible() const {
 void Prepare(Plan& plan) {
   plan.ForEach([&plan](Change& change) {
     if (change.problem) {
-      change.outcome = Outcome::kFailed;
+      change.outcome = ChangeOutcome::kFailed;
     } else if (!plan.force && !NeedsWrite(change)) {
-      change.outcome = Outcome::kAlreadySo;
+      change.outcome = ChangeOutcome::kAlreadySo;
     }
   });
 }
@@ -182,7 +183,7 @@ void Apply(Session& session, Plan& plan, const Key& key) {
         (plan.force || std::any_of(step.changes.begin(), step.changes.end(), NeedsWrite));
     if (!is_wanted) {
       for (Change& change : step.changes) {
-        change.outcome = is_possible ? Outcome::kAlreadySo : Outcome::kFailed;
+        change.outcome = is_possible ? ChangeOutcome::kAlreadySo : ChangeOutcome::kFailed;
       }
       continue;
     }
@@ -195,7 +196,7 @@ bool IsRestartPending(const Change& change) {
   if (change.restart_pending) return true;
   if (!change.at_boot) return false;
   const bool is_taken =
-      change.outcome == Outcome::kChanged || change.outcome == Outcome::kAlreadySo;
+      change.outcome == ChangeOutcome::kChanged || change.outcome == ChangeOutcome::kAlreadySo;
   return *change.at_boot != change.kept.value_or(is_taken ? change.after : change.before);
 }
 
@@ -218,7 +219,7 @@ Json ToJson(const Plan& plan, bool what_if) {
   Json changes = Json::array();
   for (const Step& step : plan.steps) {
     for (const Change& change : step.changes) {
-      changed = changed || change.outcome == Outcome::kChanged;
+      changed = changed || change.outcome == ChangeOutcome::kChanged;
       changes.push_back(ToJson(change));
     }
   }
@@ -235,7 +236,7 @@ std::optional<Error> ApplyError(const Plan& plan) {
   bool any_fine = false;
   for (const Step& step : plan.steps) {
     for (const Change& change : step.changes) {
-      any_changed = any_changed || change.outcome == Outcome::kChanged;
+      any_changed = any_changed || change.outcome == ChangeOutcome::kChanged;
       any_fine = any_fine || !change.problem;
       if (!change.problem) continue;
       ++failed;

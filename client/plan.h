@@ -20,16 +20,16 @@
 
 namespace mira::client {
 
-enum class Outcome {
+enum class ChangeOutcome {
   kPlanned,    // nothing was written yet
   kChanged,    // read back, or, of a secret, accepted by the firmware
   kAlreadySo,  // had the wanted value before
   kRefused,    // by the firmware, or because the value was no longer the one that was planned for
   kFailed,     // was written and the value is still the old one, or could not be written
-  kUnknown,    // was written, and what is there cannot be told
+  kUnknown,    // was written, and nobody knows what is there now
 };
 // "planned", "changed", "already-so", "refused", "failed", "unknown".
-const char* Name(Outcome outcome);
+const char* Name(ChangeOutcome outcome);
 
 struct Change {
   std::string target;  // "asset tag"
@@ -37,12 +37,12 @@ struct Change {
   Json after;          // the wanted value
   // Why it is impossible, or what went wrong.
   std::optional<Error> problem = std::nullopt;
-  Outcome outcome = Outcome::kPlanned;
+  ChangeOutcome outcome = ChangeOutcome::kPlanned;
   // What is there after the write, where that is not what was wanted.
   std::optional<Json> kept = std::nullopt;
   bool restart_pending = false;
   // A secret: written even where nothing differs, since nobody knows the old one. `before` and
-  // `after` tell of its state; it is never read, and never tried.
+  // `after` describe its state; it is never read, and never tried.
   bool secret = false;
   // The value in force since the machine started, if that is known: while another one is there, a
   // restart is pending.
@@ -65,7 +65,7 @@ struct Step {
 
 struct Plan {
   std::vector<Step> steps;
-  Json subject = Json::object();  // what the document says beside the changes
+  Json subject = Json::object();  // further fields of the document
   bool needs_key = true;          // a BIOS password, where one is installed
   bool force = false;             // write what is so already, and what was changed meanwhile
   bool goes_on = false;           // an entry that is impossible or fails does not stop the others

@@ -4,7 +4,7 @@
 // Where an operation gets its passwords from. Each has a slot:
 //
 //   "password"  the one that allows the operation: a BIOS password, or a drive's own
-//   "setup"     the setup (administrator) password beside a drive's
+//   "setup"     the setup (administrator) password, where a drive's alone does not do
 //   "new"       the one to be set
 //   "value"     the new value of an attribute that is a password
 

@@ -17,7 +17,7 @@ constexpr std::size_t kHeaderSize = smbios::kFirmwareHeaderSize;
 constexpr std::size_t kLengthOffset = 4;
 constexpr std::size_t kDumpTableOffset = 32;
 
-// A structure begins here as far as one can tell: a length of at least its header, and a string set
+// A structure begins here as far as can be seen: a length of at least its header, and a string set
 // behind it.
 bool LooksLikeTable(ByteSpan table) {
   return smbios::TableWalk(table).Next() == smbios::TableWalk::Step::kStructure;

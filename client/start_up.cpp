@@ -42,7 +42,7 @@ constexpr Explanation kExplanations[] = {
     {mira::Step::kInstanceKey, "The firmware's interface has a name that cannot be used.",
      "Update the firmware."},
     {mira::Step::kFirmwareFlags, "The firmware says that it takes no calls from Windows.",
-     "Look for it in the firmware's setup, or update the firmware. SMBIOS works all the same."},
+     "Switch it on in the firmware's setup, or update the firmware. SMBIOS works all the same."},
     {mira::Step::kBufferFix,
      "The firmware is too old: its calls from Windows are known not to work.",
      "Update the firmware. SMBIOS works all the same."},

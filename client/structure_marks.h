@@ -1,7 +1,7 @@
 #ifndef MIRA_CLIENT_STRUCTURE_MARKS_H_
 #define MIRA_CLIENT_STRUCTURE_MARKS_H_
 
-// What a reader of structures should know of them besides their values: see also
+// What a reader of structures should know in addition to their values: see also
 // CBIOSObject::AttributesBeyond().
 
 #include <cstdint>

@@ -9,6 +9,12 @@ if(TARGET miraintf)
   install(TARGETS miraintf RUNTIME DESTINATION bin ARCHIVE DESTINATION lib)
 endif()
 install(TARGETS mira RUNTIME DESTINATION bin)
+
+# The manual page is written by the program itself.
+set(MIRA_MANUAL ${CMAKE_BINARY_DIR}/mira.1)
+add_custom_command(OUTPUT ${MIRA_MANUAL} COMMAND mira completion man > ${MIRA_MANUAL} VERBATIM)
+add_custom_target(mira_manual ALL DEPENDS ${MIRA_MANUAL})
+install(FILES ${MIRA_MANUAL} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/examples DESTINATION .)
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/docs DESTINATION .)
 install(FILES ${CMAKE_SOURCE_DIR}/README.md DESTINATION .)

@@ -16,7 +16,8 @@ target_compile_definitions(mira_unit_tests PRIVATE MIRA_TEST_SOURCES="${CMAKE_SO
 add_executable(mira_api_tests ${MIRA_API_TESTS} ${MIRA_TEST_SUPPORT})
 target_link_libraries(mira_api_tests PRIVATE mira_console mira_quick gtest gtest_main)
 target_compile_definitions(mira_api_tests PRIVATE
-  MIRA_EXPORTS_FILE="${CMAKE_SOURCE_DIR}/tests/api/exports.txt" MIRA_PROGRAM="$<TARGET_FILE:mira>")
+  MIRA_EXPORTS_FILE="${CMAKE_SOURCE_DIR}/tests/api/exports.txt" MIRA_PROGRAM="$<TARGET_FILE:mira>"
+  MIRA_SOURCES="${CMAKE_SOURCE_DIR}")
 add_dependencies(mira_api_tests mira)
 
 # The examples at the top of the headers that hosts and tests include must compile; they are not run.
@@ -64,6 +65,12 @@ foreach(test mira_unit_tests mira_api_tests)
     COMMAND ${test} --gtest_output=json:results/${test}.json
     WORKING_DIRECTORY ${CMAKE_BINARY_DIR})
 endforeach()
+# The API tests write the documents of all commands; their schemas are checked here.
+add_test(NAME schemas
+  COMMAND Python3::Interpreter ${CMAKE_SOURCE_DIR}/tools/check_schemas.py results/documents.jsonl
+  WORKING_DIRECTORY ${CMAKE_BINARY_DIR})
+set_tests_properties(mira_api_tests PROPERTIES FIXTURES_SETUP documents)
+set_tests_properties(schemas PROPERTIES FIXTURES_REQUIRED documents)
 add_test(NAME example_host COMMAND example_host)
 add_test(NAME tour COMMAND mira --sim tour)
 set_tests_properties(tour PROPERTIES ENVIRONMENT MIRA_SIM_STATE=)

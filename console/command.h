@@ -1,63 +1,36 @@
 #ifndef MIRA_CONSOLE_COMMAND_H_
 #define MIRA_CONSOLE_COMMAND_H_
 
-// The frame of the program's commands. A command is one source: it describes its arguments and
-// options to the parser and hands over what to do. console/commands.cpp lists them all.
+// The frame of the program: what a command works with, and how it is entered into the parser.
+// Most commands are rows of tables (client/command.h); those that are conversations enter
+// themselves:
 //
-//   void AddTokens(CLI::App& app, Command& command) {
-//     command.Run(app, [](Context& context) { ... });
+//   void AddTour(CLI::App& app, Command& command) {
+//     command.Run(app, [](Context& context) { ...; return kDone; });
 //   }
 
 #include <CLI/CLI.hpp>
 #include <filesystem>
 #include <functional>
 #include <istream>
-#include <map>
 #include <memory>
 #include <ostream>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "client/error.h"
 #include "client/session.h"
 #include "console/console.h"
-#include "console/exit_status.h"
+#include "console/options.h"
 #include "console/output.h"
-#include "facade/mira_intf.h"
 #include "sim/kept_machine.h"
 #include "sim/machine.h"
 
 namespace mira::console {
 
-// What ended a command early, with a hint of the program's own. The program prints it as a
-// sentence, or as the error document, and ends with `status`.
-struct CommandError : client::Error {
-  CommandError(ExitStatus exit_status, std::string error_name, const std::string& message,
-               std::string error_target = "", std::string error_hint = "")
-      : Error(exit_status, std::move(error_name), message, std::move(error_target)),
-        hint(std::move(error_hint)) {}
-  CommandError(const client::Error& error, std::string error_hint)
-      : Error(error), hint(std::move(error_hint)) {}
-  std::string hint;  // what to do
-};
-
-struct Options {
-  bool simulated = false;
-  std::string profile = "laptop";
-  bool json = false;
-  bool yes = false;
-  bool what_if = false;
-  // Where simulated machines are kept between commands; empty: each command gets a new one.
-  std::filesystem::path machines;
-};
-
-// A facade and what its Init said.
-struct Opened {
-  CMiraIntf* mira = nullptr;
-  Status status = STATUS_FAILURE;
-  std::vector<std::string> diagnostics;  // the lines that the facade wrote
-};
+using client::Error;
+using client::ExitStatus;
+using enum client::ExitStatus;
 
 class Context {
  public:
@@ -65,41 +38,38 @@ class Context {
   ~Context();
 
   const Options& GetOptions() const { return options_; }
-  bool IsJson() const { return options_.json; }
-  // Whether there is somebody to ask: a terminal, and no JSON wanted.
+  // Whether there is somebody to ask: a terminal, and no program that reads the output.
   bool IsInteractive() const;
   std::ostream& Out() { return out_; }
   std::istream& In() { return in_; }
+
   // The simulated machine; null on a real one.
   sim::Machine* Machine() { return machine_.get(); }
   // The file that the simulated machine is kept in; empty where it is not.
   std::filesystem::path MachineFile() const;
-  // Throws CommandError when the machine that was kept could not be read back.
+  // Why the machine that was kept could not be read back; empty if it could.
+  const std::string& MachineProblem() const { return unreadable_; }
+  // Throws Error when the machine that was kept could not be read back.
   void CheckMachine() const;
-  // Throws CommandError when the last call on a simulated machine could not be kept.
+  // Throws Error when the last call on a simulated machine could not be kept.
   void CheckKept() const;
 
   // The machine as the client layer works with it.
   client::Session& GetSession();
-  // How far a long command is, on the terminal.
+  // Shows on the terminal how much of a long command is done.
   void ShowProgress(const std::string& what, std::size_t done, std::size_t total);
   void ClearProgress();
 
-  // Runs Init once and gives the facade, whatever Init said. Attributes may come with their display
-  // and help texts.
-  Opened& Open(bool load_attributes = false, bool load_texts = false);
-  // The same, but a failed Init is an error.
-  CMiraIntf& Ready(bool load_attributes = false, bool load_texts = false);
-  // The lines that the facade has written since this was last asked, or since Init.
-  std::vector<std::string> TakeDiagnostics();
-
-  // Prints a document, with the schema version and the machine's kind in front.
+  // Prints a document as JSON, with the schema version and the machine's kind in front; or, with
+  // --value, the one field of it. Throws Error (kUsage) for a field that it does not have.
   void Print(const Json& document);
-  // Ends a command that failed with something to show: in JSON mode prints the document with the
-  // error in it and gives the exit status; else throws the error, the rest being shown already.
-  ExitStatus Fail(const CommandError& error, const Json& document);
+  // Ends a command that failed with a document: prints it with the error in it where JSON is
+  // wanted; otherwise prints what --value asks for, if it is there, and throws the error.
+  ExitStatus Fail(const Error& error, const Json& document);
 
  private:
+  Json Whole(const Json& document) const;
+
   Options options_;
   std::istream& in_;
   std::ostream& out_;
@@ -109,7 +79,6 @@ class Context {
   std::string unreadable_;
   std::unique_ptr<client::Session> client_;
   std::string progress_line_;
-  Opened opened_;
 };
 
 using Action = std::function<ExitStatus(Context&)>;
@@ -118,55 +87,15 @@ using Action = std::function<ExitStatus(Context&)>;
 class Command {
  public:
   // Runs `action` when the arguments name `app`.
-  void Run(CLI::App& app, Action action);
+  void Run(CLI::App& app, Action action) {
+    app.callback([this, action = std::move(action)] { chosen_ = action; });
+  }
   void Choose(Action action) { chosen_ = std::move(action); }
   const Action& Chosen() const { return chosen_; }
 
  private:
   Action chosen_;
 };
-
-// The first word of a command. Where `add` is missing, the verbs are those of the client layer's
-// commands that begin with the name.
-struct Noun {
-  const char* name;
-  const char* description;
-  void (*add)(CLI::App& app, Command& command);
-  const char* footer = "";
-};
-// All commands, in the order of the help text.
-const std::vector<Noun>& Nouns();
-
-// What a status of the library means and what to do about it.
-struct StatusText {
-  Status status;
-  ExitStatus exit_status;
-  const char* name;
-  const char* meaning;
-  const char* hint;
-};
-const StatusText& Explain(Status status);
-CommandError InitError(const Opened& opened);
-
-// The text of a completion code, without the leading blank of the buffers' own texts.
-std::string CompletionText(std::int32_t code);
-
-// A number in decimal, or in hexadecimal with 0x, from `smallest` to `largest`. `what` names it in
-// the error.
-std::uint32_t ParseNumber(const std::string& text, const std::string& what,
-                          std::uint32_t largest = 0xFFFFFFFF, std::uint32_t smallest = 0);
-
-// "Did you mean 'smbios'?", or `otherwise` when none of the names is near.
-std::string Suggest(const std::string& word, const std::vector<std::string>& names,
-                    const std::string& otherwise);
-
-// {"code", "name", "message", "target", "hint"}
-Json ErrorJson(const CommandError& error);
-
-// The error with the program's own hint for one of that name.
-CommandError WithHint(const client::Error& error, const Options& options);
-// "mira", with the options that name the machine.
-std::string ProgramText(const Options& options);
 
 }  // namespace mira::console
 

@@ -1,5 +1,8 @@
 #include "console/commands.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace mira::console {
 
 const std::vector<Noun>& Nouns() {
@@ -20,11 +23,33 @@ const std::vector<Noun>& Nouns() {
       {"log", "Show the firmware's log, its messages, a tablet's scan codes", nullptr},
       {"thermal", "Show the thermal sensors", nullptr},
       {"boot", "Show and change the boot order, decode load options", nullptr},
-      {"sim", "Show, restart or renew the simulated machine", AddSim},
+      {"sim", "Show, restart or renew the simulated machine", nullptr},
+      {"completion", "Write completion scripts for shells, and the manual page", nullptr},
       {"console", "Make calls interactively, with the commands' own prompts and displays",
        AddConsole},
   };
   return nouns;
 }
+
+const std::vector<client::Command>& Commands() {
+  static const std::vector<client::Command> all = [] {
+    std::vector<client::Command> list = client::Commands();
+    for (const auto subject : {SimCommands, CompletionCommands}) {
+      std::vector<client::Command> own = subject();
+      std::move(own.begin(), own.end(), std::back_inserter(list));
+    }
+    return list;
+  }();
+  return all;
+}
+
+const client::Command* FindCommand(std::string_view name) {
+  const auto& all = Commands();
+  const auto found =
+      std::find_if(all.begin(), all.end(), [name](const auto& c) { return c.name == name; });
+  return found != all.end() ? &*found : nullptr;
+}
+
+bool IsOwn(const client::Command& command) { return client::FindCommand(command.name) == nullptr; }
 
 }  // namespace mira::console

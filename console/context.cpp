@@ -4,6 +4,8 @@
 
 #include "bytes/text.h"
 #include "console/command.h"
+#include "console/field.h"
+#include "console/hints.h"
 #include "console/terminal.h"
 #include "facade/process_state.h"
 #include "sim/profile_file.h"
@@ -35,16 +37,16 @@ sim::Profile ChosenProfile(const std::string& name) {
     try {
       return sim::LoadProfile(ToPath(name));
     } catch (const sim::StateError& error) {
-      throw CommandError(kInvalidValue, "bad-profile",
-                         "'" + name + "' describes no simulated machine: " + error.what() + ".",
-                         name);
+      throw Error(kInvalidValue, "bad-profile",
+                  "'" + name + "' does not describe a simulated machine: " + error.what() + ".",
+                  name);
     }
   }
   std::string known;
   for (const sim::Profile& p : sim::Profiles()) known += (known.empty() ? "" : ", ") + p.name;
-  throw CommandError(
-      kNotFound, "unknown-profile", "There is no simulated machine called '" + name + "'.", name,
-      "The machines are: " + known + ". A file that ends in .json describes one, too.");
+  throw WithHint(Error(kNotFound, "unknown-profile",
+                       "There is no simulated machine called '" + name + "'.", name),
+                 "The machines are: " + known + ". A file that ends in .json describes one, too.");
 }
 
 // What a machine's file is called: machines of different files stay apart.
@@ -74,7 +76,6 @@ Context::Context(Options options, std::istream& in, std::ostream& out)
 
 client::Session& Context::GetSession() {
   if (client_) return *client_;
-  CheckMachine();
   client_ = std::make_unique<client::Session>(
       [this](const std::string& what, std::size_t done, std::size_t total) {
         ShowProgress(what, done, total);
@@ -102,43 +103,23 @@ std::filesystem::path Context::MachineFile() const {
 void Context::CheckMachine() const {
   if (unreadable_.empty()) return;
   const std::string file = PathText(MachineFile());
-  throw CommandError(kUnexpected, "machine-unreadable",
-                     "The simulated machine in '" + file + "' cannot be read: " + unreadable_, file,
-                     "'mira --sim=" + options_.profile +
-                         " sim reset' starts over with a new one; MIRA_SIM_STATE names another "
-                         "folder, or none.");
+  throw Error(kUnexpected, "machine-unreadable",
+              "The simulated machine in '" + file + "' cannot be read: " + unreadable_, file);
 }
 
 void Context::CheckKept() const {
   if (!kept_ || kept_->Problem().empty()) return;
-  throw CommandError(kUnexpected, "machine-not-kept",
-                     "The simulated machine could not be kept: " + kept_->Problem(),
-                     PathText(MachineFile()), "MIRA_SIM_STATE names another folder, or none.");
+  throw Error(kUnexpected, "machine-not-kept",
+              "The simulated machine could not be kept: " + kept_->Problem(),
+              PathText(MachineFile()));
 }
 
 bool Context::IsInteractive() const {
-  return !options_.json && &in_ == &std::cin && StandardInputIsTerminal();
+  return !options_.IsForPrograms() && &in_ == &std::cin && StandardInputIsTerminal();
 }
-
-Opened& Context::Open(bool load_attributes, bool load_texts) {
-  if (opened_.mira != nullptr) return opened_;
-  client::Session& session = GetSession();
-  opened_.status = session.Open(load_attributes, load_texts);
-  opened_.mira = &session.Mira();
-  opened_.diagnostics = session.StartLines();
-  return opened_;
-}
-
-CMiraIntf& Context::Ready(bool load_attributes, bool load_texts) {
-  Opened& opened = Open(load_attributes, load_texts);
-  if (opened.status != STATUS_SUCCESS) throw InitError(opened);
-  return *opened.mira;
-}
-
-std::vector<std::string> Context::TakeDiagnostics() { return GetSession().TakeDiagnostics(); }
 
 void Context::ShowProgress(const std::string& what, std::size_t done, std::size_t total) {
-  if (!IsInteractive() || total == 0) return;
+  if (!IsInteractive() || options_.quiet || total == 0) return;
   constexpr std::size_t kNarrow = 40;
   const std::uint64_t percent = std::uint64_t{done} * 100 / total;
   std::string line = what.substr(0, kNarrow - 7) + ": " + std::to_string(percent) + " %";
@@ -155,40 +136,31 @@ void Context::ClearProgress() {
   progress_line_.clear();
 }
 
-void Context::Print(const Json& document) {
+Json Context::Whole(const Json& document) const {
   Json whole = {{"schemaVersion", 1}};
   if (options_.simulated) whole["simulated"] = true;
   whole.update(document);
-  WriteJson(out_, whole);
+  return whole;
 }
 
-ExitStatus Context::Fail(const CommandError& error, const Json& document) {
-  if (!IsJson()) throw error;
-  Json whole = document;
-  whole["error"] = ErrorJson(error);
-  Print(whole);
-  return error.status;
-}
-
-void Command::Run(CLI::App& app, Action action) {
-  app.callback([this, action = std::move(action)] { chosen_ = action; });
-}
-
-Json ErrorJson(const CommandError& error) {
-  Json json = client::ToJson(error);
-  json["hint"] = ToUtf8(error.hint);
-  return json;
-}
-
-std::uint32_t ParseNumber(const std::string& text, const std::string& what, std::uint32_t largest,
-                          std::uint32_t smallest) {
-  const auto value = bytes::ParseNumber(text, largest);
-  if (!value || *value < smallest) {
-    throw CommandError(kUsage, "bad-number", "'" + text + "' is no " + what + ".", text,
-                       "A number from " + std::to_string(smallest) + " to " +
-                           std::to_string(largest) + " is wanted, in decimal or with 0x.");
+void Context::Print(const Json& document) {
+  const Json whole = Whole(document);
+  if (options_.value.empty()) {
+    WriteJson(out_, whole);
+  } else {
+    out_ << FieldText(FindField(whole, options_.value)) << '\n';
   }
-  return static_cast<std::uint32_t>(*value);
+}
+
+ExitStatus Context::Fail(const Error& error, const Json& document) {
+  Json whole = Whole(document);
+  if (options_.json) {
+    whole["error"] = ErrorJson(error, options_);
+    WriteJson(out_, whole);
+    return error.status;
+  }
+  if (!options_.value.empty() && HasField(whole, options_.value)) Print(document);
+  throw error;
 }
 
 }  // namespace mira::console

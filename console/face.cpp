@@ -10,8 +10,8 @@ const std::vector<Face>& Faces() {
   static const std::vector<Face> all = [] {
     std::vector<Face> list;
     for (const auto noun :
-         {AttrFaces, BatteryFaces, BootFaces, CallFaces, IdFaces, InfoFaces, InventoryFaces,
-          ListFaces, PasswordFaces, SmbiosFaces, TagFaces, TokenFaces}) {
+         {AttrFaces, BatteryFaces, BootFaces, CallFaces, CompletionFaces, IdFaces, InfoFaces,
+          InventoryFaces, ListFaces, PasswordFaces, SimFaces, SmbiosFaces, TagFaces, TokenFaces}) {
       std::vector<Face> some = noun();
       std::move(some.begin(), some.end(), std::back_inserter(list));
     }
@@ -54,7 +54,7 @@ void RenderChanges(const Json& document, std::ostream& out) {
   });
   if (document.value("cut", false)) out << "The text is too long and was cut.\n";
   if (all_so) {
-    out << "It is so already.\n";
+    out << "Nothing to change.\n";
     return;
   }
   for (const Json& change : changes) {

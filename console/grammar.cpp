@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "bytes/text.h"
-#include "client/command.h"
+#include "console/commands.h"
 #include "console/face.h"
 #include "console/input_file.h"
 #include "console/run_command.h"
@@ -34,11 +34,10 @@ struct Leaf {
 
 void Bind(CLI::App& app, Leaf& leaf, const client::Argument& argument) {
   auto& bound = *leaf.arguments.emplace_back(std::make_unique<Bound>(Bound{&argument}));
-  const std::string option = OptionName(argument.name);
-  const std::string name = argument.positional ? bytes::Upper(option) : "--" + option;
+  const std::string name = ArgumentName(argument);
   switch (argument.type) {
     case client::Type::kFlag:
-      bound.option = app.add_flag("--" + option, bound.flag, argument.help);
+      bound.option = app.add_flag(name, bound.flag, argument.help);
       return;
     case client::Type::kTexts:
       bound.option = app.add_option(name, bound.texts, argument.help);
@@ -88,13 +87,39 @@ void AddLeaf(CLI::App& app, const client::Command& client_command, Command& comm
     leaf->secrets.push_back(AddSecretSlot(app, slot));
   }
   if (const Face* const face = FindFace(client_command.name)) {
-    app.footer(std::string("Examples:\n") + face->examples);
+    SetFooter(app, std::string("Examples:\n") + face->examples);
     if (face->saves != nullptr) {
       app.add_option("FILE", leaf->file, "the file, or - for standard output")->required();
     }
     if (face->save_field != nullptr) app.add_option("--save", leaf->file, face->save_help);
   }
   command.Run(app, [leaf](Context& context) { return RunLeaf(context, *leaf); });
+}
+
+// The first example of each command below an app.
+std::string FirstExamples(const CLI::App& app, const std::string& name) {
+  std::string lines;
+  for (const CLI::App* const verb : app.get_subcommands([](const CLI::App*) { return true; })) {
+    const std::string below = name + "." + verb->get_name();
+    const Face* const face = FindFace(below);
+    if (face == nullptr) {
+      lines += FirstExamples(*verb, below);
+      continue;
+    }
+    const std::string_view examples = face->examples;
+    lines += std::string(examples.substr(0, examples.find('\n'))) + "\n";
+  }
+  return lines;
+}
+
+// Gives the apps that only lead to commands their examples.
+void SetGroupFooters(CLI::App& app, const std::string& name) {
+  const auto verbs = app.get_subcommands([](const CLI::App*) { return true; });
+  if (verbs.empty()) return;
+  std::string examples = "Examples:\n" + FirstExamples(app, name);
+  examples.pop_back();
+  SetFooter(app, examples);
+  for (CLI::App* const verb : verbs) SetGroupFooters(*verb, name + "." + verb->get_name());
 }
 
 // The app for a command's words behind the noun, made where it is missing.
@@ -113,19 +138,18 @@ CLI::App& AppFor(CLI::App& noun, std::string_view words, const client::Command& 
 
 }  // namespace
 
-std::string OptionName(const std::string& argument) {
+std::string ArgumentName(const client::Argument& argument) {
   std::string name;
-  for (const char c : argument) {
-    const bool is_upper = c != bytes::Lower(c);
-    if (is_upper) name += '-';
+  for (const char c : std::string_view(argument.name)) {
+    if (c != bytes::Lower(c)) name += '-';
     name += bytes::Lower(c);
   }
-  return name;
+  return argument.positional ? bytes::Upper(name) : "--" + name;
 }
 
-void AddClientCommands(CLI::App& app, const std::string& noun, Command& command) {
+void AddCommands(CLI::App& app, const std::string& noun, Command& command) {
   bool has_verbs = false;
-  for (const client::Command& client_command : client::Commands()) {
+  for (const client::Command& client_command : Commands()) {
     const std::string_view name = client_command.name;
     if (name == noun) {
       AddLeaf(app, client_command, command);
@@ -147,6 +171,11 @@ void AddClientCommands(CLI::App& app, const std::string& noun, Command& command)
     });
   }
   if (has_verbs) app.require_subcommand(1);
+  SetGroupFooters(app, noun);
+}
+
+void SetFooter(CLI::App& app, const std::string& text) {
+  app.footer(text + "\n\n" + GlobalOptionsHelp());
 }
 
 }  // namespace mira::console

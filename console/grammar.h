@@ -3,16 +3,21 @@
 
 #include <string>
 
+#include "client/command.h"
 #include "console/command.h"
 
 namespace mira::console {
 
-// Adds the client layer's commands that begin with `noun` below the noun's app, with the arguments
-// and options that they declare.
-void AddClientCommands(CLI::App& app, const std::string& noun, Command& command);
+// Adds the commands that begin with `noun` below the noun's app, with the arguments and options
+// that they declare.
+void AddCommands(CLI::App& app, const std::string& noun, Command& command);
 
-// "start-limit" for "startLimit".
-std::string OptionName(const std::string& argument);
+// Ends an app's help with a text and the options of every command.
+void SetFooter(CLI::App& app, const std::string& text);
+
+// What an argument is called on the command line: "--start-limit" for "startLimit", "LIST" for a
+// positional "list".
+std::string ArgumentName(const client::Argument& argument);
 
 }  // namespace mira::console
 

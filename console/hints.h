@@ -1,15 +1,29 @@
 #ifndef MIRA_CONSOLE_HINTS_H_
 #define MIRA_CONSOLE_HINTS_H_
 
-#include <string>
-#include <string_view>
+// What to do about an error. Most hints are found by the error's name; an error whose hint depends
+// on more carries it along.
 
-#include "console/command.h"
+#include <string>
+#include <vector>
+
+#include "client/error.h"
+#include "console/options.h"
 
 namespace mira::console {
 
-// What to do about an error of this name; empty where there is nothing to say.
-std::string HintFor(std::string_view error_name, const Options& options);
+client::Error WithHint(client::Error error, const std::string& hint);
+// The error's own hint, or that of its name; empty where there is none.
+std::string HintOf(const client::Error& error, const Options& options);
+
+// The error as documents have it, with its hint.
+client::Json ErrorJson(const client::Error& error, const Options& options);
+// Gives the errors that stand inside a document their hints.
+void FillHints(client::Json& value, const Options& options);
+
+// "Did you mean 'smbios'?", or `otherwise` when none of the names is near.
+std::string Suggest(const std::string& word, const std::vector<std::string>& names,
+                    const std::string& otherwise);
 
 }  // namespace mira::console
 

@@ -29,7 +29,7 @@ std::vector<std::uint8_t> LoadFile(const std::string& path) {
   std::ifstream file(ToPath(path), std::ios::binary);
   // A folder may be opened like a file, and fails only when it is read.
   if (!file || std::filesystem::is_directory(ToPath(path), error)) {
-    throw CommandError(kNotFound, "no-file", "The file '" + path + "' cannot be read.", path);
+    throw Error(kNotFound, "no-file", "The file '" + path + "' cannot be read.", path);
   }
   return ReadAll(file);
 }

@@ -11,7 +11,7 @@
 
 namespace mira::console {
 
-// A file's bytes; of a very long one, the first 64 MiB. Throws CommandError when it cannot be read.
+// A file's bytes; of a very long one, the first 64 MiB. Throws Error when it cannot be read.
 std::vector<std::uint8_t> LoadFile(const std::string& path);
 
 // The same; "-" names standard input.

@@ -2,6 +2,7 @@
 
 #include <sstream>
 
+#include "console/commands.h"
 #include "console/face.h"
 #include "console/hints.h"
 #include "console/saved_document.h"
@@ -16,12 +17,12 @@ namespace {
 void Approve(Context& context, const client::Plan& plan) {
   const Json document = client::ToJson(plan, false);
   if (context.GetOptions().yes) {
-    if (!context.IsJson()) RenderNotes(document, context.Out());
+    if (!context.GetOptions().IsForPrograms()) RenderNotes(document, context.Out());
     return;
   }
   if (!context.IsInteractive()) {
-    throw client::Error(kNeedsConfirmation, "confirmation-needed",
-                        "This changes the machine and nobody can be asked.");
+    throw Error(kNeedsConfirmation, "confirmation-needed",
+                "This changes the machine, and there is nobody to ask.");
   }
   context.ClearProgress();
   std::ostringstream question;
@@ -31,19 +32,8 @@ void Approve(Context& context, const client::Plan& plan) {
   std::string answer;
   std::getline(context.In(), answer);
   if (answer != "y" && answer != "Y" && answer != "yes") {
-    throw client::Error(kNeedsConfirmation, "not-confirmed", "Nothing was written.");
+    throw Error(kNeedsConfirmation, "not-confirmed", "Nothing was written.");
   }
-}
-
-// Gives the program's own hints to the errors that stand inside a document.
-void FillHints(Json& value, const Options& options) {
-  if (!value.is_structured()) return;
-  for (Json& part : value) FillHints(part, options);
-  if (!value.is_object()) return;
-  const auto hint = value.find("hint");
-  const auto name = value.find("name");
-  if (hint == value.end() || name == value.end() || *hint != "" || !name->is_string()) return;
-  *hint = HintFor(name->get<std::string>(), options);
 }
 
 // What there is to show although the command failed.
@@ -64,10 +54,15 @@ void RenderRest(const client::Command& command, const Json& document, std::ostre
 ExitStatus RunCommand(Context& context, const client::Command& command, Json arguments,
                       const SecretSlots& slots, const std::string& file) {
   const Options& options = context.GetOptions();
-  if (command.effect == client::Effect::kChanges) arguments["whatIf"] = options.what_if;
+  const bool changes = command.effect == client::Effect::kChanges;
+  if (changes && !options.value.empty()) {
+    throw Error(kUsage, "usage", "--value is for commands that show something.", "--value");
+  }
+  if (changes) arguments["whatIf"] = options.what_if;
+  // The program's own commands are about the kept machine itself.
+  if (!IsOwn(command)) context.CheckMachine();
   ConsoleSecrets secrets(context, slots);
-  client::Request request(context.GetSession(), secrets,
-                          [&](const client::Plan& plan) { Approve(context, plan); });
+  OwnRequest request(context, secrets, [&](const client::Plan& plan) { Approve(context, plan); });
   client::Result result = client::Run(command, std::move(arguments), request);
   context.ClearProgress();
   FillHints(result.document, options);
@@ -77,16 +72,10 @@ ExitStatus RunCommand(Context& context, const client::Command& command, Json arg
     SaveField(options, face->save_field, file, result.document);
   }
   if (result.error) {
-    const CommandError error = WithHint(*result.error, options);
-    if (!context.IsJson()) {
-      RenderRest(command, result.document, context.Out());
-      throw error;
-    }
-    result.document["error"] = ErrorJson(error);
-    context.Print(result.document);
-    return result.status;
+    if (!options.IsForPrograms()) RenderRest(command, result.document, context.Out());
+    return context.Fail(*result.error, result.document);
   }
-  if (context.IsJson()) {
+  if (options.IsForPrograms()) {
     context.Print(result.document);
     return result.status;
   }

@@ -11,9 +11,8 @@ void Write(const std::string& path, const Json& document) {
   Json whole = {{"schemaVersion", 1}};
   whole.update(document);
   if (const std::error_code error = support::WriteFileSafely(ToPath(path), client::ToText(whole))) {
-    throw CommandError(kUnexpected, "not-written",
-                       "The file '" + path + "' could not be written: " + error.message() + ".",
-                       path);
+    throw Error(kUnexpected, "not-written",
+                "The file '" + path + "' could not be written: " + error.message() + ".", path);
   }
 }
 
@@ -21,6 +20,9 @@ void Write(const std::string& path, const Json& document) {
 
 ExitStatus SaveDocument(Context& context, const Face& face, const client::Result& result,
                         const std::string& file) {
+  if (file == "-" && context.GetOptions().quiet) {
+    throw Error(kUsage, "usage", "--quiet leaves nothing of a file on standard output.", file);
+  }
   Json content = result.document;
   content.erase("error");
   const auto list = content.find(face.saves);
@@ -28,7 +30,7 @@ ExitStatus SaveDocument(Context& context, const Face& face, const client::Result
   const bool is_dry = context.GetOptions().what_if;
   Json report = Json::object();
   if (file == "-") {
-    if (context.IsJson()) {
+    if (context.GetOptions().IsForPrograms()) {
       report = content;
     } else if (is_worth) {
       context.Print(content);
@@ -39,10 +41,10 @@ ExitStatus SaveDocument(Context& context, const Face& face, const client::Result
               {"exported", is_worth && list != content.end() ? list->size() : 0},
               {"whatIf", is_dry}};
     if (content.contains("unreadable")) report["unreadable"] = content["unreadable"];
-    if (is_worth && !context.IsJson()) face.render(report, context.Out());
+    if (is_worth && !context.GetOptions().IsForPrograms()) face.render(report, context.Out());
   }
-  if (result.error) return context.Fail(WithHint(*result.error, context.GetOptions()), report);
-  if (context.IsJson()) context.Print(report);
+  if (result.error) return context.Fail(*result.error, report);
+  if (context.GetOptions().IsForPrograms()) context.Print(report);
   return kDone;
 }
 

@@ -12,9 +12,8 @@ void SaveField(const Options& options, const char* field, const std::string& fil
   const std::string_view content = bytes ? bytes::AsText(*bytes) : std::string_view();
   if (!options.what_if) {
     if (const std::error_code error = support::WriteFileSafely(ToPath(file), content)) {
-      throw CommandError(kUnexpected, "not-written",
-                         "The file '" + file + "' could not be written: " + error.message() + ".",
-                         file);
+      throw Error(kUnexpected, "not-written",
+                  "The file '" + file + "' could not be written: " + error.message() + ".", file);
     }
   }
   document.erase(field);

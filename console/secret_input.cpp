@@ -6,6 +6,7 @@
 #include <iostream>
 #include <system_error>
 
+#include "console/hints.h"
 #include "console/terminal.h"
 
 namespace mira::console {
@@ -43,14 +44,14 @@ bool ReadVariable(const std::string& name, bytes::SecureString& line) {
   return true;
 }
 
-CommandError Unreadable(const SecretSource& source, const std::string& target) {
+Error Unreadable(const SecretSource& source, const std::string& target) {
   const bool is_password = source.name.ends_with("password");
   const std::string kind = is_password ? "password" : source.name;
   std::error_code error;
   const bool is_missing = source.file && !std::filesystem::exists(ToPath(*source.file), error);
   const ExitStatus status = is_password ? kPassword : is_missing ? kNotFound : kInvalidValue;
-  return CommandError(status, kind + "-unreadable",
-                      "No " + kind + " could be read from '" + target + "'.", target);
+  return Error(status, kind + "-unreadable", "No " + kind + " could be read from '" + target + "'.",
+               target);
 }
 
 }  // namespace
@@ -105,8 +106,8 @@ bytes::SecureString ReadSecret(Context& context, const SecretSource& source,
     target = *source.variable;
     read = ReadVariable(*source.variable, secret);
   } else if (!context.IsInteractive() || !ReadWithoutEcho(prompt, secret)) {
-    throw CommandError(kPassword, "password-needed", "A password is needed.", "",
-                       "Without a terminal, give it by " + OptionNames(source) + ".");
+    throw WithHint(Error(kPassword, "password-needed", "A password is needed."),
+                   "Without a terminal, give it by " + OptionNames(source) + ".");
   } else {
     return secret;
   }

@@ -31,7 +31,7 @@ std::shared_ptr<SecretSource> AddSecretOptions(CLI::App& app, const std::string&
 std::string OptionNames(const SecretSource& source);
 
 // The first line of the source; without one, a line typed at a prompt without echo. Throws
-// CommandError when there is neither a source nor a terminal: status 5 for a password; for what
+// Error when there is neither a source nor a terminal: status 5 for a password; for what
 // else cannot be read, 3 where the file is not found, or 6.
 bytes::SecureString ReadSecret(Context& context, const SecretSource& source,
                                const std::string& prompt);

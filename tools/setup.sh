@@ -5,8 +5,8 @@ set -euo pipefail
 
 declare -A packages=(
   [native]="g++ lld dmidecode cmake ninja-build git python3 python3-jsonschema googletest libcli11-dev nlohmann-json3-dev"
-  [windows]="g++-mingw-w64-i686-posix cmake ninja-build git googletest libcli11-dev nlohmann-json3-dev wine wine32:i386"
-  [windows64]="g++-mingw-w64-x86-64-posix cmake ninja-build git googletest libcli11-dev nlohmann-json3-dev wine wine64"
+  [windows]="g++-mingw-w64-i686-posix cmake ninja-build git googletest libcli11-dev nlohmann-json3-dev python3 python3-jsonschema wine wine32:i386"
+  [windows64]="g++-mingw-w64-x86-64-posix cmake ninja-build git googletest libcli11-dev nlohmann-json3-dev python3 python3-jsonschema wine wine64"
   [bench]="g++ cmake ninja-build git libbenchmark-dev"
   [fuzz]="clang libclang-rt-14-dev cmake ninja-build git"
   [format]="clang-format git"

@@ -7,10 +7,11 @@
 #include "buffers/prompt_input.h"
 #include "buffers/secret_prompt.h"
 #include "bytes/reader.h"
+#include "bytes/text.h"
 #include "callif/commands.h"
-#include "console/call.h"
+#include "client/call.h"
 #include "console/commands.h"
-#include "console/key_password.h"
+#include "console/hints.h"
 #include "console/secret_input.h"
 #include "console/terminal.h"
 
@@ -69,9 +70,20 @@ class QuietSecrets {
   static inline std::optional<NoEcho> hidden_;
 };
 
-CommandError InputEnded() {
-  return CommandError(kUsage, "input-ended", "The input ended before everything was answered.", "",
-                      "No call was made.");
+constexpr char kNoCall[] = "No call was made.";
+
+Error InputEnded() {
+  return WithHint(Error(kUsage, "input-ended", "The input ended before everything was answered."),
+                  kNoCall);
+}
+
+std::uint32_t ParseNumber(const std::string& text, const std::string& what, std::uint32_t largest,
+                          std::uint32_t smallest = 0) {
+  const auto value = bytes::ParseNumber(text, largest);
+  if (value && *value >= smallest) return static_cast<std::uint32_t>(*value);
+  throw WithHint(Error(kUsage, "bad-number", "'" + text + "' is not a " + what + ".", text),
+                 "A number from " + std::to_string(smallest) + " to " + std::to_string(largest) +
+                     " is wanted, in decimal or with 0x.");
 }
 
 class TestConsole {
@@ -80,6 +92,7 @@ class TestConsole {
   TestConsole(Context& context, CCallingInterface& calling, std::uint32_t key,
               std::uint32_t key_argument)
       : context_(context),
+        mira_(context.GetSession().Ready()),
         out_(context.Out()),
         key_(key),
         key_argument_(key_argument),
@@ -103,9 +116,9 @@ class TestConsole {
         out_ << "Select : " << std::flush;
         if (!std::getline(context_.In(), line)) throw InputEnded();
         MakeCall(cls, Number(line, "select"));
-      } catch (const CommandError& error) {
+      } catch (const Error& error) {
         if (error.name == "input-ended") throw;
-        out_ << error.what() << ' ' << error.hint << '\n';
+        out_ << error.what() << ' ' << HintOf(error, context_.GetOptions()) << '\n';
       }
     }
   }
@@ -122,10 +135,11 @@ class TestConsole {
   };
 
   ExitStatus MakeCall(std::uint16_t cls, std::uint16_t select) {
-    if (cls != callif::kUncheckedClass && !IsAnnounced(context_.Ready(), cls)) {
-      throw CommandError(kNotSupported, "not-supported",
-                         "The firmware does not announce class " + std::to_string(cls) + ".",
-                         std::to_string(cls), "'mira info' lists the classes that it announces.");
+    if (cls != callif::kUncheckedClass && !client::IsAnnounced(mira_, cls)) {
+      throw WithHint(Error(kNotSupported, "not-supported",
+                           "The firmware does not announce class " + std::to_string(cls) + ".",
+                           std::to_string(cls)),
+                     "'mira info' lists the classes that it announces.");
     }
     std::uint32_t size = 0;
     Prompted call = Prompt(cls, select, key_, size, true);
@@ -149,7 +163,7 @@ class TestConsole {
     const Status status = Send(call);
     call.buffer->DisplayOutputBuffer();
     out_ << std::endl;
-    return CallExit(status, call.record->cbRES1);
+    return status == STATUS_SUCCESS ? kDone : client::ExitOf(call.record->cbRES1);
   }
 
   // The prompts ask for no place, so only commands with a fixed one carry the key by themselves.
@@ -168,34 +182,35 @@ class TestConsole {
   Prompted Prompt(std::uint16_t cls, std::uint16_t select, std::uint32_t key, std::uint32_t& size,
                   bool asks) {
     const std::string command = std::to_string(cls) + "/" + std::to_string(select);
-    Prompted prompted{
-        std::unique_ptr<CBuffer>(CreateBuffer(cls, select, context_.Ready().GetACPIBufSize())),
-        nullptr};
+    Prompted prompted{std::unique_ptr<CBuffer>(CreateBuffer(cls, select, mira_.GetACPIBufSize())),
+                      nullptr};
     if (!prompted.buffer) {
-      throw CommandError(kNotSupported, "not-supported",
-                         "The library has no command " + command + ".", command);
+      throw WithHint(Error(kNotSupported, "not-supported",
+                           "The library has no command " + command + ".", command),
+                     "");
     }
     if (!TraitsOf(cls, select).has_prompts) {
-      throw CommandError(kNotSupported, "no-prompts", "Command " + command + " has no prompts.",
-                         command, "'mira --help' lists the commands that make such calls.");
+      throw WithHint(
+          Error(kNotSupported, "no-prompts", "Command " + command + " has no prompts.", command),
+          "'mira --help' lists the commands that make such calls.");
     }
     const QuietSecrets quiet;
     prompted.record = prompted.buffer->PromptInputBuffer(key, size, asks);
     if (prompted.record != nullptr) return prompted;
     if (buffers::InputEnded()) throw InputEnded();
-    throw CommandError(kInvalidValue, "no-record",
-                       "Command " + command + " cannot be made of these answers.", command,
-                       "No call was made.");
+    throw WithHint(Error(kInvalidValue, "no-record",
+                         "Command " + command + " cannot be made of these answers.", command),
+                   kNoCall);
   }
 
   Status Send(const Prompted& call) {
-    CMiraIntf& mira = context_.Ready();
     const CCallingInterface::Status status =
-        calling_.Execute(*call.record, mira.GetACPIBufSize(), mira.GetACPIInstanceName());
+        calling_.Execute(*call.record, mira_.GetACPIBufSize(), mira_.GetACPIInstanceName());
     return status == CCallingInterface::STATUS_SUCCESS ? STATUS_SUCCESS : STATUS_FAILURE;
   }
 
   Context& context_;
+  CMiraIntf& mira_;
   std::ostream& out_;
   std::uint32_t key_;
   std::uint32_t key_argument_;
@@ -203,10 +218,10 @@ class TestConsole {
 };
 
 std::uint32_t ReadKey(Context& context, const Arguments& a) {
-  CMiraIntf& mira = context.Ready();
+  CMiraIntf& mira = context.GetSession().Ready();
   PwdInfo info;
   mira.GetPwdInfo(info);
-  const PwdInfo::PWDTYPE type = KeyType(info, a.class10);
+  const PwdInfo::PWDTYPE type = client::KeyType(info, a.class10);
   bytes::SecureString password;
   const bool is_installed = (info.installed & type) != 0;
   if (a.secret->Given() || (!a.key_arg.empty() && is_installed)) {
@@ -217,20 +232,20 @@ std::uint32_t ReadKey(Context& context, const Arguments& a) {
   if (password.empty()) return 0;
   const std::uint32_t key = mira.ValidatePwd(password.str(), type);
   if (key == CPwdContext::kNoKey) {
-    throw CommandError(kPassword, "password-wrong", "The password was not accepted.");
+    throw Error(kPassword, "password-wrong", "The password was not accepted.");
   }
   return key;
 }
 
 ExitStatus RunTestConsole(Context& context, const Arguments& a) {
-  if (context.IsJson()) {
-    throw CommandError(kUsage, "usage", "The test console is for people.", "console",
-                       "'mira call --json' is for programs.");
+  if (context.GetOptions().IsForPrograms() || context.GetOptions().quiet) {
+    throw WithHint(Error(kUsage, "usage", "The test console is for people.", "console"),
+                   "'mira call --json' is for programs.");
   }
-  CCallingInterface* const calling = FindCallingInterface(context.Ready());
+  context.CheckMachine();
+  CCallingInterface* const calling = client::FindCallingInterface(context.GetSession().Ready());
   if (calling == nullptr) {
-    throw CommandError(kNotSupported, "no-calling-interface",
-                       "This PC offers no calling interface.");
+    throw Error(kNotSupported, "no-calling-interface", "This PC offers no calling interface.");
   }
   constexpr std::uint32_t kArguments = 4;
   const std::uint32_t key_argument =

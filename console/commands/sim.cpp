@@ -1,85 +1,93 @@
-#include "console/changes.h"
+// The simulated machine that is kept between commands.
+
 #include "console/commands.h"
 
 namespace mira::console {
 namespace {
 
-sim::Machine& SimulatedMachine(Context& context) {
-  if (context.Machine() == nullptr) {
-    throw CommandError(kUsage, "not-simulated", "This is about simulated machines.", "",
-                       "--sim or --sim=PROFILE names one.");
-  }
-  return *context.Machine();
+// A new machine has no file: it is made when something is first kept.
+constexpr char kNew[] = "new";
+constexpr char kKept[] = "kept";
+constexpr char kUnreadable[] = "unreadable";
+
+Context& SimulatedContext(client::Request& request) {
+  Context& context = OwnRequest::ContextOf(request);
+  if (context.Machine() != nullptr) return context;
+  throw Error(kUsage, "not-simulated",
+              "Only a simulated machine can be shown, restarted or reset.");
 }
 
-ExitStatus Show(Context& context) {
-  sim::Machine& machine = SimulatedMachine(context);
+Json Show(client::Request& request) {
+  Context& context = SimulatedContext(request);
   context.CheckMachine();
-  const sim::Profile& profile = machine.GetProfile();
+  const sim::Profile& profile = context.Machine()->GetProfile();
   const std::string file = PathText(context.MachineFile());
-  const int boots = machine.GetFirmware().BootCount();
-  if (context.IsJson()) {
-    context.Print({{"profile", profile.name},
-                   {"description", profile.description},
-                   {"boots", boots},
-                   {"keptIn", file.empty() ? Json() : Json(file)}});
-    return kDone;
-  }
-  WriteTable(context.Out(), {{"Profile", profile.name},
-                             {"Machine", profile.description},
-                             {"Started", std::to_string(boots) + (boots == 1 ? " time" : " times")},
-                             {"Kept in", file.empty() ? "nowhere" : file}});
-  return kDone;
+  return {{"profile", profile.name},
+          {"description", profile.description},
+          {"boots", context.Machine()->GetFirmware().BootCount()},
+          {"keptIn", file.empty() ? Json() : Json(file)}};
 }
 
-ExitStatus Reboot(Context& context) {
-  sim::Machine& machine = SimulatedMachine(context);
+Json Reboot(client::Request& request) {
+  Context& context = SimulatedContext(request);
   context.CheckMachine();
-  const int boots = machine.GetFirmware().BootCount();
-  const Changes changes = {{"starts", std::to_string(boots), std::to_string(boots + 1)}};
-  if (!Approve(context, changes)) return ReportWhatIf(context, changes);
-  machine.Reboot();
-  if (context.IsJson()) {
-    context.Print({{"boots", boots + 1}});
-  } else {
-    context.Out() << "The machine has restarted.\n";
-  }
-  return kDone;
+  sim::Machine& machine = *context.Machine();
+  const auto boots = [&machine] { return Json(machine.GetFirmware().BootCount()); };
+  const std::string& name = machine.GetProfile().name;
+  client::Plan plan;
+  plan.subject = {{"profile", name}};
+  plan.needs_key = false;
+  plan.steps.push_back(
+      {.changes = {{.target = "boots of the simulated machine '" + name + "'",
+                    .before = boots(),
+                    .after = machine.GetFirmware().BootCount() + 1}},
+       .read = [boots](client::Session&) { return std::vector{boots()}; },
+       .write = [&machine](client::Session&, const client::Key&) { machine.Reboot(); }});
+  return request.Carry(plan);
 }
 
-ExitStatus Reset(Context& context) {
-  SimulatedMachine(context);
-  const Changes changes = {{"machine", "as it is kept", "new"}};
-  if (!Approve(context, changes)) return ReportWhatIf(context, changes);
-  try {
-    sim::KeptMachine::Reset(context.MachineFile());
-  } catch (const sim::StateError& error) {
-    throw CommandError(kUnexpected, "not-removed", error.what(), PathText(context.MachineFile()));
-  }
-  if (context.IsJson()) {
-    context.Print({{"reset", true}});
-  } else {
-    context.Out() << "The next command finds a new machine.\n";
-  }
-  return kDone;
+Json Reset(client::Request& request) {
+  Context& context = SimulatedContext(request);
+  const std::filesystem::path file = context.MachineFile();
+  const auto state = [&context, file]() -> Json {
+    std::error_code error;
+    if (!std::filesystem::exists(file, error)) return kNew;
+    return context.MachineProblem().empty() ? kKept : kUnreadable;
+  };
+  const std::string& name = context.Machine()->GetProfile().name;
+  client::Plan plan;
+  plan.subject = {{"profile", name}};
+  plan.needs_key = false;
+  plan.steps.push_back({.changes = {{.target = "state of the simulated machine '" + name + "'",
+                                     .before = state(),
+                                     .after = kNew}},
+                        .read = [state](client::Session&) { return std::vector{state()}; },
+                        .write =
+                            [file](client::Session&, const client::Key&) {
+                              try {
+                                sim::KeptMachine::Reset(file);
+                              } catch (const sim::StateError& error) {
+                                throw Error(kUnexpected, "not-removed", error.what(),
+                                            PathText(file));
+                              }
+                            }});
+  return request.Carry(plan);
 }
 
 }  // namespace
 
-void AddSim(CLI::App& app, Command& command) {
-  app.require_subcommand(1);
-  app.footer(
-      "A simulated machine is kept between commands: later ones see what earlier ones changed. "
-      "The\n"
-      "environment variable MIRA_SIM_STATE names the folder; set to nothing, every command finds "
-      "a\n"
-      "new machine. The file holds the machine's passwords, as the memory of a real one does.\n"
-      "Examples:\n  mira --sim sim show\n  mira --sim=locked sim reboot --yes\n  mira --sim sim "
-      "reset --yes");
-  command.Run(*app.add_subcommand("show", "Show the machine and where it is kept"), Show);
-  command.Run(*app.add_subcommand("reboot", "Restart the machine: pending changes come into force"),
-              Reboot);
-  command.Run(*app.add_subcommand("reset", "Start over with a new machine"), Reset);
+std::vector<client::Command> SimCommands() {
+  return {
+      {.name = "sim.show", .summary = "Show the machine and where it is kept", .run = Show},
+      {.name = "sim.reboot",
+       .summary = "Restart the machine: pending changes come into force",
+       .effect = client::Effect::kChanges,
+       .run = Reboot},
+      {.name = "sim.reset",
+       .summary = "Start over with a new machine",
+       .effect = client::Effect::kChanges,
+       .run = Reset},
+  };
 }
 
 }  // namespace mira::console

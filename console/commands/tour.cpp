@@ -6,6 +6,7 @@
 #include "client/token.h"
 #include "console/commands.h"
 #include "console/face.h"
+#include "console/hints.h"
 #include "console/render/info.h"
 #include "smbios/table.h"
 
@@ -38,6 +39,7 @@ void WriteStructures(std::ostream& out, const client::StructureList& list) {
 ExitStatus Tour(Context& context) {
   std::ostream& out = context.Out();
   out << "== Init\n";
+  context.CheckMachine();
   client::Session& session = context.GetSession();
   const client::StartUp start_up = client::ReadStartUp(session);
   RenderSteps(client::ToJson(start_up), out);
@@ -70,9 +72,9 @@ void AddTour(CLI::App& app, Command& command) {
       "Example:\n"
       "  mira --sim tour");
   command.Run(app, [](Context& context) {
-    if (context.IsJson()) {
-      throw CommandError(kUsage, "usage", "The tour is for people.", "tour",
-                         "'mira info --json' and 'mira smbios --json' are for programs.");
+    if (context.GetOptions().IsForPrograms()) {
+      throw WithHint(Error(kUsage, "usage", "The tour is for people.", "tour"),
+                     "'mira info --json' and 'mira smbios --json' are for programs.");
     }
     return Tour(context);
   });

@@ -12,10 +12,10 @@ constexpr Command kLegacyBootInfo = {3, 2};
 
 }  // namespace
 
-Outcome Dispatch(const Target& target, std::uint16_t cls, std::uint16_t select, IBIOSData& data,
-                 const std::string& password, bool class10) {
+DispatchResult Dispatch(const Target& target, std::uint16_t cls, std::uint16_t select,
+                        IBIOSData& data, const std::string& password, bool class10) {
   if (cls != kUncheckedClass && !IsAnnounced(target, {cls, select})) {
-    return Outcome::kNotSupported;
+    return DispatchResult::kNotSupported;
   }
   std::uint32_t key = 0;
   if (!password.empty()) {
@@ -23,7 +23,7 @@ Outcome Dispatch(const Target& target, std::uint16_t cls, std::uint16_t select, 
     key = context.GetSecurityKey(password, class10);
     if (key == CPwdContext::kNoKey) {
       transport::OperationLog::Get().FailWithCall(Step::kSecurityKey);
-      return Outcome::kNoKey;
+      return DispatchResult::kNoKey;
     }
   }
 
@@ -43,14 +43,14 @@ Outcome Dispatch(const Target& target, std::uint16_t cls, std::uint16_t select, 
   }
 
   OneCall call(target, command, key, size, data);
-  if (!call.Sent()) return Outcome::kNotSupported;
+  if (!call.Sent()) return DispatchResult::kNotSupported;
   if (call.Succeeded() || cls == kUncheckedClass) {
     call.Buffer().ParseOutputBuffer(data);
-    return Outcome::kDone;
+    return DispatchResult::kDone;
   }
   // A failed call leaves the request's own fields alone: only the four result words move.
   call.Buffer().CBuffer::ParseOutputBuffer(data);
-  return Outcome::kFailed;
+  return DispatchResult::kFailed;
 }
 
 }  // namespace mira::callif

@@ -11,9 +11,9 @@
 
 namespace mira::callif {
 
-enum class Outcome {
+enum class DispatchResult {
   kDone,
-  kFailed,        // the transport or the firmware reported failure; the result words tell
+  kFailed,        // the transport or the firmware reported failure; the result words say which
   kNotSupported,  // class not announced, no buffer for the pair, or no record from the request
   kNoKey,         // a password was given but no security key could be obtained for it
 };
@@ -21,8 +21,8 @@ enum class Outcome {
 // Class 64 is served without being announced, and its answer is decoded even when the call failed.
 // Throws std::bad_cast for a request of another type than the command's, and std::out_of_range for
 // a class bitmap that cannot be read.
-Outcome Dispatch(const Target& target, std::uint16_t cls, std::uint16_t select, IBIOSData& data,
-                 const std::string& password, bool class10);
+DispatchResult Dispatch(const Target& target, std::uint16_t cls, std::uint16_t select,
+                        IBIOSData& data, const std::string& password, bool class10);
 
 }  // namespace mira::callif
 

@@ -8,7 +8,7 @@
 namespace mira {
 namespace {
 
-using pldm::Outcome;
+using pldm::AttributeResult;
 
 struct CodeStatus {
   std::int32_t code;
@@ -38,31 +38,31 @@ Status FindStatus(std::span<const CodeStatus> rows, std::int32_t code, Status ot
 
 }  // namespace
 
-Status StatusOf(const Outcome& outcome) {
+Status StatusOf(const AttributeResult& outcome) {
   transport::OperationLog& log = transport::OperationLog::Get();
   switch (outcome.kind) {
-    case Outcome::kDone:
+    case AttributeResult::kDone:
       return STATUS_SUCCESS;
-    case Outcome::kNotSupported:
+    case AttributeResult::kNotSupported:
       log.FailOperation(Step::kAttributeTables);
       return STATUS_NOT_SUPPORTED;
-    case Outcome::kNotFound:
+    case AttributeResult::kNotFound:
       log.FailOperation(Step::kRequest);
       return STATUS_ATTRIBUTE_NOT_FOUND;
-    case Outcome::kNoKey:
+    case AttributeResult::kNoKey:
       log.FailWithCall(Step::kSecurityKey);
       return STATUS_SECURITY_KEY_FAILED;
-    case Outcome::kCancelled:
+    case AttributeResult::kCancelled:
       log.FailOperation({Step::kAttributeTables, StepOutcome::kCancelled});
       return STATUS_FAILURE;
-    case Outcome::kMalformed:
+    case AttributeResult::kMalformed:
       log.FailOperation(Step::kReply);
       return STATUS_OUTPUT_MALFORMED;
-    case Outcome::kCallFailed:
+    case AttributeResult::kCallFailed:
       log.FailOperation(log.LastOperation().call.failure);
       return FindStatus(kCompletionStatus, outcome.code,
                         outcome.code < kTransportCodes ? STATUS_TRANSPORT_ERROR : STATUS_FAILURE);
-    case Outcome::kAnswered: {
+    case AttributeResult::kAnswered: {
       const Status status = FindStatus(kWriteStatus, outcome.code, STATUS_SUCCESS);
       if (status != STATUS_SUCCESS) {
         log.FailOperation(
@@ -70,7 +70,7 @@ Status StatusOf(const Outcome& outcome) {
       }
       return status;
     }
-    case Outcome::kFailed:
+    case AttributeResult::kFailed:
       break;
   }
   const CallReport& call = log.LastOperation().call;

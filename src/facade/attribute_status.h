@@ -7,7 +7,7 @@
 namespace mira {
 
 // The status of an operation on attributes. Writes a failure down in the operation's report.
-Status StatusOf(const pldm::Outcome& outcome);
+Status StatusOf(const pldm::AttributeResult& outcome);
 
 }  // namespace mira
 

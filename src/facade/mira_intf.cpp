@@ -23,8 +23,8 @@ using mira::CodeKind;
 using mira::Step;
 using mira::StepOutcome;
 using mira::platform::Services;
+using mira::pldm::AttributeResult;
 using mira::pldm::Manager;
-using mira::pldm::Outcome;
 using mira::transport::OperationLog;
 using mira::transport::OperationScope;
 
@@ -247,16 +247,16 @@ Status CMiraIntf::ExecuteDACI(std::uint16_t cls, std::uint16_t sel, IBIOSData& d
       m_Diag << "Down cast failed!" << std::endl;
       return STATUS_FAILURE;
     }
-    using mira::callif::Outcome;
+    using mira::callif::DispatchResult;
     switch (mira::callif::Dispatch({*calling, m_dwACPIBufSize, m_bstrACPIInstanceName}, cls, sel,
                                    data, password, pwdType == PwdInfo::PWD_CLASS10)) {
-      case Outcome::kDone:
+      case DispatchResult::kDone:
         return STATUS_SUCCESS;
-      case Outcome::kNotSupported:
+      case DispatchResult::kNotSupported:
         return STATUS_NOT_SUPPORTED;
-      case Outcome::kNoKey:
+      case DispatchResult::kNoKey:
         return STATUS_SECURITY_KEY_FAILED;
-      case Outcome::kFailed:
+      case DispatchResult::kFailed:
         break;
     }
     return STATUS_FAILURE;
@@ -296,7 +296,7 @@ unsigned int CMiraIntf::ValidatePwd(const std::string& password, PwdInfo::PWDTYP
 template <typename Operation>
 Status CMiraIntf::WithPLDM(const char* what, Operation operation) {
   const OperationScope scope(what);
-  if (!IsPLDMSupported()) return mira::StatusOf({Outcome::kNotSupported});
+  if (!IsPLDMSupported()) return mira::StatusOf({AttributeResult::kNotSupported});
   return Guard(what, STATUS_FAILURE, [&] { return mira::StatusOf(operation(*m_pPLDM)); });
 }
 
@@ -306,7 +306,7 @@ void CMiraIntf::GetAttributeHandlesAndTypes(
     std::list<std::pair<std::uint16_t, PLDM::ATTRIBUTE_TYPE>>& out) {
   WithPLDM("GetAttributeHandlesAndTypes", [&](const Manager& store) {
     store.GetAttributeHandlesAndTypes(out);
-    return Outcome{};
+    return AttributeResult{};
   });
 }
 
@@ -314,7 +314,7 @@ void CMiraIntf::GetAttributeNamesAndTypes(
     std::list<std::pair<std::string, PLDM::ATTRIBUTE_TYPE>>& out) {
   WithPLDM("GetAttributeNamesAndTypes", [&](const Manager& store) {
     store.GetAttributeNamesAndTypes(out);
-    return Outcome{};
+    return AttributeResult{};
   });
 }
 

@@ -22,11 +22,11 @@ bool SameType(PLDM::ATTRIBUTE_TYPE a, PLDM::ATTRIBUTE_TYPE b) {
 }
 
 // Appends the texts of the attribute's choices, each with `end` behind it, until one is missing.
-Outcome AppendChoices(const IntPLDMAttribute* attribute, const Indices& indices, const char* end,
-                      const Tables& tables, std::string& text) {
+AttributeResult AppendChoices(const IntPLDMAttribute* attribute, const Indices& indices,
+                              const char* end, const Tables& tables, std::string& text) {
   for (const std::uint8_t index : indices) {
     const auto choice = ChoiceText(attribute, index, tables);
-    if (!choice) return {Outcome::kFailed};
+    if (!choice) return {AttributeResult::kFailed};
     text.append(*choice).append(end);
   }
   return {};
@@ -47,10 +47,10 @@ const IntPLDMAttribute* Manager::Find(std::uint16_t handle) const {
   return record_ ? record_->Tables.FindAttribute(handle) : nullptr;
 }
 
-Outcome Manager::Find(std::uint16_t handle, const IntPLDMAttribute*& attribute) const {
-  if (!record_) return {Outcome::kNotSupported};
+AttributeResult Manager::Find(std::uint16_t handle, const IntPLDMAttribute*& attribute) const {
+  if (!record_) return {AttributeResult::kNotSupported};
   attribute = Find(handle);
-  return {attribute != nullptr ? Outcome::kDone : Outcome::kNotFound};
+  return {attribute != nullptr ? AttributeResult::kDone : AttributeResult::kNotFound};
 }
 
 void Manager::GetAttributeHandlesAndTypes(
@@ -71,9 +71,9 @@ void Manager::GetAttributeNamesAndTypes(
   }
 }
 
-Outcome Manager::GetAttributeName(std::uint16_t handle, std::string& name) const {
+AttributeResult Manager::GetAttributeName(std::uint16_t handle, std::string& name) const {
   const IntPLDMAttribute* attribute = nullptr;
-  const Outcome found = Find(handle, attribute);
+  const AttributeResult found = Find(handle, attribute);
   if (attribute != nullptr) name = record_->Tables.Text(attribute->name_handle);
   return found;
 }
@@ -83,9 +83,9 @@ PLDM::ATTRIBUTE_TYPE Manager::GetAttributeType(std::uint16_t handle) const {
   return attribute != nullptr ? attribute->type : PLDM::BIOSUnknownType;
 }
 
-Outcome Manager::Resolve(PLDM::Attribute& attr) {
-  if (!record_) return {Outcome::kNotSupported};
-  if (attr.Name.empty() && attr.Handle == 0) return {Outcome::kNotFound};
+AttributeResult Manager::Resolve(PLDM::Attribute& attr) {
+  if (!record_) return {AttributeResult::kNotSupported};
+  if (attr.Name.empty() && attr.Handle == 0) return {AttributeResult::kNotFound};
   auto value = MakeValue(attr.Type);
   if (value && !attr.Name.empty()) attr.Handle = record_->Tables.HandleOf(attr.Name).value_or(0);
   const IntPLDMAttribute* const attribute = attr.Handle != 0 ? Find(attr.Handle) : nullptr;
@@ -93,11 +93,11 @@ Outcome Manager::Resolve(PLDM::Attribute& attr) {
     // What cannot be read leaves what was exchanged last as it is.
     const bool fits =
         attribute == nullptr || (IsOfItsType(attr) && SameType(attr.Type, attribute->type));
-    if (!fits) return {Outcome::kFailed};
+    if (!fits) return {AttributeResult::kFailed};
     value->handle = attr.Handle;
     record_->Exchange = std::move(value);
   }
-  return {attribute != nullptr ? Outcome::kDone : Outcome::kNotFound};
+  return {attribute != nullptr ? AttributeResult::kDone : AttributeResult::kNotFound};
 }
 
 bool Manager::FetchStrings(StringKind kind) {
@@ -108,9 +108,10 @@ bool Manager::FetchStrings(StringKind kind) {
   return !wanted || !index.empty() || FetchStringData(target_, key_, kind, record_);
 }
 
-Outcome Manager::Fill(PLDM::Attribute& attr, Source source) {
-  if (!FetchStrings(kDisplayStrings) || !FetchStrings(kHelpStrings)) return {Outcome::kCancelled};
-  if (!record_) return {Outcome::kNotSupported};
+AttributeResult Manager::Fill(PLDM::Attribute& attr, Source source) {
+  if (!FetchStrings(kDisplayStrings) || !FetchStrings(kHelpStrings))
+    return {AttributeResult::kCancelled};
+  if (!record_) return {AttributeResult::kNotSupported};
   // Looked up behind the fetch, which replaces every table that the directory points it to.
   const IntPLDMAttributeValue* const value =
       source == kLive ? record_->Exchange.get() : record_->Tables.FindValue(attr.Handle);
@@ -120,30 +121,32 @@ Outcome Manager::Fill(PLDM::Attribute& attr, Source source) {
     return {};
   }
   const bool filled = value != nullptr && pldm::Fill(attribute, *value, record_->Tables, attr);
-  return {filled ? Outcome::kDone : Outcome::kFailed};
+  return {filled ? AttributeResult::kDone : AttributeResult::kFailed};
 }
 
-Outcome Manager::GetAttributeValue(PLDM::Attribute& attr) {
-  if (const Outcome resolved = Resolve(attr); resolved.kind != Outcome::kDone) return resolved;
+AttributeResult Manager::GetAttributeValue(PLDM::Attribute& attr) {
+  if (const AttributeResult resolved = Resolve(attr); resolved.kind != AttributeResult::kDone)
+    return resolved;
   std::uint32_t size = 0;
   OneCall call(target_, kReadValue, key_, size, *record_);
-  if (!call.Sent()) return {Outcome::kFailed};
-  if (!call.Succeeded()) return {Outcome::kCallFailed, call.CompletionCode()};
+  if (!call.Sent()) return {AttributeResult::kFailed};
+  if (!call.Succeeded()) return {AttributeResult::kCallFailed, call.CompletionCode()};
   call.Buffer().ParseOutputBuffer(*record_);
-  if (!record_->ExchangeStatus) return {Outcome::kMalformed};
+  if (!record_->ExchangeStatus) return {AttributeResult::kMalformed};
   return Fill(attr, kLive);
 }
 
-Outcome Manager::GetAttributeValueAtBoot(PLDM::Attribute& attr) {
-  if (const Outcome resolved = Resolve(attr); resolved.kind != Outcome::kDone) return resolved;
+AttributeResult Manager::GetAttributeValueAtBoot(PLDM::Attribute& attr) {
+  if (const AttributeResult resolved = Resolve(attr); resolved.kind != AttributeResult::kDone)
+    return resolved;
   return Fill(attr, kAtBoot);
 }
 
-Outcome Manager::GetAttributeValueAtBoot(std::uint16_t handle, std::string& value) const {
-  if (!record_) return {Outcome::kNotSupported};
+AttributeResult Manager::GetAttributeValueAtBoot(std::uint16_t handle, std::string& value) const {
+  if (!record_) return {AttributeResult::kNotSupported};
   const Tables& tables = record_->Tables;
   const IntPLDMAttributeValue* const found = tables.FindValue(handle);
-  if (found == nullptr) return {Outcome::kFailed};
+  if (found == nullptr) return {AttributeResult::kFailed};
   switch (PLDM::WritableForm(found->type)) {
     case PLDM::BIOSEnumeration:
       return AppendChoices(Find(handle),
@@ -186,32 +189,32 @@ bool Manager::ObtainKey(const std::string& password, bool class10, std::uint32_t
   return true;
 }
 
-Outcome Manager::SetAttributeValue(PLDM::Attribute& attr, const std::string& password, bool class10,
-                                   std::uint32_t key) {
-  if (!record_) return {Outcome::kNotSupported};
+AttributeResult Manager::SetAttributeValue(PLDM::Attribute& attr, const std::string& password,
+                                           bool class10, std::uint32_t key) {
+  if (!record_) return {AttributeResult::kNotSupported};
   const bool writable = PLDM::IsKnown(attr.Type) && !PLDM::IsReadOnly(attr.Type);
-  if (writable && !IsOfItsType(attr)) return {Outcome::kFailed};
-  if (!ObtainKey(password, class10, key)) return {Outcome::kNoKey};
+  if (writable && !IsOfItsType(attr)) return {AttributeResult::kFailed};
+  if (!ObtainKey(password, class10, key)) return {AttributeResult::kNoKey};
   if (writable) {
     if (!attr.Name.empty()) attr.Handle = record_->Tables.HandleOf(attr.Name).value_or(0);
     auto value = ToValue(attr, record_->Tables);
-    if (!value) return {Outcome::kFailed};
+    if (!value) return {AttributeResult::kFailed};
     record_->Exchange = std::move(value);
   } else {
     DiagnoseType();
   }
   std::uint32_t size = 0;
   OneCall call(target_, kWriteValue, key_, size, *record_);
-  if (!call.Sent()) return {Outcome::kFailed};
+  if (!call.Sent()) return {AttributeResult::kFailed};
   call.Buffer().ParseOutputBuffer(*record_);
-  if (!call.Succeeded()) return {Outcome::kCallFailed, call.CompletionCode()};
-  if (!record_->ExchangeStatus) return {Outcome::kFailed};
-  return {Outcome::kAnswered, *record_->ExchangeStatus};
+  if (!call.Succeeded()) return {AttributeResult::kCallFailed, call.CompletionCode()};
+  if (!record_->ExchangeStatus) return {AttributeResult::kFailed};
+  return {AttributeResult::kAnswered, *record_->ExchangeStatus};
 }
 
-Outcome Manager::GetAttributeDefault(std::uint16_t handle, std::string& value) const {
+AttributeResult Manager::GetAttributeDefault(std::uint16_t handle, std::string& value) const {
   const IntPLDMAttribute* attribute = nullptr;
-  const Outcome found = Find(handle, attribute);
+  const AttributeResult found = Find(handle, attribute);
   if (attribute == nullptr) return found;
   value.clear();
   if (const auto* const enumeration = dynamic_cast<const IntBIOSEnumeration*>(attribute)) {
@@ -234,9 +237,10 @@ Outcome Manager::GetAttributeDefault(std::uint16_t handle, std::string& value) c
   return found;
 }
 
-Outcome Manager::GetPossibleValues(std::uint16_t handle, std::list<std::string>& names) const {
+AttributeResult Manager::GetPossibleValues(std::uint16_t handle,
+                                           std::list<std::string>& names) const {
   const IntPLDMAttribute* attribute = nullptr;
-  const Outcome found = Find(handle, attribute);
+  const AttributeResult found = Find(handle, attribute);
   if (attribute == nullptr) return found;
   names.clear();
   // Two values may differ in their suffixes alone. Sources and members are found by name.

@@ -20,8 +20,8 @@
 
 namespace mira::pldm {
 
-// How an operation ended.
-struct Outcome {
+// How an operation on an attribute ended.
+struct AttributeResult {
   enum Kind {
     kDone,
     kFailed,
@@ -55,24 +55,24 @@ class Manager {
       std::list<std::pair<std::uint16_t, PLDM::ATTRIBUTE_TYPE>>& out) const;
   void GetAttributeNamesAndTypes(
       std::list<std::pair<std::string, PLDM::ATTRIBUTE_TYPE>>& out) const;
-  Outcome GetAttributeName(std::uint16_t handle, std::string& name) const;
+  AttributeResult GetAttributeName(std::uint16_t handle, std::string& name) const;
   PLDM::ATTRIBUTE_TYPE GetAttributeType(std::uint16_t handle) const;
-  Outcome GetAttributeValue(PLDM::Attribute& attr);
-  Outcome GetAttributeValueAtBoot(PLDM::Attribute& attr);
-  Outcome GetAttributeValueAtBoot(std::uint16_t handle, std::string& value) const;
-  Outcome SetAttributeValue(PLDM::Attribute& attr, const std::string& password, bool class10,
-                            std::uint32_t key);
-  Outcome GetAttributeDefault(std::uint16_t handle, std::string& value) const;
-  Outcome GetPossibleValues(std::uint16_t handle, std::list<std::string>& names) const;
+  AttributeResult GetAttributeValue(PLDM::Attribute& attr);
+  AttributeResult GetAttributeValueAtBoot(PLDM::Attribute& attr);
+  AttributeResult GetAttributeValueAtBoot(std::uint16_t handle, std::string& value) const;
+  AttributeResult SetAttributeValue(PLDM::Attribute& attr, const std::string& password,
+                                    bool class10, std::uint32_t key);
+  AttributeResult GetAttributeDefault(std::uint16_t handle, std::string& value) const;
+  AttributeResult GetPossibleValues(std::uint16_t handle, std::list<std::string>& names) const;
 
  private:
   const IntPLDMAttribute* Find(std::uint16_t handle) const;
   // kNotSupported, kNotFound, or the attribute.
-  Outcome Find(std::uint16_t handle, const IntPLDMAttribute*& attribute) const;
+  AttributeResult Find(std::uint16_t handle, const IntPLDMAttribute*& attribute) const;
   // The handle of the attribute that the caller named; makes an empty value to be exchanged.
-  Outcome Resolve(PLDM::Attribute& attr);
+  AttributeResult Resolve(PLDM::Attribute& attr);
   enum Source { kLive, kAtBoot };
-  Outcome Fill(PLDM::Attribute& attr, Source source);
+  AttributeResult Fill(PLDM::Attribute& attr, Source source);
   // False when it was cancelled.
   bool FetchStrings(StringKind kind);
   bool ObtainKey(const std::string& password, bool class10, std::uint32_t key);

@@ -69,7 +69,7 @@ void Layout::ShowBanner(TextOut& out) const {
 void Layout::ShowClosing(TextOut& out) const {
   const std::size_t banner =
       2 * kBannerDashes + 2 + title_.size() + kTypeText.size() + type_.size();
-  ShowDashes(out, besides_.closing != 0 ? besides_.closing : banner);
+  ShowDashes(out, extras_.closing != 0 ? extras_.closing : banner);
   out << '\n';
 }
 
@@ -91,14 +91,14 @@ void Layout::Show(const StructureView& structure, TextOut& out) const {
   }
   const std::size_t count = ItemCount(structure);
   for (std::size_t i = 0; i < count; ++i) {
-    for (const Field& field : besides_.items) {
+    for (const Field& field : extras_.items) {
       out << field.label.text << '[' << Decimal(i) << "] : ";
       WriteValue(structure, field, end_ + i * item_size_ + field.offset, false, out);
       out << '\n';
     }
   }
-  if (besides_.show != nullptr) besides_.show(structure, out);
-  if (besides_.note != nullptr) out << besides_.note << '\n';
+  if (extras_.show != nullptr) extras_.show(structure, out);
+  if (extras_.note != nullptr) out << extras_.note << '\n';
 }
 
 void Layout::Publish(const StructureView& structure, Attributes& list,
@@ -121,11 +121,11 @@ void Layout::Publish(const StructureView& structure, Attributes& list,
   }
   const std::size_t count = ItemCount(structure);
   for (std::size_t i = 0; i < count; ++i) {
-    for (const Field& field : besides_.items) {
+    for (const Field& field : extras_.items) {
       if (field.key != nullptr) publish(field, end_ + i * item_size_ + field.offset);
     }
   }
-  if (besides_.publish != nullptr) besides_.publish(structure, list);
+  if (extras_.publish != nullptr) extras_.publish(structure, list);
 }
 
 void CLayoutObject::AddAttributes(AttributeMap::mapped_type& list) const {

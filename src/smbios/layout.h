@@ -138,8 +138,8 @@ struct Field {
   Extras extras = {};
 };
 
-// What few classes have besides their fields.
-struct Besides {
+// What few classes have in addition to their fields.
+struct LayoutExtras {
   // Items behind the fields, as many as the formatted area holds whole; labels get the index.
   std::span<const Field> items = {};
   // A fixed line behind the fields.
@@ -158,11 +158,11 @@ class Layout {
 
   // `type` is written as the banner has it.
   constexpr Layout(const char* title, const char* type, std::span<const Field> fields,
-                   Besides besides = {})
-      : title_(title), type_(type), fields_(fields), besides_(besides) {
+                   LayoutExtras extras = {})
+      : title_(title), type_(type), fields_(fields), extras_(extras) {
     if (fields.size() > kMaxFields) throw std::length_error("too many fields");
     end_ += CheckedSize(fields, kHeaderSize);
-    item_size_ = CheckedSize(besides.items, 0);
+    item_size_ = CheckedSize(extras.items, 0);
     // The zero bytes behind every structure copy cover a layout of this size.
     if (end_ + item_size_ > 255) throw std::length_error("layout too long");
     // Published in order of rank; without ranks, in the fields' order.
@@ -206,7 +206,7 @@ class Layout {
   std::string_view title_;
   std::string_view type_;
   std::span<const Field> fields_;
-  Besides besides_;
+  LayoutExtras extras_;
   std::array<std::uint8_t, kMaxFields> order_{};
   std::size_t published_ = 0;
   std::size_t end_ = kHeaderSize;  // of the fields, where the items begin

@@ -155,10 +155,10 @@ TEST(BootFiles, AndPathTextsThatAreNoneAreRefused) {
       {{"boot", "decode", "-"}, "nonsense", 6, "neither bytes of firmware nor hexadecimal"},
       {{"boot", "decode", "-"}, "0100", 6, "at byte 0: "},
       {{"boot", "decode"}, "", 2, "FILE"},
-      {{"boot", "encode", "PciRoot(zz)"}, "", 6, "is no device path"},
-      {{"boot", "encode", "PciRoot(0x0)/Pci(0x1F"}, "", 6, "is no device path"},
-      {{"boot", "encode", "Bogus("}, "", 6, "is no device path"},
-      {{"boot", "encode", ""}, "", 6, "is no device path"},
+      {{"boot", "encode", "PciRoot(zz)"}, "", 6, "is not a device path"},
+      {{"boot", "encode", "PciRoot(0x0)/Pci(0x1F"}, "", 6, "is not a device path"},
+      {{"boot", "encode", "Bogus("}, "", 6, "is not a device path"},
+      {{"boot", "encode", ""}, "", 6, "is not a device path"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(testing::PrintToString(c.arguments) + c.input);

@@ -343,7 +343,7 @@ TEST(IdentityConsole, EndsWithTheStatusAndWritesOnlyWhenItMay) {
       {{"tag", "show", "extended", "--command", "9"}, 11, "answered -1"},
       {{"tag", "set", "asset", "X"}, 8, "--yes goes ahead"},
       {{"tag", "set", "asset", "X", "--what-if"}, 0, "Nothing was written."},
-      {{"tag", "set", "asset", "NF-004711"}, 0, "It is so already."},
+      {{"tag", "set", "asset", "NF-004711"}, 0, "Nothing to change."},
       {{"tag", "set", "asset", "1234567890123", "--yes"}, 0, "-> '123456789012'"},
       {{"tag", "set", "asset", "", "--yes"}, 0, "'NF-004711' -> ''"},
       {{"tag", "set", "asset", "caf\xC3\xA9", "--yes"}, 6, "printable ASCII"},

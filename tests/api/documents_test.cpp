@@ -1,0 +1,218 @@
+// The documents of every command on every simulated machine. What they look like is checked against
+// their schemas by tools/check_schemas.py, which reads the file that is written here.
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "console/commands.h"
+#include "sim/machine.h"
+#include "tests/support/command_line.h"
+#include "tests/support/console_program.h"
+
+namespace mira::console {
+namespace {
+
+using test::Mira;
+using test::ProgramResult;
+
+struct Row {
+  const char* command;
+  // The first line runs on every machine, the others on those that have most to show.
+  std::vector<const char*> lines;  // what follows "<" is the input, line by line with "/" between
+};
+
+const std::vector<Row>& Rows() {
+  static const std::vector<Row> rows = {
+      {"info", {"info"}},
+      {"smbios",
+       {"smbios", "smbios --attributes --type 17", "smbios --handle 0xFFFF",
+        "smbios --type 0 --form=dump", "smbios --type 300", "smbios --save saved.tmp",
+        "smbios --save saved.tmp --what-if", "smbios --file table.tmp", "smbios --file cut.tmp",
+        "smbios --file none.tmp"}},
+      {"inventory",
+       {"inventory", "inventory --file table.tmp", "inventory --file cut.tmp",
+        "inventory --file none.tmp"}},
+      {"tokens", {"tokens"}},
+      {"call",
+       {"call 0 0 --arg1 0x70", "call 0 0 --arg1 1", "call 31 0",
+        "call 1 0 --arg1 0x70 --arg2 7 --key-arg 3 --password-stdin --what-if < setup1",
+        "call 1 0 --arg1 0x70 --arg2 7 --what-if"}},
+      {"password.status", {"password status"}},
+      {"password.verify",
+       {"password verify --class 9 --password-stdin < setup1",
+        "password verify --class 10 --password-stdin < wrong", "password verify --class 11"}},
+      {"password.change",
+       {"password change --class 9 --new-password-stdin --yes < Fresh1",
+        "password change --class 9 --new-password-stdin --what-if < Fresh1",
+        "password change --class 9 --new-password-stdin < Fresh1",
+        "password change --class 9 --remove --password-stdin --yes < setup1"}},
+      {"hdd.list", {"hdd list"}},
+      {"hdd.verify",
+       {"hdd verify 1 --password-stdin < drive1", "hdd verify 200 --password-stdin < drive1"}},
+      {"hdd.set",
+       {"hdd set 1 --new-password-stdin --yes < drive1",
+        "hdd set 1 --new-password-stdin --what-if < drive1"}},
+      {"hdd.clear",
+       {"hdd clear 1 --password-stdin --yes < drive1",
+        "hdd clear 1 --password-stdin --admin-password-stdin --yes < drive1/setup1"}},
+      {"tag.show",
+       {"tag show", "tag show asset", "tag show extended --command 0", "tag show colour"}},
+      {"tag.set",
+       {"tag set asset NF-1 --yes", "tag set asset a-text-that-is-too-long --what-if",
+        "tag set extended Desk --yes", "tag set service X",
+        "tag set asset NF-1 --password-stdin --yes < setup1"}},
+      {"id.mac.show", {"id mac", "id mac show"}},
+      {"id.eppid.show", {"id eppid show"}},
+      {"id.image-server.show", {"id image-server show"}},
+      {"id.thin-client.show", {"id thin-client show"}},
+      {"id.mac.set", {"id mac set 02:A1:B2:C3:D4:E6 --yes", "id mac set nonsense"}},
+      {"id.eppid.set", {"id eppid set CN0ABCDE1234567890ABA00 --yes", "id eppid set short"}},
+      {"id.image-server.set", {"id image-server set images.example --yes"}},
+      {"id.thin-client.set", {"id thin-client set lobby --what-if"}},
+      {"log", {"log", "log messages", "log scan-codes", "log book"}},
+      {"thermal", {"thermal"}},
+      {"attr.list",
+       {"attr list", "attr list --changed-from-default", "attr list --pending", "attr list usb"}},
+      {"attr.get", {"attr get WakeOnLan", "attr get BootOrder FanFloor", "attr get Nothing"}},
+      {"attr.set",
+       {"attr set FanFloor 30 --yes", "attr set FanFloor 30 --what-if",
+        "attr set FanFloor 3000 --yes", "attr set Nothing 1",
+        "attr set FanFloor=30 WakeOnLan=LAN --yes",
+        "attr set OwnerPassword --value-stdin --yes < Fresh1"}},
+      {"attr.reset", {"attr reset FanFloor --yes", "attr reset --all --what-if"}},
+      {"attr.export", {"attr export -", "attr export saved.tmp"}},
+      {"attr.import",
+       {"attr import attributes.tmp --yes", "attr import attributes.tmp --what-if",
+        "attr import attributes.tmp --check", "attr import none.tmp"}},
+      {"attr.diff", {"attr diff"}},
+      {"boot.list", {"boot list"}},
+      {"boot.show", {"boot show", "boot show 0", "boot show 77"}},
+      {"boot.order",
+       {"boot order 0 3,2,1,0 --yes", "boot order 0 3,2,1,0 --what-if", "boot order 0 3,3",
+        "boot order 0 3,2,1,0 --force --yes"}},
+      {"boot.first", {"boot first 2 --list 0 --yes", "boot first 2 --what-if", "boot first 200"}},
+      {"boot.legacy.show", {"boot legacy show"}},
+      {"boot.legacy.set",
+       {"boot legacy set --ipl 1,0,2,3 --yes", "boot legacy set --ipl 1,1 --yes"}},
+      {"boot.decode",
+       {"boot decode option.tmp", "boot decode none.tmp", "boot decode --path - < 7fff0400"}},
+      {"boot.encode", {"boot encode PciRoot(0x0)/Pci(0x1F,0x2)", "boot encode PciRoot("}},
+      {"battery.show",
+       {"battery show", "battery show --battery 2", "battery show --battery 9",
+        "battery show --battery all"}},
+      {"battery.set",
+       {"battery set --mode standard --yes", "battery set --mode custom --start 50 --stop 80 --yes",
+        "battery set --mode express --what-if", "battery set --start 90 --yes",
+        "battery set --day weekdays=08:00-17:30 --yes"}},
+      {"sim.show", {"sim show"}},
+      {"sim.reboot", {"sim reboot --yes", "sim reboot --what-if", "sim reboot"}},
+      {"sim.reset", {"sim reset --yes", "sim reset --what-if"}},
+      {"completion.bash",
+       {"completion bash --from attributes.tmp", "completion bash --from none.tmp"}},
+      {"completion.powershell", {"completion powershell"}},
+      {"completion.man", {"completion man"}},
+      {"completion.names",
+       {"completion names attr.list", "completion names boot.list", "completion names tokens"}},
+  };
+  return rows;
+}
+
+bool IsThorough(const std::string& profile) { return profile == "laptop" || profile == "locked"; }
+
+// The files that command lines name, for a scope.
+class Files {
+ public:
+  Files() {
+    const sim::Machine machine;
+    const auto& bytes = machine.GetProfile().firmware_table;
+    const std::string table(bytes.begin(), bytes.end());
+    Write("table.tmp", table);
+    Write("cut.tmp", table.substr(0, 300));
+    Write("none.tmp", "no table");
+    Write("attributes.tmp", R"({"attributes": [{"name": "FanFloor", "value": 30}]})");
+    // Attributes, the paths' length, a description, PciRoot(0x0), the path's end.
+    Write("option.tmp", "01000000 1000 4400690073006b000000 02010c00d041030a00000000 7fff0400");
+    names_.emplace_back("saved.tmp");
+  }
+  ~Files() {
+    std::error_code error;
+    for (const std::string& name : names_) std::filesystem::remove(name, error);
+  }
+  Files(const Files&) = delete;
+  Files& operator=(const Files&) = delete;
+
+ private:
+  void Write(const char* name, const std::string& content) {
+    std::ofstream(name, std::ios::binary) << content;
+    names_.emplace_back(name);
+  }
+  std::vector<std::string> names_;
+};
+
+ProgramResult RunLine(const std::string& machine, const char* line) {
+  test::CommandLine taken = test::TakeApart(line);
+  std::string input = taken.input_file.empty() ? "" : taken.input_file + "\n";
+  for (char& c : input) {
+    if (c == '/') c = '\n';
+  }
+  if (!machine.empty()) taken.words.insert(taken.words.begin(), machine);
+  taken.words.emplace_back("--json");
+  return Mira(taken.words, input);
+}
+
+TEST(Documents, AreThereForEveryCommandOnEveryMachine) {
+  const Files files;
+  std::filesystem::create_directories("results");
+  std::ofstream all("results/documents.jsonl", std::ios::binary);
+  std::set<std::string> succeeded;
+  const auto check = [&](const char* command, const std::string& machine, const char* line) {
+    SCOPED_TRACE(machine + " " + line);
+    const ProgramResult result = RunLine(machine, line);
+    EXPECT_EQ(result.err, "");
+    const auto document = client::Json::parse(result.out, nullptr, false);
+    ASSERT_TRUE(document.is_object()) << result.out.substr(0, 300);
+    const auto error = document.find("error");
+    EXPECT_EQ(result.status, error == document.end() ? 0 : error->at("code").get<int>());
+    if (result.status == 0) succeeded.insert(command);
+    const client::Json row = {
+        {"schema", command}, {"line", machine + " " + line}, {"document", document}};
+    all << row.dump() << '\n';
+  };
+  for (const Row& row : Rows()) {
+    for (const sim::Profile& profile : sim::Profiles()) {
+      const std::size_t count = IsThorough(profile.name) ? row.lines.size() : 1;
+      for (std::size_t i = 0; i < count; ++i) {
+        check(row.command, "--sim=" + profile.name, row.lines[i]);
+      }
+    }
+  }
+  check("info", "", "info");
+  for (const Row& row : Rows()) {
+    EXPECT_EQ(succeeded.count(row.command), 1U) << row.command << " succeeded on no machine";
+  }
+}
+
+TEST(Documents, HaveASchemaEach) {
+  std::set<std::string> expected;
+  for (const client::Command& command : Commands()) expected.insert(command.name);
+  std::set<std::string> tried;
+  for (const Row& row : Rows()) tried.insert(row.command);
+  EXPECT_EQ(tried, expected) << "a command is not tried here";
+
+  std::set<std::string> schemas;
+  constexpr std::string_view kEnd = ".schema.json";
+  for (const auto& entry : std::filesystem::directory_iterator(MIRA_SOURCES "/docs/json")) {
+    const std::string name = entry.path().filename().string();
+    if (name.ends_with(kEnd)) schemas.insert(name.substr(0, name.size() - kEnd.size()));
+  }
+  expected.insert({"common", "profile"});  // what is no command's document
+  EXPECT_EQ(schemas, expected);
+}
+
+}  // namespace
+}  // namespace mira::console
