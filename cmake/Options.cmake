@@ -28,8 +28,10 @@ endif()
 if(WIN32)
   target_compile_definitions(mira_options INTERFACE _WIN32_WINNT=0x0601 WIN32_LEAN_AND_MEAN NOMINMAX)
   if(NOT MSVC)
-    # The C++ runtime goes into every module, so that only the system's own DLLs are needed.
-    target_link_options(mira_options INTERFACE -static)
+    # The C++ runtime goes into every module, so that only the system's own DLLs are needed, but where
+    # a target has MIRA_SHARED_RUNTIME.
+    target_link_options(mira_options INTERFACE
+      $<$<NOT:$<BOOL:$<TARGET_PROPERTY:MIRA_SHARED_RUNTIME>>>:-static>)
   endif()
 endif()
 

@@ -184,7 +184,10 @@ const std::map<std::string, Format> kFormats = {
     {"number",
      [](const Row& r, const Raw& raw) { return Decimal(raw.Number(r.offset, r.Number(1))); }},
     {"hex", [](const Row& r, const Raw& raw) { return Hex(raw.Number(r.offset, r.Number(1))); }},
-    {"string", [](const Row& r, const Raw& raw) { return raw.String(raw.Number(r.offset, 1)); }},
+    {"string",
+     [](const Row& r, const Raw& raw) {
+       return raw.String(static_cast<std::size_t>(raw.Number(r.offset, 1)));
+     }},
     {"characters",
      [](const Row& r, const Raw& raw) {
        std::string text;
@@ -234,8 +237,8 @@ const std::map<std::string, Format> kFormats = {
     {"name",
      [](const Row& r, const Raw& raw) {
        const std::vector<std::string> names = Cells(r.unit, ',');
-       const std::size_t value = raw.Number(r.offset, 1);
-       return value < names.size() ? names[value] : "Unknown";
+       const std::uint64_t value = raw.Number(r.offset, 1);
+       return value < names.size() ? names[static_cast<std::size_t>(value)] : "Unknown";
      }},
 };
 
