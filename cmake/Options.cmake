@@ -25,6 +25,14 @@ else()
   endif()
 endif()
 
+# What is built is the same wherever the sources lie.
+if(NOT MSVC)
+  add_compile_options(-ffile-prefix-map=${CMAKE_SOURCE_DIR}/=)
+  if(WIN32)
+    add_link_options(-Wl,--no-insert-timestamp)
+  endif()
+endif()
+
 if(WIN32)
   target_compile_definitions(mira_options INTERFACE _WIN32_WINNT=0x0601 WIN32_LEAN_AND_MEAN NOMINMAX)
   if(NOT MSVC)

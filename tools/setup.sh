@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that a task needs, and nothing that is there already.
-# Usage: tools/setup.sh native|windows|windows64|bench|fuzz|format|check ...
+# Usage: tools/setup.sh native|windows|windows64|bench|fuzz|package|format|check ...
 set -euo pipefail
 
 declare -A packages=(
@@ -9,6 +9,7 @@ declare -A packages=(
   [windows64]="g++-mingw-w64-x86-64-posix cmake ninja-build git googletest libcli11-dev nlohmann-json3-dev python3 python3-jsonschema wine wine64"
   [bench]="g++ cmake ninja-build git libbenchmark-dev"
   [fuzz]="clang libclang-rt-14-dev cmake ninja-build git"
+  [package]="git llvm python3 cmake ninja-build"
   [format]="clang-format git"
   [check]="python3"
 )
