@@ -57,7 +57,7 @@ std::string ClassList(const Json& classes) {
 std::vector<Face> InfoFaces() {
   return {{"info",
            "  mira info\n  mira --sim=no-calling-interface info --json\n"
-           "Ends with the exit status that fits what Init said: 0 when calls can be made.",
+           "Ends with 0 when calls can be made, otherwise with the status of the step that failed.",
            ShowInfo}};
 }
 
