@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "buffers/legacy_bbs_data.h"
 #include "facade/mira_intf.h"
 #include "sim/machine.h"
 #include "sim/smbios_builder.h"
@@ -319,6 +320,20 @@ TEST(Call, SendsTheKeyWithTheLastCallOnly) {
     EXPECT_EQ(probe.args[3], 0u);
     EXPECT_TRUE(journal.back().masked[3]);
   }
+  // Nor is the one that asks how many devices there are.
+  Host host(profile);
+  CLegacyBBSIPLPriority priorities;
+  priorities.MaxDevices = 8;
+  priorities.EntryLength = 16;
+  priorities.Count = 4;
+  priorities.KeyArgIndex = 4;
+  EXPECT_EQ(host->ExecuteDACI(3, 3, priorities, "right", PwdInfo::PWD_CLASS9), STATUS_SUCCESS);
+  const auto& journal = host.machine().Journal();
+  ASSERT_GE(journal.size(), 2u);
+  const sim::JournalEntry& sizes = journal[journal.size() - 2];
+  EXPECT_EQ(sizes.cls, 3);
+  EXPECT_EQ(sizes.select, 2);
+  EXPECT_FALSE(sizes.masked[3]);
 }
 
 TEST(CallingInterface, ShowsLongChainsOnce) {

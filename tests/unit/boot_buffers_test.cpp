@@ -445,7 +445,9 @@ TEST(BootDisplay, ShowsLegacyEntriesOfLegacyLists) {
       {"a path", kUsb + kEnd, false},
       {"a legacy entry", Raw({5, 1, 2, 0, 0x10, 0}) + Nul("IDE 0"), true},
       {"a legacy entry that is a node", Raw({5, 1, 6, 0, 0, 0}) + Nul("Net"), true},
+      {"a legacy entry of another type", Raw({2, 1, 2, 0, 0x10, 0}) + Nul("USB 0"), true},
       {"a path without an end", kUsb + kPciRoot, false},
+      {"a path of the boot specification", Raw({5, 1, 9, 0, 2, 0, 0, 0, 0}) + kEnd, false},
   };
   enum { kFilled, kParsed, kPrompted };
   for (const Case& c : cases) {

@@ -779,6 +779,11 @@ TEST(LoadOption, IsReadBehindAVariablesAttributes) {
     EXPECT_EQ(problem.message, c.problem);
     EXPECT_EQ(problem.offset, c.offset);
   }
+  for (const char* const attributes : {"07010000", "06000000"}) {
+    const auto option = DecodeLoadOption(FromHex(attributes + inactive));
+    ASSERT_TRUE(option.has_value()) << attributes;
+    EXPECT_FALSE(option->variable_attributes) << attributes << " is no readable variable's";
+  }
 }
 
 TEST(LoadOption, IsNotEncodedWhereItCannotBeRead) {

@@ -42,7 +42,8 @@ constexpr std::uint16_t kTokens = 32;
 // A folder that is gone at the end.
 class Folder {
  public:
-  Folder() : path_("kept machines " + sim::UniqueText()) {}
+  Folder()
+      : path_(std::filesystem::temp_directory_path() / ("kept machines " + sim::UniqueText())) {}
   ~Folder() {
     std::error_code error;
     std::filesystem::remove_all(path_, error);

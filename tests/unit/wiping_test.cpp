@@ -104,6 +104,18 @@ TEST(Wiping, LeavesNoSecretInFreedMemory) {
          value.reset();
          attribute.reset();
        }},
+      {"attribute read over what was typed",
+       [](Secret secret) {
+         PLDM::Password attribute;
+         attribute.Value = secret;
+         pldm::IntBIOSPasswordValue value;
+         value.type = PLDM::BIOSPassword;
+         value.text = std::string(200, 'x');
+         pldm::IntBIOSPassword description;
+         description.type = PLDM::BIOSPassword;
+         ASSERT_TRUE(pldm::Fill(description, value, pldm::Tables(), attribute));
+         EXPECT_EQ(attribute.Value, value.text);
+       }},
       {"write of an attribute",
        [](Secret secret) {
          PLDM::Password attribute;
