@@ -128,6 +128,22 @@ void Layout::Publish(const StructureView& structure, Attributes& list,
   if (extras_.publish != nullptr) extras_.publish(structure, list);
 }
 
+CLayoutObject::CLayoutObject(unsigned char* raw, const Layout& layout)
+    : CBIOSObject(raw), m_pLayout(&layout) {}
+
+CLayoutObject::~CLayoutObject() = default;
+
+CLayoutObject& CLayoutObject::operator=(const CLayoutObject& other) {
+  const ChainLink chain = m_pNextObj;
+  CBIOSObject::operator=(other);
+  m_pLayout = other.m_pLayout;
+  return *this;
+}
+
+void CLayoutObject::Display(std::ostream& os) const { DisplayChain(os); }
+
+StructureView CLayoutObject::View() const { return {raw(), m_byLength}; }
+
 void CLayoutObject::AddAttributes(AttributeMap::mapped_type& list) const {
   m_pLayout->Publish(View(), list);
 }

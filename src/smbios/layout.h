@@ -25,7 +25,7 @@
 #include <vector>
 
 #include "bytes/reader.h"
-#include "smbios/bios_object.h"
+#include "smbios/layout_object.h"
 #include "smbios/text_out.h"
 
 namespace mira::smbios {
@@ -211,38 +211,6 @@ class Layout {
   std::size_t published_ = 0;
   std::size_t end_ = kHeaderSize;  // of the fields, where the items begin
   std::size_t item_size_ = 0;
-};
-
-// An object whose class is a layout.
-class CLayoutObject : public CBIOSObject {
- public:
-  CLayoutObject(const CLayoutObject&) = default;
-  // The source may hang on the chain that the base lets go of.
-  CLayoutObject& operator=(const CLayoutObject& other) {
-    const ChainLink chain = m_pNextObj;
-    CBIOSObject::operator=(other);
-    m_pLayout = other.m_pLayout;
-    return *this;
-  }
-
-  void Display(std::ostream& os) const override { DisplayChain(os); }
-
- protected:
-  CLayoutObject(unsigned char* raw, const Layout& layout) : CBIOSObject(raw), m_pLayout(&layout) {}
-  void AddAttributes(AttributeMap::mapped_type& list) const override;
-  void DisplayOne(std::ostream& os) const override;
-  void MarkBeyond(std::vector<bool>& beyond) const override;
-  StructureView View() const { return {raw(), m_byLength}; }
-
- private:
-  const Layout* m_pLayout;
-};
-
-// The class itself: its name, and its layout as a static member.
-template <typename Class>
-class CStructure : public CLayoutObject {
- public:
-  explicit CStructure(unsigned char* raw) : CLayoutObject(raw, Class::kLayout) {}
 };
 
 }  // namespace mira::smbios

@@ -1,5 +1,6 @@
 #include <iterator>
 
+#include "smbios/layout.h"
 #include "smbios/structures/structures.h"
 
 namespace {

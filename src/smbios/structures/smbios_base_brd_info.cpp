@@ -1,3 +1,4 @@
+#include "smbios/layout.h"
 #include "smbios/structures/structures.h"
 
 namespace {

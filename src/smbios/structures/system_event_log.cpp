@@ -1,3 +1,4 @@
+#include "smbios/layout.h"
 #include "smbios/structures/structures.h"
 
 // DSP0134 7.16. The note stands in place of the fields, on purpose.

@@ -1,4 +1,5 @@
 #include "bytes/text.h"
+#include "smbios/layout.h"
 #include "smbios/structures/structures.h"
 
 namespace {
