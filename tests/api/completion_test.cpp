@@ -134,14 +134,13 @@ TEST(BashCompletion, TakesNamesFromAFile) {
   std::string calls;
   EXPECT_EQ(bash.Offers("mira attr get FanFl", &calls), std::vector<std::string>{"FanFloor"});
   EXPECT_EQ(calls, "");
-  const TemporaryFile hostile(R"({"attributes": [{"name": "'; exit 7 #"}, {"name": "$(exit 8)"
-}]
-})");
+  const TemporaryFile hostile(
+      R"J({"attributes": [{"name": "'; exit 7 #"}, {"name": "$(exit 8)"}]})J");
   Bash careful({"--from", hostile.path()});
-EXPECT_EQ(careful.Offers("mira attr get $"), std::vector<std::string>{"\\$\\(exit\\ 8\\)"});
-const TemporaryFile lists(Mira({"--sim", "boot", "list", "--json"}).out);
-EXPECT_EQ(Bash({"--from", lists.path()}).Offers("mira boot show UEFI"),
-          std::vector<std::string>{"UEFI\\ Boot"});
+  EXPECT_EQ(careful.Offers("mira attr get $"), std::vector<std::string>{"\\$\\(exit\\ 8\\)"});
+  const TemporaryFile lists(Mira({"--sim", "boot", "list", "--json"}).out);
+  EXPECT_EQ(Bash({"--from", lists.path()}).Offers("mira boot show UEFI"),
+            std::vector<std::string>{"UEFI\\ Boot"});
 }
 
 TEST(Manual, IsSetWithoutWarnings) {

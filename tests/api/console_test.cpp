@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "client/smbios_file.h"
-#include "console/command.h"
+#include "console/commands.h"
 #include "sim/machine.h"
 #include "tests/support/console_program.h"
 
