@@ -28,6 +28,9 @@ struct Face {
   // command's argument "form" asks for the field.
   const char* save_field = nullptr;
   const char* save_help = "";
+  // Whether the document answers a question although the command may change something: --value is
+  // for such, too.
+  bool answers = false;
 };
 
 // One list for each noun, in console/render/.

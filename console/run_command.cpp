@@ -55,7 +55,8 @@ ExitStatus RunCommand(Context& context, const client::Command& command, Json arg
                       const SecretSlots& slots, const std::string& file) {
   const Options& options = context.GetOptions();
   const bool changes = command.effect == client::Effect::kChanges;
-  if (changes && !options.value.empty()) {
+  const Face* const face = FindFace(command.name);
+  if (changes && !options.value.empty() && (face == nullptr || !face->answers)) {
     throw Error(kUsage, "usage", "--value is for commands that show something.", "--value");
   }
   if (changes) arguments["whatIf"] = options.what_if;
@@ -66,7 +67,6 @@ ExitStatus RunCommand(Context& context, const client::Command& command, Json arg
   client::Result result = client::Run(command, std::move(arguments), request);
   context.ClearProgress();
   FillHints(result.document, options);
-  const Face* const face = FindFace(command.name);
   if (face != nullptr && face->saves != nullptr) return SaveDocument(context, *face, result, file);
   if (face != nullptr && face->save_field != nullptr && !file.empty()) {
     SaveField(options, face->save_field, file, result.document);

@@ -135,7 +135,7 @@ TEST(BashCompletion, TakesNamesFromAFile) {
   EXPECT_EQ(bash.Offers("mira attr get FanFl", &calls), std::vector<std::string>{"FanFloor"});
   EXPECT_EQ(calls, "");
   const TemporaryFile hostile(
-      R"json({"attributes": [{"name": "'; exit 7 #"}, {"name": "$(exit 8)"}]})json");
+      R"J({"attributes": [{"name": "'; exit 7 #"}, {"name": "$(exit 8)"}]})J");
   Bash careful({"--from", hostile.path()});
   EXPECT_EQ(careful.Offers("mira attr get $"), std::vector<std::string>{"\\$\\(exit\\ 8\\)"});
   const TemporaryFile lists(Mira({"--sim", "boot", "list", "--json"}).out);

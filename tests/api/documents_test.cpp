@@ -7,6 +7,7 @@
 #include <fstream>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "console/commands.h"
@@ -53,7 +54,8 @@ const std::vector<Row>& Rows() {
         "password change --class 9 --remove --password-stdin --yes < setup1"}},
       {"hdd.list", {"hdd list"}},
       {"hdd.verify",
-       {"hdd verify 1 --password-stdin < drive1", "hdd verify 200 --password-stdin < drive1"}},
+       {"hdd verify 1 --password-stdin --admin-password-stdin < drive1/setup1",
+        "hdd verify 1 --password-stdin < drive1", "hdd verify 200 --password-stdin < drive1"}},
       {"hdd.set",
        {"hdd set 1 --new-password-stdin --yes < drive1",
         "hdd set 1 --new-password-stdin --what-if < drive1"}},

@@ -130,9 +130,8 @@ class Place {
 // Examples on this PC run on the simulated one that has what they need.
 std::string MachineFor(const std::vector<std::string>& words) {
   const std::set<std::string> all(words.begin(), words.end());
-  const bool has_password =
-      all.count("--password-file") + all.count("--password-env") + all.count("verify") > 0;
-  return has_password ? "--sim=locked" : "--sim";
+  const bool has_password = all.count("--password-file") + all.count("--password-env") > 0;
+  return has_password || all.count("verify") > 0 ? "--sim=locked" : "--sim";
 }
 
 // What an example ends with, where that is not 0.
@@ -142,29 +141,42 @@ int StatusOf(const std::vector<std::string>& words) {
   return lacks_calls ? 4 : 0;
 }
 
-// What would be typed: a drive's or the setup password, and the answers of the test console.
-std::string InputFor(const std::vector<std::string>& words, const std::string& file) {
-  if (!file.empty()) return Place::Content(file);
-  const std::string words_line = testing::PrintToString(words);
-  if (words_line.find("\"--path\"") != std::string::npos) return "7fff0400\n";
-  if (words_line.find("\"hdd\"") != std::string::npos) return "drive1\n";
-  if (words_line.find("\"console\"") != std::string::npos) {
-    // The loop reads a token's value once and ends; the other examples are given their answers.
-    if (words_line.find("\"10\", \"7\"") != std::string::npos) return "user\nPreboot1\n";
-    if (words_line.find("\"3\", \"12\"") != std::string::npos) return "0\n0\n0\n0\n";
-    return "0\n0\n0x70\n0\n0\n0\n\n";
+// What a person would type: the secrets that no option gives, and the answers of the test console.
+// The words get the options with which a program gives the secrets.
+std::string TypedFor(std::vector<std::string>& words) {
+  const auto has = [&words](const std::string& word) {
+    return std::find(words.begin(), words.end(), word) != words.end();
+  };
+  const auto gives = [&words](const std::string& start) {
+    return std::any_of(words.begin(), words.end(),
+                       [&start](const auto& word) { return word.starts_with(start); });
+  };
+  std::string typed;
+  const bool opens_drive = has("hdd") && (has("verify") || has("clear"));
+  if ((has("verify") || has("--key-arg") || opens_drive) && !gives("--password-")) {
+    words.emplace_back("--password-stdin");
+    typed += has("hdd") ? "drive1\n" : "setup1\n";
   }
-  return "setup1\n";
+  if (opens_drive && !gives("--admin-password-")) {
+    words.emplace_back("--admin-password-stdin");
+    typed += "setup1\n";
+  }
+  if (has("--new-password-stdin")) typed += "drive1\n";
+  if (has("--path")) typed += "7fff0400\n";
+  if (!has("console")) return typed;
+  if (has("10")) return typed + "0\n";                 // the status of the pre-boot users
+  if (has("12")) return typed + "0\n4\n3\n2\n1\n0\n";  // an order of the first list
+  return typed + "0\n0\n0x70\n0\n0\n0\n\n";            // one token's value, and the end
 }
 
 TEST(Examples, DoWhatTheySay) {
   const std::vector<Example> examples = AllExamples();
   EXPECT_GT(examples.size(), 90U);
+  const Place place;
   std::set<std::string> seen;
   for (const Example& example : examples) {
     SCOPED_TRACE(example.place + ": " + example.line);
     if (!seen.insert(example.line).second) continue;
-    const Place place;
     test::CommandLine taken = test::TakeApart(example.line);
     std::vector<std::string>& words = taken.words;
     words.erase(words.begin());
@@ -173,13 +185,14 @@ TEST(Examples, DoWhatTheySay) {
                          [&start](const auto& word) { return word.starts_with(start); });
     };
     if (has("--real")) continue;  // of the PC under it nothing is known
-    const bool needs_secret = has("verify") || has("hdd") || has("console");
     if (!has("--sim")) words.insert(words.begin(), MachineFor(words));
     // Nobody is there to answer a question, or to type a password.
     if (!has("--yes") && !has("--what-if")) words.emplace_back("--yes");
-    if (needs_secret && has("verify") && !has("--password")) words.emplace_back("--password-stdin");
+    const std::string typed = TypedFor(words);
     Place::Set("OLD", has("10") ? "system1" : "setup1");
-    const ProgramResult result = Mira(words, InputFor(words, taken.input_file));
+    const bool is_redirected = !taken.input_file.empty();
+    const ProgramResult result =
+        Mira(words, is_redirected ? Place::Content(taken.input_file) : typed);
     EXPECT_EQ(result.status, StatusOf(words)) << result.err << result.out;
   }
 }

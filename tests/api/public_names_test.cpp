@@ -133,6 +133,7 @@ TEST(PublicNames, AreAllUsed) {
                                        "GetStrFromInt",
                                        "MarkBeyond",
                                        "WriteHeader",
+                                       "GetFlags",
                                        "CompletionCode",
                                        "DataArea",
                                        "InitExtendedBuffer",
