@@ -146,7 +146,9 @@ class TestConsole {
     if (callif::IsProbed({cls, select}) && !context_.GetOptions().what_if) {
       const SMBiosCI asked = *call.record;
       Send(call);
-      size = bytes::Reader(call.buffer->Record(), transport::kFixedRecordSize).U32();
+      bytes::Reader answer(call.buffer->Record(), transport::kFixedRecordSize);
+      size = answer.U32();
+      if (!answer.Ok()) throw Error(kUnexpected, "no-size", "The answer gives no size.");
       out_ << "The answer takes " << size << " bytes.\n";
       // The call itself, with room for the answer and the words that were typed.
       call = Prompt(cls, select, key_, size, false);

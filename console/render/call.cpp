@@ -29,14 +29,6 @@ void ShowCall(const Json& document, std::ostream& out) {
 }  // namespace
 
 std::vector<Face> CallFaces() {
-<<<<<<< HEAD
-  return {{"call",
-           "  mira call 0 0 --arg1 0x70\n"
-           "  mira --sim=locked call 1 0 --arg1 0x70 --arg2 1 --key-arg 3 --password-env SETUP_PW\n"
-           "Numbers are decimal, or hexadecimal with 0x. The call is made as it stands, without\n"
-           "asking: --what-if shows it instead.",
-           ShowCall}};
-=======
   return {{.command = "call",
            .examples =
                "  mira call 0 0 --arg1 0x70\n"
@@ -46,9 +38,8 @@ std::vector<Face> CallFaces() {
                "Numbers are decimal, or hexadecimal with 0x. The call is made as it stands, "
                "without\n"
                "asking: --what-if shows it instead.",
-           .render = Show,
+           .render = ShowCall,
            .answers = true}};
->>>>>>> w-con
 }
 
 }  // namespace mira::console
