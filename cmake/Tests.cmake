@@ -19,6 +19,18 @@ target_compile_definitions(mira_api_tests PRIVATE
   MIRA_EXPORTS_FILE="${CMAKE_SOURCE_DIR}/tests/api/exports.txt" MIRA_PROGRAM="$<TARGET_FILE:mira>")
 add_dependencies(mira_api_tests mira)
 
+# The C interface: linked in, or on Windows the DLL, loaded at run time.
+file(GLOB MIRA_C_TESTS CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/c/*.cpp)
+add_executable(mira_c_tests ${MIRA_C_TESTS})
+target_link_libraries(mira_c_tests PRIVATE mira_console mira_quick gtest gtest_main)
+target_compile_definitions(mira_c_tests PRIVATE MIRA_C_GUIDE="${CMAKE_SOURCE_DIR}/docs/c-interface.md")
+if(WIN32)
+  target_compile_definitions(mira_c_tests PRIVATE MIRA_CLIENT_STATIC)
+  add_dependencies(mira_c_tests miraclient miraclient_sim)
+else()
+  target_link_libraries(mira_c_tests PRIVATE mira_c_interface)
+endif()
+
 # The examples at the top of the headers that hosts and tests include must compile; they are not run.
 find_package(Python3 REQUIRED COMPONENTS Interpreter)
 file(STRINGS ${CMAKE_SOURCE_DIR}/cmake/public_headers.txt MIRA_EXAMPLE_HEADERS REGEX "^[^#]")
@@ -43,9 +55,10 @@ endif()
 add_dependencies(mira_unit_tests mira_header_examples)
 
 target_precompile_headers(mira_unit_tests PRIVATE <gtest/gtest.h>)
+target_precompile_headers(mira_c_tests PRIVATE <gtest/gtest.h> <nlohmann/json.hpp>)
 target_precompile_headers(mira_api_tests PRIVATE <gtest/gtest.h> <CLI/CLI.hpp> <nlohmann/json.hpp>)
 
-foreach(test mira_unit_tests mira_api_tests)
+foreach(test mira_unit_tests mira_api_tests mira_c_tests)
   add_test(NAME ${test}
     COMMAND ${test} --gtest_output=json:results/${test}.json
     WORKING_DIRECTORY ${CMAKE_BINARY_DIR})
