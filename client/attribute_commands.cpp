@@ -29,6 +29,9 @@ Json CarryAttributes(Request& request, Plan& plan) {
   } catch (Error& error) {
     SumUp(error.document);
     throw;
+  } catch (Cancelled& cancelled) {
+    SumUp(cancelled.document);
+    throw;
   }
 }
 

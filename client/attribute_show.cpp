@@ -43,6 +43,8 @@ Json ListAttributes(Request& request) {
       if (request.Flag("changedFromDefault") && !IsOtherThanDefault(item)) continue;
       if (request.Flag("pending") && !item.at("restartPending").get<bool>()) continue;
       item.erase("help");
+      // It is there by chance where an earlier request has fetched the texts.
+      if (part.empty()) item.erase("displayName");
       list.push_back(std::move(item));
     } catch (const Error& error) {
       unread.Add(error);

@@ -192,6 +192,9 @@ Setting Attributes::Read(const AttributeEntry& entry, Status (CMiraIntf::*read)(
   setting.attribute = PLDM::MakeAttribute(entry.type);
   setting.attribute->Handle = entry.handle;
   const Status status = (mira.*read)(*setting.attribute);
+  // The first read fetches the texts.
+  const StepResult& failure = CMiraIntf::GetLastOperation().failure;
+  if (status != STATUS_SUCCESS && failure.outcome == StepOutcome::kCancelled) throw Cancelled();
   if (status != STATUS_SUCCESS) throw OperationError(session_, status, entry.Title());
   std::list<std::string> names;
   mira.GetPossibleValues(entry.handle, names);

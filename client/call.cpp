@@ -133,6 +133,7 @@ void Execute(Session& session, callif::Command command, CSimpleTokenData& data,
              const CallOptions& options) {
   static const Key kNoPassword{{}, PwdInfo::PWD_NONE};
   const Key& key = options.key != nullptr ? *options.key : kNoPassword;
+  session.CheckCancelled();
   Status status = STATUS_FAILURE;
   try {
     status =

@@ -25,14 +25,23 @@ Json CheckNumber(const Argument& argument, const Json& value) {
                                   std::to_string(argument.max) + ", in decimal or with 0x.");
 }
 
+// A text, or a number that stands for its digits; null for anything else.
+Json TextOf(const Json& value) {
+  if (value.is_string()) return value;
+  return value.is_number_unsigned() ? Json(value.dump()) : Json();
+}
+
 Json CheckTexts(const Argument& argument, const Json& value) {
-  if (value.is_string()) return Json::array({value});
-  const bool is_list = value.is_array() && std::all_of(value.begin(), value.end(),
-                                                       [](auto& part) { return part.is_string(); });
-  if (!is_list) {
+  Json texts = Json::array();
+  if (value.is_array()) {
+    for (const Json& part : value) texts.push_back(TextOf(part));
+  } else {
+    texts.push_back(TextOf(value));
+  }
+  if (std::any_of(texts.begin(), texts.end(), [](auto& text) { return text.is_null(); })) {
     throw BadArgument(argument, std::string("'") + argument.name + "' takes a list of texts.");
   }
-  return value;
+  return texts;
 }
 
 void CheckChoice(const Argument& argument, const std::string& text) {
@@ -59,12 +68,14 @@ Json CheckValue(const Argument& argument, const Json& value) {
       if (value.is_boolean()) return value;
       throw BadArgument(argument, std::string("'") + argument.name + "' is true or false.");
     case Type::kText:
-    case Type::kContent:
-      if (!value.is_string()) {
+    case Type::kContent: {
+      Json text = argument.type == Type::kText || value.is_string() ? TextOf(value) : Json();
+      if (text.is_null()) {
         throw BadArgument(argument, std::string("'") + argument.name + "' takes a text.");
       }
-      CheckChoice(argument, value.get_ref<const std::string&>());
-      return value;
+      CheckChoice(argument, text.get_ref<const std::string&>());
+      return text;
+    }
     case Type::kValue:
       break;
   }
@@ -157,7 +168,12 @@ Json Request::Carry(Plan& plan) {
   }
   if (WhatIf()) return finished();
   if (approve_) approve_(plan);
-  Apply(session_, plan, key);
+  try {
+    Apply(session_, plan, key);
+  } catch (Cancelled& cancelled) {
+    cancelled.document = ToJson(plan, WhatIf());
+    throw;
+  }
   return finished();
 }
 
@@ -169,6 +185,9 @@ Result Run(const Command& command, Json arguments, Request& request) {
     return result;
   } catch (const Error& error) {
     result.error = error;
+  } catch (const Cancelled& cancelled) {
+    result.error = Error(kCancelled, "cancelled", cancelled.what());
+    result.error->document = cancelled.document;
   } catch (const transport::ComError&) {
     result.error = Error(kUnexpected, "out-of-memory", "The system ran out of memory.");
   } catch (const std::bad_alloc&) {

@@ -25,7 +25,7 @@
 namespace mira::client {
 
 enum class Type {
-  kText,
+  kText,     // a text, or a number that stands for its digits
   kNumber,   // a number, or its text in decimal or with 0x
   kFlag,     // true or false
   kTexts,    // a list of texts; one text stands for a list of one

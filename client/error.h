@@ -60,6 +60,14 @@ struct Error : std::runtime_error {
   Json document = Json::object();
 };
 
+// Ends an operation that nobody wants the rest of. It is no Error, so that whoever notes the error
+// of one entry and goes on with the next lets it pass.
+struct Cancelled : std::runtime_error {
+  Cancelled() : std::runtime_error("The operation was cancelled.") {}
+  // What was done before; shown beside the error.
+  Json document = Json::object();
+};
+
 // {"code", "name", "message", "target", "hint"}, and where they are known "step", "hresult",
 // "completion" and the details. The hint is empty: faces fill in their own.
 Json ToJson(const Error& error);

@@ -104,9 +104,14 @@ std::string Readable(const Json& value) {
 
 Json ParseJson(std::string_view text, const std::string& name) {
   const std::string plain = ToPlainUtf8(text);
+  // Nothing that is read here is nested deeply; what is would exhaust the stack later.
+  constexpr int kDeepest = 64;
   std::vector<std::set<std::string>> keys;
   std::string doubled;
-  const auto watch = [&](int, Json::parse_event_t event, Json& parsed) {
+  const auto watch = [&](int depth, Json::parse_event_t event, Json& parsed) {
+    if (depth > kDeepest) {
+      throw Error(kInvalidValue, "too-deep", name + " is nested too deeply.", name);
+    }
     if (event == Json::parse_event_t::object_start) keys.emplace_back();
     if (event == Json::parse_event_t::object_end) keys.pop_back();
     if (event == Json::parse_event_t::key && doubled.empty() &&
@@ -122,6 +127,8 @@ Json ParseJson(std::string_view text, const std::string& name) {
     const std::string place = PlaceText(plain, error.byte);
     throw Error(kInvalidValue, "no-json", name + " is not valid JSON from " + place + " on.", name)
         .With("place", place);
+  } catch (const Json::out_of_range&) {
+    throw Error(kInvalidValue, "no-json", name + " has a number that is too large.", name);
   }
   if (!doubled.empty()) {
     throw Error(kInvalidValue, "doubled-key",

@@ -97,6 +97,7 @@ bool NeedsWrite(const Change& change) {
 }
 
 bool ApplyStep(Session& session, const Plan& plan, Step& step, const Key& key) {
+  const Session::Uninterrupted whole(session);
   if (!plan.force && !IsAsPlanned(session, step)) return false;
   std::optional<Error> error;
   try {

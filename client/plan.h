@@ -88,7 +88,7 @@ void Prepare(Plan& plan);
 
 // Writes the plan, step by step, and reads back. Each entry gets its outcome; an entry whose value
 // is no longer its `before` is refused. Stops at the first step that fails, unless the plan goes
-// on. Throws nothing but a cancellation, and that between two steps.
+// on. Throws nothing but Cancelled, and that between two steps.
 void Apply(Session& session, Plan& plan, const Key& key);
 
 // Whether what is there waits for a restart.

@@ -9,32 +9,19 @@
 namespace mira::client {
 namespace {
 
-// The session that the library's fetching of attribute tables is reported to, for a scope.
-class TableProgress {
- public:
-  explicit TableProgress(Session* session) : is_set_(session != nullptr) {
-    if (is_set_) pldm::SetProgress(Show, session);
-  }
-  ~TableProgress() {
-    if (is_set_) pldm::SetProgress(nullptr, nullptr);
-  }
-  TableProgress(const TableProgress&) = delete;
-  TableProgress& operator=(const TableProgress&) = delete;
-
- private:
-  static pldm::ProgressAnswer Show(void* session, unsigned table, unsigned tables,
-                                   std::uint32_t received, std::uint32_t total) {
-    const std::string what =
-        "Reading attribute table " + std::to_string(table) + " of " + std::to_string(tables);
-    return static_cast<Session*>(session)->Continues(what, received, total)
-               ? pldm::ProgressAnswer::kContinue
-               : pldm::ProgressAnswer::kCancel;
-  }
-
-  bool is_set_;
-};
+// Tells the session how far the library's fetching of attribute tables is.
+pldm::ProgressAnswer ShowTables(void* session, unsigned table, unsigned tables,
+                                std::uint32_t received, std::uint32_t total) {
+  const std::string what =
+      "Reading attribute table " + std::to_string(table) + " of " + std::to_string(tables);
+  return static_cast<Session*>(session)->Continues(what, received, total)
+             ? pldm::ProgressAnswer::kContinue
+             : pldm::ProgressAnswer::kCancel;
+}
 
 }  // namespace
+
+Session::~Session() { Restart(); }
 
 Status Session::Open(bool attributes, bool texts) {
   if (mira_ && has_attributes_ >= attributes && has_texts_ >= texts) return status_;
@@ -42,7 +29,8 @@ Status Session::Open(bool attributes, bool texts) {
   mira_ = std::make_unique<CMiraIntf>(diagnostics_);
   has_attributes_ = attributes;
   has_texts_ = texts;
-  const TableProgress progress(attributes ? this : nullptr);
+  // It stays: texts are fetched when the first attribute is read.
+  if (attributes) pldm::SetProgress(ShowTables, this);
   try {
     status_ = mira_->Init(attributes, texts, texts);
   } catch (const transport::ComError&) {
@@ -71,7 +59,7 @@ CMiraIntf& Session::WithAttributes(Texts texts) {
       CMiraIntf::GetStartUp()[static_cast<std::size_t>(mira::Step::kAttributeTables)];
   if (tables.outcome == StepOutcome::kCancelled) {
     Restart();
-    throw Error(kCancelled, "cancelled", "The operation was cancelled.");
+    throw Cancelled();
   }
   if (!mira_->IsPLDMSupported()) {
     throw Error(kNotSupported, "no-attributes", "This machine has no BIOS attributes.");
@@ -96,6 +84,7 @@ std::string Session::Now() const {
 }
 
 void Session::Restart() {
+  if (has_attributes_) pldm::SetProgress(nullptr, nullptr);
   mira_.reset();
   has_attributes_ = has_texts_ = false;
 }
@@ -132,13 +121,13 @@ Error Session::StartError() const {
 }
 
 bool Session::Continues(const std::string& what, std::size_t done, std::size_t total) const {
-  return !progress_ || progress_(what, done, total);
+  return uninterrupted_ != 0 || !progress_ || progress_(what, done, total);
 }
 
 void Session::Report(const std::string& what, std::size_t done, std::size_t total) const {
-  if (!Continues(what, done, total)) {
-    throw Error(kCancelled, "cancelled", "The operation was cancelled.");
-  }
+  if (!Continues(what, done, total)) throw Cancelled();
 }
+
+void Session::CheckCancelled() const { Report("", 0, 0); }
 
 }  // namespace mira::client

@@ -29,6 +29,7 @@ class Session {
   explicit Session(Progress progress = nullptr) : progress_(std::move(progress)) {}
   // The face says so where the machine under the library is a simulated one.
   void SetSimulated(std::string profile) { profile_ = std::move(profile); }
+  ~Session();
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 
@@ -49,7 +50,7 @@ class Session {
   // The started facade. Throws Error when Init failed.
   CMiraIntf& Ready();
   // The same with the attribute tables loaded, and their display and help texts where wanted.
-  // Throws Error when the machine has no attributes.
+  // Throws Error when the machine has no attributes, and Cancelled.
   CMiraIntf& WithAttributes(Texts texts = Texts::kNone);
   // Forgets the facade: what comes next starts anew, and sees the tables as they are now.
   void Restart();
@@ -63,8 +64,22 @@ class Session {
 
   // Reports how far it is. False when nobody wants the rest.
   bool Continues(const std::string& what, std::size_t done, std::size_t total) const;
-  // The same. Throws Error (kCancelled) then.
+  // The same. Throws Cancelled then.
   void Report(const std::string& what, std::size_t done, std::size_t total) const;
+  // The same between two firmware calls whose number is not known: 0 of 0.
+  void CheckCancelled() const;
+
+  // Nothing is cancelled while an object of this class lives: what is written is read back, too.
+  class Uninterrupted {
+   public:
+    explicit Uninterrupted(Session& session) : session_(session) { ++session_.uninterrupted_; }
+    ~Uninterrupted() { --session_.uninterrupted_; }
+    Uninterrupted(const Uninterrupted&) = delete;
+    Uninterrupted& operator=(const Uninterrupted&) = delete;
+
+   private:
+    Session& session_;
+  };
 
  private:
   Progress progress_;
@@ -76,6 +91,7 @@ class Session {
   bool has_attributes_ = false;
   bool has_texts_ = false;
   std::vector<std::string> start_lines_;
+  int uninterrupted_ = 0;
 };
 
 }  // namespace mira::client

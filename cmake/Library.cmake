@@ -5,6 +5,8 @@ else()
   list(FILTER MIRA_SOURCES EXCLUDE REGEX "_windows\\.cpp$")
 endif()
 file(GLOB_RECURSE MIRA_SIM_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/sim/*.cpp)
+# Belongs to the C interface.
+list(FILTER MIRA_SIM_SOURCES EXCLUDE REGEX "/sim/client_machine\\.cpp$")
 if(WIN32)
   list(FILTER MIRA_SIM_SOURCES EXCLUDE REGEX "_linux\\.cpp$")
 else()

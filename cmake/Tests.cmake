@@ -1,7 +1,16 @@
-# GoogleTest comes as Debian's source package and is built for each target.
-set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
-set(gtest_disable_pthreads ON CACHE BOOL "" FORCE)
-add_subdirectory(/usr/src/googletest ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
+# GoogleTest: a package manager's, or Debian's source package, which is built for each target.
+find_package(GTest CONFIG QUIET)
+if(TARGET GTest::gtest_main)
+  set(MIRA_GTEST GTest::gtest GTest::gtest_main)
+else()
+  set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
+  set(gtest_disable_pthreads ON CACHE BOOL "" FORCE)
+  add_subdirectory(/usr/src/googletest ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
+  set(MIRA_GTEST gtest gtest_main)
+  if(NOT MSVC)
+    target_compile_options(gtest PRIVATE -O0)
+  endif()
+endif()
 
 file(GLOB MIRA_TEST_SUPPORT CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/support/*.cpp)
 file(GLOB MIRA_UNIT_TESTS CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/unit/*.cpp)
@@ -9,16 +18,28 @@ file(GLOB MIRA_API_TESTS CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/api/*.cpp)
 
 # Internals, linked statically.
 add_executable(mira_unit_tests ${MIRA_UNIT_TESTS} ${MIRA_TEST_SUPPORT})
-target_link_libraries(mira_unit_tests PRIVATE mira_sim_static mira_static mira_deps mira_quick gtest gtest_main)
+target_link_libraries(mira_unit_tests PRIVATE mira_sim_static mira_static mira_deps mira_quick ${MIRA_GTEST})
 target_compile_definitions(mira_unit_tests PRIVATE MIRA_TEST_SOURCES="${CMAKE_SOURCE_DIR}/tests")
 
 # What hosts and the console see; on Windows against the DLL.
 add_executable(mira_api_tests ${MIRA_API_TESTS} ${MIRA_TEST_SUPPORT})
-target_link_libraries(mira_api_tests PRIVATE mira_console mira_quick gtest gtest_main)
+target_link_libraries(mira_api_tests PRIVATE mira_console mira_quick ${MIRA_GTEST})
 target_compile_definitions(mira_api_tests PRIVATE
   MIRA_EXPORTS_FILE="${CMAKE_SOURCE_DIR}/tests/api/exports.txt" MIRA_PROGRAM="$<TARGET_FILE:mira>"
   MIRA_SOURCES="${CMAKE_SOURCE_DIR}")
 add_dependencies(mira_api_tests mira)
+
+# The C interface: linked in, or on Windows the DLL, loaded at run time.
+file(GLOB MIRA_C_TESTS CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/c/*.cpp)
+add_executable(mira_c_tests ${MIRA_C_TESTS})
+target_link_libraries(mira_c_tests PRIVATE mira_console mira_quick ${MIRA_GTEST})
+target_compile_definitions(mira_c_tests PRIVATE MIRA_C_GUIDE="${CMAKE_SOURCE_DIR}/docs/c-interface.md")
+if(WIN32)
+  target_compile_definitions(mira_c_tests PRIVATE MIRA_CLIENT_STATIC)
+  add_dependencies(mira_c_tests miraclient miraclient_sim)
+else()
+  target_link_libraries(mira_c_tests PRIVATE mira_c_interface)
+endif()
 
 # The examples at the top of the headers that hosts and tests include must compile; they are not run.
 find_package(Python3 REQUIRED COMPONENTS Interpreter)
@@ -51,16 +72,17 @@ endif()
 add_dependencies(mira_unit_tests mira_header_examples)
 
 target_precompile_headers(mira_unit_tests PRIVATE <gtest/gtest.h>)
+target_precompile_headers(mira_c_tests PRIVATE <gtest/gtest.h> <nlohmann/json.hpp>)
 target_precompile_headers(mira_api_tests PRIVATE <gtest/gtest.h> <nlohmann/json.hpp>)
 
 # Whatever the library is built with: their own speed does not matter, the compiler's does.
 if(NOT MSVC)
-  foreach(target mira_unit_tests mira_api_tests mira_header_examples gtest gtest_main)
+  foreach(target mira_unit_tests mira_api_tests mira_c_tests mira_header_examples)
     target_compile_options(${target} PRIVATE -O0)
   endforeach()
 endif()
 
-foreach(test mira_unit_tests mira_api_tests)
+foreach(test mira_unit_tests mira_api_tests mira_c_tests)
   add_test(NAME ${test}
     COMMAND ${test} --gtest_output=json:results/${test}.json
     WORKING_DIRECTORY ${CMAKE_BINARY_DIR})

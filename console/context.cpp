@@ -8,25 +8,11 @@
 #include "console/hints.h"
 #include "console/terminal.h"
 #include "facade/process_state.h"
+#include "sim/clock.h"
 #include "sim/profile_file.h"
 
 namespace mira::console {
 namespace {
-
-// A simulated machine's time stands still at the newest entry of its log, so that what is written
-// there is the same whenever it is.
-std::string SimulatedTime(const sim::Profile& profile) {
-  const auto two = [](unsigned number) {
-    return std::string(number < 10 ? "0" : "") + std::to_string(number);
-  };
-  std::string newest = "2026-01-01T00:00:00Z";
-  for (const sim::LogEntry& entry : profile.log) {
-    const auto& [month, day, hour, minute, second] = entry.time;
-    newest = std::max(newest, std::to_string(entry.year) + "-" + two(month) + "-" + two(day) + "T" +
-                                  two(hour) + ":" + two(minute) + ":" + two(second) + "Z");
-  }
-  return newest;
-}
 
 constexpr std::string_view kProfileFile = ".json";
 
@@ -83,7 +69,7 @@ client::Session& Context::GetSession() {
       });
   if (machine_) {
     client_->SetSimulated(options_.profile);
-    client_->SetClock([this] { return SimulatedTime(machine_->GetProfile()); });
+    client_->SetClock([this] { return sim::TimeOf(machine_->GetProfile()); });
   }
   return *client_;
 }

@@ -16,49 +16,9 @@
 #include <string_view>
 
 #include "platform/com.h"
+#include "tests/support/module_headers.h"
 
 namespace {
-
-// The loaded module's headers and directories.
-class Module {
- public:
-  explicit Module(const char* name)
-      : base_(reinterpret_cast<const char*>(GetModuleHandleA(name))) {}
-  bool Loaded() const { return base_ != nullptr; }
-
-  std::set<std::string> Exports() const {
-    std::set<std::string> names;
-    const auto* const directory = Directory<IMAGE_EXPORT_DIRECTORY>(IMAGE_DIRECTORY_ENTRY_EXPORT);
-    const auto* const table = At<DWORD>(directory->AddressOfNames);
-    for (DWORD i = 0; i < directory->NumberOfNames; ++i) names.insert(At<char>(table[i]));
-    return names;
-  }
-
-  std::set<std::string> ImportedModules() const {
-    std::set<std::string> names;
-    for (const auto* entry = Directory<IMAGE_IMPORT_DESCRIPTOR>(IMAGE_DIRECTORY_ENTRY_IMPORT);
-         entry->Name != 0; ++entry) {
-      std::string name = At<char>(entry->Name);
-      std::transform(name.begin(), name.end(), name.begin(),
-                     [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-      names.insert(name);
-    }
-    return names;
-  }
-
- private:
-  template <typename T>
-  const T* At(DWORD offset) const {
-    return reinterpret_cast<const T*>(base_ + offset);
-  }
-  template <typename T>
-  const T* Directory(int index) const {
-    const auto* const dos = At<IMAGE_DOS_HEADER>(0);
-    const auto* const nt = At<IMAGE_NT_HEADERS>(static_cast<DWORD>(dos->e_lfanew));
-    return At<T>(nt->OptionalHeader.DataDirectory[index].VirtualAddress);
-  }
-  const char* base_;
-};
 
 std::string Demangle(const std::string& name) {
   int status = 0;
@@ -78,8 +38,9 @@ std::string Demangle(const std::string& name) {
 // Of a class, the virtual table, the type information and the inline copies that the compiler makes
 // belong to it.
 TEST(Dll, ExportsExactlyTheIntendedSymbols) {
-  const Module module("miraintf.dll");
-  ASSERT_TRUE(module.Loaded());
+  const HMODULE loaded = GetModuleHandleA("miraintf.dll");
+  ASSERT_NE(loaded, nullptr);
+  const mira::test::ModuleHeaders module(loaded);
   std::set<std::string> exported;
   for (const std::string& name : module.Exports()) exported.insert(Demangle(name));
 
@@ -105,7 +66,8 @@ TEST(Dll, ExportsExactlyTheIntendedSymbols) {
 TEST(Dll, NeedsOnlyTheSystemsModules) {
   const std::set<std::string> system = {"advapi32.dll", "kernel32.dll", "msvcrt.dll", "ole32.dll",
                                         "oleaut32.dll"};
-  for (const std::string& name : Module("miraintf.dll").ImportedModules()) {
+  for (const std::string& name :
+       mira::test::ModuleHeaders(GetModuleHandleA("miraintf.dll")).ImportedModules()) {
     EXPECT_TRUE(system.contains(name)) << name;
   }
 }
