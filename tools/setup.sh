@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that a task needs, and nothing that is there already.
-# Usage: tools/setup.sh native|windows|windows64|bench|fuzz|package|format|check ...
+# Usage: tools/setup.sh native|windows|windows64|bench|fuzz|hosts|package|format|check ...
 set -euo pipefail
 
 declare -A packages=(
@@ -8,7 +8,8 @@ declare -A packages=(
   [windows]="g++-mingw-w64-i686-posix cmake ninja-build git googletest libcli11-dev nlohmann-json3-dev python3 python3-jsonschema wine wine32:i386"
   [windows64]="g++-mingw-w64-x86-64-posix cmake ninja-build git googletest libcli11-dev nlohmann-json3-dev python3 python3-jsonschema wine wine64"
   [bench]="g++ cmake ninja-build git libbenchmark-dev"
-  [fuzz]="clang libclang-rt-14-dev cmake ninja-build git"
+  [fuzz]="clang libclang-rt-14-dev cmake ninja-build git nlohmann-json3-dev"
+  [hosts]="g++ clang lld llvm cmake ninja-build git libcli11-dev nlohmann-json3-dev mono-mcs mono-runtime libmono-system-core4.0-cil python3 npm"
   [package]="git llvm python3 cmake ninja-build"
   [format]="clang-format git"
   [check]="python3"
@@ -20,7 +21,11 @@ for task in "$@"; do
   wanted="$wanted ${packages[$task]}"
 done
 
-is_installed() { [ "$(dpkg-query -W -f='${Status}' "$1" 2>/dev/null)" = "install ok installed" ]; }
+# Node.js from elsewhere brings npm along, and Debian's does not go with it.
+is_installed() {
+  [ "$1" != npm ] || ! command -v npm >/dev/null || return 0
+  [ "$(dpkg-query -W -f='${Status}' "$1" 2>/dev/null)" = "install ok installed" ]
+}
 
 missing=""
 for package in $(printf '%s\n' $wanted | sort -u); do

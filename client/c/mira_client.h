@@ -44,6 +44,8 @@
 /* MIRA_CLIENT_STATIC: the functions are in the host's own program, not in a DLL. */
 #if defined(_WIN32) && !defined(MIRA_CLIENT_STATIC)
 #define MIRA_CLIENT_API __declspec(dllimport)
+#elif defined(__GNUC__)
+#define MIRA_CLIENT_API __attribute__((visibility("default")))
 #else
 #define MIRA_CLIENT_API
 #endif

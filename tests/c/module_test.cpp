@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <set>
+#include <sstream>
 #include <string>
 
 #include "tests/support/client_module.h"
@@ -60,6 +61,18 @@ TEST(Module, OfTheProductOpensThisPcAlone) {
                                   nullptr, 0, nullptr, nullptr, nullptr, nullptr),
       MIRA_DONE);
   EXPECT_EQ(product.Functions().close(handle), MIRA_DONE);
+}
+
+// A host of the same compiler may have loaded the shared runtime before, which 32-bit mingw's
+// start-up code registers exception handlers with: the DLL still finds its own.
+TEST(Module, CatchesItsExceptionsBesideASharedRuntime) {
+  std::istringstream paths(MIRA_SHARED_RUNTIME);
+  HMODULE runtime = nullptr;
+  for (std::string path; std::getline(paths, path, '|');) runtime = LoadLibraryA(path.c_str());
+  if (runtime == nullptr) GTEST_SKIP() << "the compiler has no shared runtime";
+  const ClientModule product(Build::kProduct);
+  mira_handle handle = 0;
+  EXPECT_EQ(product.Functions().open("[", 1, &handle, nullptr, nullptr), MIRA_USAGE);
 }
 
 // Each time it is loaded it is a new one. A host that unloads it too early, with a machine open,
