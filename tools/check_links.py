@@ -19,7 +19,9 @@ def main():
     if not documents:
         sys.exit(f"{folder} has no documents")
     for document in documents:
-        text = document.read_text(encoding="utf-8")
+        # A lambda in a code block looks like a link.
+        text = re.sub(r"^```.*?^```", "", document.read_text(encoding="utf-8"), flags=re.MULTILINE | re.DOTALL)
+        text = re.sub(r"^    .*$", "", text, flags=re.MULTILINE)
         name = document.relative_to(folder)
         for target in re.findall(r"\]\(([^)#]+)(?:#[^)]*)?\)", text):
             if not target.startswith(("http:", "https:")) and not (document.parent / target).exists():

@@ -3,11 +3,12 @@
 # documents, and builds and runs its examples under Wine for each architecture.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
-archive=$(ls "$root"/build/package/miraintf-[0-9.]*.zip)
+version=$(sed -n 's/^project(MiraIntf VERSION \([0-9.]*\).*/\1/p' "$root/CMakeLists.txt")
+archive="$root/build/package/miraintf-$version.zip"
 place=$(mktemp -d)
 trap 'rm -rf "$place"' EXIT
 python3 -m zipfile -e "$archive" "$place"
-sdk=$(ls -d "$place"/miraintf-*)
+sdk="$place/miraintf-$version"
 
 "$root/tools/check_links.py" "$sdk"
 for arch in x86 x86-shared x64; do
