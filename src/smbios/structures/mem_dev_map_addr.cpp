@@ -1,5 +1,5 @@
-#include "smbios/structures/mapped_address.h"
 #include "smbios/layout.h"
+#include "smbios/structures/mapped_address.h"
 #include "smbios/structures/structures.h"
 
 namespace {

@@ -1,5 +1,5 @@
-#include "smbios/structures/processor_families.h"
 #include "smbios/layout.h"
+#include "smbios/structures/processor_families.h"
 #include "smbios/structures/structures.h"
 
 namespace {
