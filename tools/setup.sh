@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that a task needs, and nothing that is there already.
-# Usage: tools/setup.sh native|windows|windows64|bench|fuzz|hosts|package|format|check ...
+# Usage: tools/setup.sh native|windows|windows64|bench|fuzz|hosts|package|reference|format|check ...
 set -euo pipefail
 
 declare -A packages=(
@@ -11,6 +11,7 @@ declare -A packages=(
   [fuzz]="clang libclang-rt-14-dev cmake ninja-build git nlohmann-json3-dev"
   [hosts]="g++ clang lld llvm cmake ninja-build git libcli11-dev nlohmann-json3-dev mono-mcs mono-runtime libmono-system-core4.0-cil python3 npm"
   [package]="git llvm python3 cmake ninja-build"
+  [reference]="doxygen python3"
   [format]="clang-format git"
   [check]="python3"
 )
