@@ -45,6 +45,8 @@ class Context {
 
   // The simulated machine; null on a real one.
   sim::Machine* Machine() { return machine_.get(); }
+  // The same as other programs share it; null where it is not kept.
+  sim::KeptMachine* KeptMachine() { return kept_.get(); }
   // The file that the simulated machine is kept in; empty where it is not.
   std::filesystem::path MachineFile() const;
   // Why the machine that was kept could not be read back; empty if it could.

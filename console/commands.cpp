@@ -23,7 +23,8 @@ const std::vector<Noun>& Nouns() {
       {"log", "Show the firmware's log, its messages, a tablet's scan codes", nullptr},
       {"thermal", "Show the thermal sensors", nullptr},
       {"boot", "Show and change the boot order, decode load options", nullptr},
-      {"sim", "Show, restart or renew the simulated machine", nullptr},
+      {"sim", "Control the simulated machine: restarts, faults, journal, states, profiles",
+       nullptr},
       {"completion", "Write completion scripts for shells, and the manual page", nullptr},
       {"console", "Make calls interactively, with the commands' own prompts and displays",
        AddConsole},
@@ -34,7 +35,8 @@ const std::vector<Noun>& Nouns() {
 const std::vector<client::Command>& Commands() {
   static const std::vector<client::Command> all = [] {
     std::vector<client::Command> list = client::Commands();
-    for (const auto subject : {SimCommands, CompletionCommands}) {
+    for (const auto subject : {SimCommands, SimFaultCommands, SimStateCommands, SimProfileCommands,
+                               CompletionCommands}) {
       std::vector<client::Command> own = subject();
       std::move(own.begin(), own.end(), std::back_inserter(list));
     }

@@ -48,6 +48,14 @@ void AddConsole(CLI::App& app, Command& command);
 void AddTour(CLI::App& app, Command& command);
 std::vector<client::Command> CompletionCommands();
 std::vector<client::Command> SimCommands();
+std::vector<client::Command> SimFaultCommands();
+std::vector<client::Command> SimProfileCommands();
+std::vector<client::Command> SimStateCommands();
+
+// The context of a command about the simulated machine. Throws Error on a real one, and where the
+// machine that was kept cannot be read.
+Context& SimulatedContext(client::Request& request);
+Context& ReadableContext(client::Request& request);
 
 }  // namespace mira::console
 

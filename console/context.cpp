@@ -6,38 +6,17 @@
 #include "console/command.h"
 #include "console/field.h"
 #include "console/hints.h"
+#include "console/profile_choice.h"
 #include "console/terminal.h"
 #include "facade/process_state.h"
 #include "sim/clock.h"
-#include "sim/profile_file.h"
 
 namespace mira::console {
 namespace {
 
-constexpr std::string_view kProfileFile = ".json";
-
-// A machine that comes along, by its name, or one that a file describes.
-sim::Profile ChosenProfile(const std::string& name) {
-  if (const sim::Profile* const profile = sim::FindProfile(name)) return *profile;
-  if (name.ends_with(kProfileFile)) {
-    try {
-      return sim::LoadProfile(ToPath(name));
-    } catch (const sim::StateError& error) {
-      throw Error(kInvalidValue, "bad-profile",
-                  "'" + name + "' does not describe a simulated machine: " + error.what() + ".",
-                  name);
-    }
-  }
-  std::string known;
-  for (const sim::Profile& p : sim::Profiles()) known += (known.empty() ? "" : ", ") + p.name;
-  throw WithHint(Error(kNotFound, "unknown-profile",
-                       "There is no simulated machine called '" + name + "'.", name),
-                 "The machines are: " + known + ". A file that ends in .json describes one, too.");
-}
-
 // What a machine's file is called: machines of different files stay apart.
 std::string MachineName(const std::string& profile) {
-  if (!profile.ends_with(kProfileFile)) return profile;
+  if (!IsProfileFile(profile)) return profile;
   const std::filesystem::path file = std::filesystem::absolute(ToPath(profile));
   std::uint32_t hash = 2166136261;
   for (const char c : PathText(file)) hash = (hash ^ static_cast<unsigned char>(c)) * 16777619;

@@ -44,6 +44,7 @@ std::vector<Face> InfoFaces();
 std::vector<Face> InventoryFaces();
 std::vector<Face> ListFaces();
 std::vector<Face> PasswordFaces();
+std::vector<Face> SimControlFaces();
 std::vector<Face> SimFaces();
 std::vector<Face> SmbiosFaces();
 std::vector<Face> TagFaces();

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <utility>
 
+#include "bytes/utf16.h"
 #include "platform/com_ptr.h"
 #include "sim/state.h"
 
@@ -44,7 +45,8 @@ class ComObject : public Interface {
   // caller gets `wrong_argument`), or a fault answers. Each call asks once: that counts it.
   std::optional<HRESULT> Refused(std::string_view operation, HRESULT wrong_argument = E_INVALIDARG,
                                  std::initializer_list<Argument> arguments = {}) const {
-    const auto forced = state_->faults.Fails(operation);
+    auto forced = state_->faults.Fails(operation);
+    if (!forced) forced = Lost(operation);
     const HRESULT reached = state_->apartments.Reach(home_);
     if (FAILED(reached)) {
       state_->objections.Add(operation, "the object's apartment has ended or is another thread's");
@@ -52,6 +54,21 @@ class ComObject : public Interface {
     }
     if (!state_->objections.Accept(operation, arguments)) return wrong_argument;
     return forced;
+  }
+
+  // Runs a method and notes it, with what it is asked for, in the machine's journal. The method
+  // says how many bytes it moves.
+  template <typename Method>
+  HRESULT Noted(std::string_view operation, const OLECHAR* about, Method method) const {
+    // The method may be the last to hold the object.
+    const StatePtr state = state_;
+    OperationEntry entry;
+    entry.result = method(entry.size);
+    if (state->storage == nullptr) return entry.result;
+    entry.operation = operation;
+    if (about != nullptr) entry.about = bytes::Utf8(std::wstring_view(about));
+    state->storage->Note(entry);
+    return entry.result;
   }
 
  protected:
@@ -65,6 +82,18 @@ class ComObject : public Interface {
   const StatePtr& shared_state() const { return state_; }
 
  private:
+  // Why a method cannot reach the machine, if it needs to.
+  std::optional<HRESULT> Lost(std::string_view operation) const {
+    constexpr std::string_view kConnect = "IWbemLocator::ConnectServer";
+    if (operation == kConnect) {
+      if (state_->IsOff()) return kServerUnavailable;
+      state_->faults.Reconnect();
+      return std::nullopt;
+    }
+    if (!NeedsConnection(operation)) return std::nullopt;
+    if (state_->faults.IsCut() || state_->IsOff()) return kConnectionLost;
+    return std::nullopt;
+  }
   void Count(int change) {
     state_->live.references += change;
     if (home_) home_->references += change;

@@ -65,10 +65,29 @@ bool IsKnown(std::string_view operation) {
 
 }  // namespace
 
+bool NeedsConnection(std::string_view operation) {
+  return operation.starts_with("IWbemServices::") ||
+         operation.starts_with("IEnumWbemClassObject::");
+}
+
+void Faults::Check(const Fault& fault) {
+  const auto require = [](bool is_sound, const std::string& rule) {
+    if (!is_sound) throw std::invalid_argument(rule);
+  };
+  require(IsKnown(fault.operation), "no such operation: " + fault.operation);
+  const bool is_firmware = fault.operation.starts_with("firmware");
+  const bool is_reply = fault.completion || fault.truncate || !fault.overwrite.empty();
+  require(is_firmware || !is_reply, "only firmware calls have a reply");
+  require(is_firmware || fault.loss != Loss::kPower, "power is only lost in firmware calls");
+  require(is_firmware || fault.loss == Loss::kNothing || NeedsConnection(fault.operation),
+          "the operation needs no connection that could be lost");
+  require(is_firmware || fault.moment == Moment::kBefore, "only firmware calls have moments");
+  require(fault.moment != Moment::kWithin || fault.loss == Loss::kPower,
+          "only power is lost within a write");
+}
+
 void Faults::Add(Fault fault) {
-  if (!IsKnown(fault.operation)) {
-    throw std::invalid_argument("no such operation: " + fault.operation);
-  }
+  Check(fault);
   armed_.push_back({std::move(fault)});
 }
 
@@ -81,7 +100,7 @@ int Faults::Calls(std::string_view operation) const {
   return found != calls_.end() ? found->second : 0;
 }
 
-std::vector<const Fault*> Faults::Hit(std::string_view operation) {
+std::vector<Fault> Faults::Hit(std::string_view operation) {
   if (on_call_) on_call_(operation);
   const auto counted = calls_.find(operation);
   if (counted != calls_.end()) {
@@ -89,20 +108,29 @@ std::vector<const Fault*> Faults::Hit(std::string_view operation) {
   } else {
     calls_.emplace(operation, 1);
   }
-  std::vector<const Fault*> hit;
+  std::vector<Fault> hit;
   for (Armed& armed : armed_) {
     if (armed.fault.operation != operation) continue;
     ++armed.calls;
-    if (armed.fault.nth != 0 && armed.fault.nth != armed.calls) continue;
-    if (armed.fault.delay.count() > 0) std::this_thread::sleep_for(armed.fault.delay);
-    hit.push_back(&armed.fault);
+    if (armed.fault.nth == 0 || armed.fault.nth == armed.calls) hit.push_back(armed.fault);
+  }
+  if (source_ != nullptr) {
+    std::vector<Fault> more = source_->Hit(operation);
+    std::move(more.begin(), more.end(), std::back_inserter(hit));
+  }
+  for (const Fault& fault : hit) {
+    if (fault.delay.count() > 0) std::this_thread::sleep_for(fault.delay);
   }
   return hit;
 }
 
 std::optional<std::int32_t> Faults::Fails(std::string_view operation) {
-  for (const Fault* fault : Hit(operation)) {
-    if (fault->result) return fault->result;
+  for (const Fault& fault : Hit(operation)) {
+    if (fault.loss == Loss::kConnection) {
+      Cut();
+      return kConnectionLost;
+    }
+    if (fault.result) return fault.result;
   }
   return std::nullopt;
 }

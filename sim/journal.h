@@ -6,7 +6,9 @@
 //   mira::sim::Write(std::cerr, machine.Journal());
 
 #include <cstdint>
+#include <optional>
 #include <ostream>
+#include <string>
 #include <vector>
 
 namespace mira::sim {
@@ -21,6 +23,16 @@ struct JournalEntry {
   std::uint32_t record_length = 0;  // bytes of the record
   std::int32_t completion = 0;      // cbRES1 of the answer
   std::uint32_t results[3] = {};    // cbRES2 to cbRES4; 0 where the call handed out a security key
+  bool hands_out_key = false;
+  bool injected = false;  // a fault had a part in it
+};
+
+// A method of a WMI object, or a firmware call that never reached the firmware, as it went by.
+struct OperationEntry {
+  std::string operation;              // "IWbemClassObject::Put"
+  std::string about;                  // what it was asked for: a property, a class, a path
+  std::optional<std::uint64_t> size;  // of the bytes that it moved
+  std::int32_t result = 0;            // HRESULT
 };
 
 // The journal in lines of text, fit for a bug report.

@@ -20,10 +20,29 @@ std::string StampOf(std::string_view content) {
   return std::string(rest.substr(0, rest.find('"')));
 }
 
+std::filesystem::path Beside(std::filesystem::path file, const char* extension) {
+  return file.replace_extension(extension);
+}
+
+// Writes the journal at the end of a transaction, whatever became of it.
+struct Flushed {
+  JournalFile& journal;
+  ~Flushed() {
+    try {
+      journal.Flush();
+    } catch (const std::exception&) {
+      return;
+    }
+  }
+};
+
 }  // namespace
 
 KeptMachine::KeptMachine(Machine& machine, std::filesystem::path file)
-    : machine_(machine), file_(std::move(file)) {
+    : machine_(machine),
+      file_(std::move(file)),
+      faults_(Beside(file_, ".faults")),
+      journal_(Beside(file_, ".journal")) {
   std::error_code error;
   if (file_.has_parent_path()) std::filesystem::create_directories(file_.parent_path(), error);
   const FileLock lock(file_);
@@ -32,9 +51,41 @@ KeptMachine::KeptMachine(Machine& machine, std::filesystem::path file)
   last_ = first_;
   Refresh();
   machine_.SetStorage(this);
+  machine_.GetFaults().SetSource(&faults_);
 }
 
-KeptMachine::~KeptMachine() { machine_.SetStorage(nullptr); }
+KeptMachine::~KeptMachine() {
+  machine_.GetFaults().SetSource(nullptr);
+  machine_.SetStorage(nullptr);
+  FlushJournal();
+}
+
+void KeptMachine::FlushJournal() {
+  if (!journal_.IsPending()) return;
+  try {
+    const FileLock lock(file_);
+    journal_.Flush();
+  } catch (const std::exception&) {
+    return;
+  }
+}
+
+// What succeeds is written with the next call; what fails may be the last that the program does.
+void KeptMachine::Note(const OperationEntry& entry) {
+  journal_.Note(entry);
+  if (entry.result < 0) FlushJournal();
+}
+
+std::vector<Node> KeptMachine::Journal() {
+  const FileLock lock(file_);
+  journal_.Flush();
+  return journal_.Read();
+}
+
+void KeptMachine::ClearJournal() {
+  const FileLock lock(file_);
+  journal_.Clear();
+}
 
 void KeptMachine::Refresh() {
   const bytes::SecureString head = ReadKeptFile(file_, kHeadSize);
@@ -74,6 +125,7 @@ void KeptMachine::Transact(const std::function<void()>& work) {
   problem_.clear();
   try {
     const FileLock lock(file_);
+    const Flushed flushed{journal_};
     Refresh();
     try {
       work();
@@ -89,11 +141,20 @@ void KeptMachine::Transact(const std::function<void()>& work) {
   }
 }
 
-void KeptMachine::Reset(const std::filesystem::path& file) {
+bool KeptMachine::IsThere(const std::filesystem::path& file) {
   std::error_code error;
-  if (!std::filesystem::exists(file, error)) return;
+  return std::filesystem::exists(file, error) ||
+         std::filesystem::exists(Beside(file, ".faults"), error) ||
+         std::filesystem::exists(Beside(file, ".journal"), error);
+}
+
+void KeptMachine::Reset(const std::filesystem::path& file) {
+  if (!IsThere(file)) return;
+  FaultFile(Beside(file, ".faults")).Clear();
   const FileLock lock(file);
   RemoveRemains(file);
+  JournalFile(Beside(file, ".journal")).Clear();
+  std::error_code error;
   std::filesystem::remove(file, error);
   if (error) throw StateError("The machine's file could not be removed.");
 }

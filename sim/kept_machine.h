@@ -12,7 +12,10 @@
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <vector>
 
+#include "sim/fault_file.h"
+#include "sim/journal_file.h"
 #include "sim/machine.h"
 
 namespace mira::sim {
@@ -34,15 +37,28 @@ class KeptMachine : private Storage {
   // could not be kept has failed for its caller, too, as a call that never came through.
   const std::string& Problem() const { return problem_; }
 
-  // Starts over with a new machine, for all programs.
+  // The faults that are kept beside the machine, and what went by on it, in all programs.
+  FaultFile& GetFaults() { return faults_; }
+  std::vector<Node> Journal();
+  void ClearJournal();
+
+  // Starts over with a new machine, without faults and with an empty journal, for all programs.
   static void Reset(const std::filesystem::path& file);
+  // Whether there is something that Reset would remove.
+  static bool IsThere(const std::filesystem::path& file);
 
  private:
+  void Note(const JournalEntry& entry) override { journal_.Note(entry); }
+  void Note(const OperationEntry& entry) override;
+  // Never throws: what cannot be written of a journal is lost.
+  void FlushJournal();
   void Refresh();
   void Write(const Node& state);
 
   Machine& machine_;
   std::filesystem::path file_;
+  FaultFile faults_;
+  JournalFile journal_;
   std::string stamp_;  // of the file's content that the machine has
   Node first_;         // the state of the new machine
   Node last_;          // and the one that the file holds

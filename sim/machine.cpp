@@ -252,6 +252,10 @@ void Machine::TakeState(const Node& tree) {
 
 bytes::SecureString Machine::SaveState() const { return WriteJson(StateTree()); }
 
+void Machine::LoadState(const Node& tree) {
+  state_->Transact([&] { TakeState(tree); });
+}
+
 void Machine::RestoreState(std::string_view saved) { TakeState(ParseJson(saved)); }
 
 Session::Session(Machine& machine) : state_before_(current), services_before_(nullptr) {

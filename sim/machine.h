@@ -55,6 +55,8 @@ class Machine {
   // machine stands in the text, passwords included, as in the memory of a real one.
   bytes::SecureString SaveState() const;
   void RestoreState(std::string_view saved);
+  // The same through the storage of a machine that is kept.
+  void LoadState(const Node& tree);
   // The same as a tree.
   Node StateTree() const;
   void TakeState(const Node& tree);

@@ -4,8 +4,10 @@
 // What the parts of a simulated machine share. COM objects hold it too, since a host may keep them
 // longer than the machine.
 
+#include <exception>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "bytes/reader.h"
@@ -32,6 +34,9 @@ class Storage {
  public:
   virtual ~Storage() = default;
   virtual void Transact(const std::function<void()>& work) = 0;
+  // What went by, for whoever keeps a journal.
+  virtual void Note(const JournalEntry&) {}
+  virtual void Note(const OperationEntry&) {}
 };
 
 struct State {
@@ -58,6 +63,25 @@ struct State {
     } else {
       work();
     }
+  }
+  // A call on the firmware; gives the HRESULT of one that fails on its way.
+  std::optional<std::int32_t> Call(std::vector<std::uint8_t>& array) {
+    const std::size_t before = firmware.Journal().size();
+    const auto lost = firmware.Execute(array, faults);
+    if (storage != nullptr && firmware.Journal().size() > before) {
+      storage->Note(firmware.Journal().back());
+    }
+    return lost;
+  }
+  // Whether the machine is off. It may have been started again by another program.
+  bool IsOff() const {
+    if (!firmware.IsOff() || storage == nullptr) return firmware.IsOff();
+    try {
+      Transact([] {});
+    } catch (const std::exception&) {
+      return true;  // what cannot be looked at stays as it was
+    }
+    return firmware.IsOff();
   }
   void Release(bytes::ByteSpan bytes) const {
     if (on_release && !bytes.empty()) on_release(bytes);

@@ -45,7 +45,9 @@ void PutText(Output& out, std::string_view text) {
   out.Put("\"");
 }
 
-void Put(Output& out, const Node& node, std::size_t level) {
+enum class Layout { kLines, kOneLine };
+
+void Put(Output& out, const Node& node, Layout layout, std::size_t level = 0) {
   const auto break_line = [&out](std::size_t depth) {
     out.Put("\n");
     for (std::size_t i = 0; i < depth; ++i) out.Put("  ");
@@ -65,9 +67,10 @@ void Put(Output& out, const Node& node, std::size_t level) {
   }
   const bool is_object = node.GetKind() == Node::Kind::kObject;
   // Lists of numbers stand on one line.
-  const bool has_lines = std::any_of(node.Items().begin(), node.Items().end(), [&](const Node& n) {
-    return is_object || n.GetKind() != Node::Kind::kNumber;
-  });
+  const bool has_lines = layout == Layout::kLines &&
+                         std::any_of(node.Items().begin(), node.Items().end(), [&](const Node& n) {
+                           return is_object || n.GetKind() != Node::Kind::kNumber;
+                         });
   out.Put(is_object ? "{" : "[");
   bool is_first = true;
   for (const Node& item : node.Items()) {
@@ -78,7 +81,7 @@ void Put(Output& out, const Node& node, std::size_t level) {
       PutText(out, item.Name());
       out.Put(": ");
     }
-    Put(out, item, level + 1);
+    Put(out, item, layout, level + 1);
   }
   if (has_lines) break_line(level);
   out.Put(is_object ? "}" : "]");
@@ -279,7 +282,14 @@ bool Node::operator==(const Node& other) const {
 
 bytes::SecureString WriteJson(const Node& node) {
   Output out;
-  Put(out, node, 0);
+  Put(out, node, Layout::kLines);
+  out.Put("\n");
+  return out.Take();
+}
+
+bytes::SecureString WriteJsonLine(const Node& node) {
+  Output out;
+  Put(out, node, Layout::kOneLine);
   out.Put("\n");
   return out.Take();
 }

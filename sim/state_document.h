@@ -68,6 +68,8 @@ class Node {
 
 // Two blanks a level, a member a line.
 bytes::SecureString WriteJson(const Node& node);
+// The same on one line, which it ends.
+bytes::SecureString WriteJsonLine(const Node& node);
 // Throws StateError with the line for a text that is no JSON, or holds fractions.
 Node ParseJson(std::string_view text);
 

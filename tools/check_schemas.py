@@ -28,7 +28,7 @@ def expand(schema, schemas, top, part_of_all=False):
         file, _, place = schema["$ref"].partition("#")
         target_top = schemas[file.removesuffix(".schema.json")] if file else top
         target = target_top
-        for word in place.strip("/").split("/"):
+        for word in filter(None, place.split("/")):
             target = target[word]
         rest = {k: v for k, v in schema.items() if k != "$ref"}
         expanded = expand(target, schemas, target_top, part_of_all)

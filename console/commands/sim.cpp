@@ -10,39 +10,37 @@ constexpr char kNew[] = "new";
 constexpr char kKept[] = "kept";
 constexpr char kUnreadable[] = "unreadable";
 
-Context& SimulatedContext(client::Request& request) {
-  Context& context = OwnRequest::ContextOf(request);
-  if (context.Machine() != nullptr) return context;
-  throw Error(kUsage, "not-simulated",
-              "Only a simulated machine can be shown, restarted or reset.");
-}
-
 Json Show(client::Request& request) {
-  Context& context = SimulatedContext(request);
-  context.CheckMachine();
+  Context& context = ReadableContext(request);
   const sim::Profile& profile = context.Machine()->GetProfile();
   const std::string file = PathText(context.MachineFile());
   return {{"profile", profile.name},
           {"description", profile.description},
           {"boots", context.Machine()->GetFirmware().BootCount()},
+          {"off", context.Machine()->GetFirmware().IsOff()},
           {"keptIn", file.empty() ? Json() : Json(file)}};
 }
 
 Json Reboot(client::Request& request) {
-  Context& context = SimulatedContext(request);
-  context.CheckMachine();
-  sim::Machine& machine = *context.Machine();
+  sim::Machine& machine = *ReadableContext(request).Machine();
+  const bool loses_power = request.Flag("powerLoss");
   const auto boots = [&machine] { return Json(machine.GetFirmware().BootCount()); };
   const std::string& name = machine.GetProfile().name;
   client::Plan plan;
   plan.subject = {{"profile", name}};
   plan.needs_key = false;
-  plan.steps.push_back(
-      {.changes = {{.target = "boots of the simulated machine '" + name + "'",
-                    .before = boots(),
-                    .after = machine.GetFirmware().BootCount() + 1}},
-       .read = [boots](client::Session&) { return std::vector{boots()}; },
-       .write = [&machine](client::Session&, const client::Key&) { machine.Reboot(); }});
+  plan.steps.push_back({.changes = {{.target = "boots of the simulated machine '" + name + "'",
+                                     .before = boots(),
+                                     .after = machine.GetFirmware().BootCount() + 1}},
+                        .read = [boots](client::Session&) { return std::vector{boots()}; },
+                        .write =
+                            [&machine, loses_power](client::Session&, const client::Key&) {
+                              if (loses_power) {
+                                machine.LosePower();
+                              } else {
+                                machine.Reboot();
+                              }
+                            }});
   return request.Carry(plan);
 }
 
@@ -50,8 +48,7 @@ Json Reset(client::Request& request) {
   Context& context = SimulatedContext(request);
   const std::filesystem::path file = context.MachineFile();
   const auto state = [&context, file]() -> Json {
-    std::error_code error;
-    if (!std::filesystem::exists(file, error)) return kNew;
+    if (!sim::KeptMachine::IsThere(file)) return kNew;
     return context.MachineProblem().empty() ? kKept : kUnreadable;
   };
   const std::string& name = context.Machine()->GetProfile().name;
@@ -76,12 +73,27 @@ Json Reset(client::Request& request) {
 
 }  // namespace
 
+Context& SimulatedContext(client::Request& request) {
+  Context& context = OwnRequest::ContextOf(request);
+  if (context.Machine() != nullptr) return context;
+  throw Error(kUsage, "not-simulated", "This is only done on a simulated machine.");
+}
+
+Context& ReadableContext(client::Request& request) {
+  Context& context = SimulatedContext(request);
+  context.CheckMachine();
+  return context;
+}
+
 std::vector<client::Command> SimCommands() {
   return {
       {.name = "sim.show", .summary = "Show the machine and where it is kept", .run = Show},
       {.name = "sim.reboot",
        .summary = "Restart the machine: pending changes come into force",
        .effect = client::Effect::kChanges,
+       .arguments = {{.name = "powerLoss",
+                      .type = client::Type::kFlag,
+                      .help = "as after a loss of power: what is written at a restart is lost"}},
        .run = Reboot},
       {.name = "sim.reset",
        .summary = "Start over with a new machine",

@@ -9,6 +9,7 @@ void Show(const Json& document, std::ostream& out) {
   WriteTable(out, {{"Profile", client::Readable(document.at("profile"))},
                    {"Machine", client::Readable(document.at("description"))},
                    {"Started", std::to_string(boots) + (boots == 1 ? " time" : " times")},
+                   {"Power", document.at("off") == true ? "lost; 'sim reboot' starts it" : "on"},
                    {"Kept in", file.is_null() ? "nowhere" : client::Readable(file)}});
 }
 
@@ -40,7 +41,10 @@ std::vector<Face> SimFaces() {
        "command finds a new machine. The file holds the machine's passwords, as the memory of a\n"
        "real one does.",
        Show},
-      {"sim.reboot", "  mira --sim=locked sim reboot --yes", Reboot},
+      {"sim.reboot",
+       "  mira --sim=locked sim reboot --yes\n"
+       "  mira --sim sim reboot --power-loss --yes",
+       Reboot},
       {"sim.reset", "  mira --sim sim reset --yes", Reset},
   };
 }

@@ -14,12 +14,23 @@
 #include "sim/firmware/security.h"
 #include "sim/firmware/skyport.h"
 #include "sim/firmware/tokens.h"
+#include "sim/node_paths.h"
 
 namespace mira::sim {
 namespace {
 
 // Class 64 is served whether or not a bitmap of 32 classes can announce it.
 constexpr std::uint16_t kUnannouncedClass = 64;
+
+// What a fault does to a reply.
+void Spoil(const Fault& fault, std::vector<std::uint8_t>& reply) {
+  for (std::size_t i = 0; i < fault.overwrite.size(); ++i) {
+    const std::uint64_t at = std::uint64_t{fault.overwrite_at} + i;
+    if (at < reply.size()) reply[static_cast<std::size_t>(at)] = fault.overwrite[i];
+  }
+  if (fault.truncate) reply.resize(std::min<std::size_t>(reply.size(), *fault.truncate));
+  if (fault.corrupt) fault.corrupt(reply);
+}
 
 }  // namespace
 
@@ -56,7 +67,7 @@ void Firmware::SetHandler(std::uint16_t cls, std::unique_ptr<CommandHandler> han
 }
 
 void Firmware::Keep(Fields& fields) {
-  fields("starts", boot_count_);
+  fields("starts", boot_count_)("isOff", is_off_);
   fields.Group("firmware", [&] {
     for (const auto& handler : handlers_) {
       if (handler) handler->Keep(fields);
@@ -64,7 +75,7 @@ void Firmware::Keep(Fields& fields) {
   });
 }
 
-void Firmware::Reboot() { Restart(Fields::Pass::kRestart); }
+void Firmware::Reboot() { Restart(is_off_ ? Fields::Pass::kPowerLoss : Fields::Pass::kRestart); }
 
 void Firmware::PowerLoss() { Restart(Fields::Pass::kPowerLoss); }
 
@@ -72,6 +83,7 @@ void Firmware::Restart(Fields::Pass pass) {
   Node nowhere;
   Fields late(pass, nowhere);
   Keep(late);
+  is_off_ = false;
   ++boot_count_;
   for (const auto& handler : handlers_) {
     if (handler) handler->Reboot();
@@ -88,7 +100,50 @@ std::int32_t Firmware::Dispatch(Call& call) {
   return call.Completion();
 }
 
-void Firmware::Execute(std::vector<std::uint8_t>& array, Faults& faults) {
+Node Firmware::Tree() {
+  Node tree;
+  Fields fields(Fields::Pass::kSave, tree);
+  fields.Whole([&] { Keep(fields); });
+  return tree;
+}
+
+void Firmware::TakeTree(Node tree) {
+  Fields fields(Fields::Pass::kLoad, tree);
+  fields.Whole([&] { Keep(fields); });
+}
+
+void Firmware::DispatchTorn(Call& call) {
+  Node before;
+  Fields fields(Fields::Pass::kSave, before);
+  fields.Whole([&] { Keep(fields); });
+  Dispatch(call);
+  TakeTree(Torn(before, Tree(), fields.PartGroups()));
+}
+
+void Firmware::Answer(Call& call, const std::vector<Fault>& hit) {
+  const auto forced =
+      std::find_if(hit.begin(), hit.end(), [](const Fault& f) { return f.completion.has_value(); });
+  if (forced != hit.end()) {
+    call.Complete(*forced->completion);
+  } else {
+    call.Complete(Dispatch(call));
+  }
+}
+
+void Firmware::Note(const Call& call, JournalEntry& entry) {
+  entry.completion = call.Completion();
+  for (unsigned i = 0; i < std::size(entry.results); ++i) entry.results[i] = call.Result(i + 2);
+  const std::uint32_t key = call.HandedOutKey();
+  if (key == 0) return;
+  if (std::find(issued_keys_.begin(), issued_keys_.end(), key) == issued_keys_.end()) {
+    issued_keys_.push_back(key);
+  }
+  entry.results[0] = 0;
+  entry.hands_out_key = true;
+}
+
+std::optional<std::int32_t> Firmware::Execute(std::vector<std::uint8_t>& array, Faults& faults) {
+  if (is_off_) return kConnectionLost;
   Call call(array);
   JournalEntry entry;
   entry.cls = call.Class();
@@ -102,39 +157,41 @@ void Firmware::Execute(std::vector<std::uint8_t>& array, Faults& faults) {
     if (!entry.masked[i]) entry.args[i] = arg;
   }
 
-  std::vector<const Fault*> hit = faults.Hit("firmware");
+  std::vector<Fault> hit = faults.Hit("firmware");
   const std::string command =
       "firmware " + std::to_string(call.Class()) + "/" + std::to_string(call.Select());
-  for (const Fault* fault : faults.Hit(command)) hit.push_back(fault);
-  const auto forced = std::find_if(hit.begin(), hit.end(),
-                                   [](const Fault* f) { return f->completion.has_value(); });
+  for (Fault& fault : faults.Hit(command)) hit.push_back(std::move(fault));
+  entry.injected = !hit.empty();
+  const auto loss =
+      std::find_if(hit.begin(), hit.end(), [](const Fault& f) { return f.loss != Loss::kNothing; });
+  const auto lose = [&] {
+    if (loss->loss == Loss::kPower) is_off_ = true;
+    if (loss->loss == Loss::kConnection) faults.Cut();
+    return kConnectionLost;
+  };
+  if (loss != hit.end() && loss->moment == Moment::kBefore) return lose();
+  const auto failing =
+      std::find_if(hit.begin(), hit.end(), [](const Fault& f) { return f.result.has_value(); });
+  if (failing != hit.end()) return failing->result;
+  if (loss != hit.end() && loss->moment == Moment::kWithin) {
+    if (call.WellFormed()) DispatchTorn(call);
+    return lose();
+  }
 
-  // A record that states more bytes than came is answered in the fixed part alone.
-  if (!call.WellFormed()) {
+  if (call.WellFormed()) {
+    Answer(call, hit);
+    Note(call, entry);
+  } else {
+    // A record that states more bytes than came is answered in the fixed part alone.
     bytes::Writer out(array, 20);
     out.U32(static_cast<std::uint32_t>(kBadFormat));
     static_cast<void>(out.Ok());  // what has no place for the answer goes back as it came
     entry.completion = kBadFormat;
-  } else {
-    if (forced != hit.end()) {
-      call.Complete(*(*forced)->completion);
-    } else {
-      call.Complete(Dispatch(call));
-    }
-    entry.completion = call.Completion();
-    for (unsigned i = 0; i < std::size(entry.results); ++i) entry.results[i] = call.Result(i + 2);
-    if (call.HandedOutKey() != 0) {
-      if (std::find(issued_keys_.begin(), issued_keys_.end(), call.HandedOutKey()) ==
-          issued_keys_.end()) {
-        issued_keys_.push_back(call.HandedOutKey());
-      }
-      entry.results[0] = 0;
-    }
   }
   journal_.push_back(entry);
-  for (const Fault* fault : hit) {
-    if (fault->corrupt) fault->corrupt(array);
-  }
+  if (loss != hit.end()) return lose();
+  for (const Fault& fault : hit) Spoil(fault, array);
+  return std::nullopt;
 }
 
 void Write(std::ostream& out, const std::vector<JournalEntry>& journal) {

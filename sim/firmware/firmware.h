@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "sim/faults.h"
@@ -11,6 +12,7 @@
 #include "sim/firmware/security.h"
 #include "sim/journal.h"
 #include "sim/profile.h"
+#include "sim/state_document.h"
 
 namespace mira::sim {
 
@@ -23,11 +25,14 @@ class Firmware {
   Firmware(const Firmware&) = delete;
   Firmware& operator=(const Firmware&) = delete;
 
-  // Executes the call in `array` and leaves the answer there.
-  void Execute(std::vector<std::uint8_t>& array, Faults& faults);
+  // Executes the call in `array` and leaves the answer there. Gives the HRESULT of a call that
+  // fails on its way, or whose answer does.
+  std::optional<std::int32_t> Execute(std::vector<std::uint8_t>& array, Faults& faults);
   // Puts a handler in charge of a class (0 to 64).
   void SetHandler(std::uint16_t cls, std::unique_ptr<CommandHandler> handler);
+  // After a loss of power in a call the machine is off, and this starts it again.
   void Reboot();
+  bool IsOff() const { return is_off_; }
   // The same after a loss of power: what was to be written with the restart is lost.
   void PowerLoss();
   // Declares the state of all handlers. The journal is no part of it.
@@ -42,7 +47,12 @@ class Firmware {
   static constexpr std::size_t kClasses = 65;
 
   std::int32_t Dispatch(Call& call);
-
+  void Answer(Call& call, const std::vector<Fault>& hit);
+  // Dispatches the call; power is lost in the middle of what it writes.
+  void DispatchTorn(Call& call);
+  void Note(const Call& call, JournalEntry& entry);
+  Node Tree();
+  void TakeTree(Node tree);
   void Restart(Fields::Pass pass);
 
   std::uint32_t supported_classes_;
@@ -51,6 +61,7 @@ class Firmware {
   std::vector<std::uint32_t> issued_keys_;
   std::vector<JournalEntry> journal_;
   int boot_count_ = 1;
+  bool is_off_ = false;
 };
 
 }  // namespace mira::sim

@@ -114,6 +114,18 @@ const std::vector<Row>& Rows() {
       {"sim.show", {"sim show"}},
       {"sim.reboot", {"sim reboot --yes", "sim reboot --what-if", "sim reboot"}},
       {"sim.reset", {"sim reset --yes", "sim reset --what-if"}},
+      {"sim.fault.add",
+       {"sim fault add 11/0 --completion=-1", "sim fault add 1/0 --lose power --moment within",
+        "sim fault add nothing --nth 2", "sim fault add 1/0", "sim fault add 0/0 --corrupt 20"}},
+      {"sim.fault.list", {"sim fault list"}},
+      {"sim.fault.clear", {"sim fault clear", "sim fault clear 3"}},
+      {"sim.journal", {"sim journal", "sim journal --clear"}},
+      {"sim.save", {"sim save saved.tmp", "sim save saved.tmp --what-if"}},
+      {"sim.load", {"sim load saved.tmp --yes", "sim load none.tmp --what-if"}},
+      {"sim.diff", {"sim diff saved.tmp", "sim diff none.tmp", "sim diff saved.tmp --check"}},
+      {"sim.profile.list", {"sim profile list"}},
+      {"sim.profile.show", {"sim profile show", "sim profile show nothing"}},
+      {"sim.profile.check", {"sim profile check machine.tmp", "sim profile check none.tmp"}},
       {"completion.bash",
        {"completion bash --from attributes.tmp", "completion bash --from none.tmp"}},
       {"completion.powershell", {"completion powershell"}},
@@ -137,6 +149,7 @@ class Files {
     Write("cut.tmp", table.substr(0, 300));
     Write("none.tmp", "no table");
     Write("attributes.tmp", R"({"attributes": [{"name": "FanFloor", "value": 30}]})");
+    Write("machine.tmp", R"({"name": "kiosk", "base": "locked"})");
     // Attributes, the paths' length, a description, PciRoot(0x0), the path's end.
     Write("option.tmp", "01000000 1000 4400690073006b000000 02010c00d041030a00000000 7fff0400");
     names_.emplace_back("saved.tmp");

@@ -83,6 +83,7 @@ class Place {
     std::filesystem::current_path(kFolder);
     Mira({"--sim", "smbios", "--save", "pc.rsmb"});
     Mira({"--sim", "attr", "export", "pc.json"});
+    Mira({"--sim", "sim", "save", "before.state"});
     Write("battery.json", Mira({"--sim", "battery", "show", "--json"}).out);
     Write("option.hex", kOption);
     Write("Boot0001.bin", kOption);

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -126,6 +127,44 @@ TEST(KeptMachine, TellsWhatIsWrongWithItsFile) {
   std::filesystem::remove(folder.File());
   std::filesystem::create_directories(folder.File() / "in the way");
   EXPECT_THROW(Call(machine, kept, 1, 0, {0x70, 9}), sim::StateError);
+}
+
+// A call with the faults of the machine; whether it came through.
+bool Arrives(sim::Machine& machine, sim::KeptMachine& kept, std::uint16_t cls, std::uint16_t select,
+             std::int32_t completion = 0) {
+  test::ByteBuilder record;
+  record.U16(cls).U16(select).U32(0x70);
+  for (int i = 0; i < 8; ++i) record.U32(0);
+  record.U32(44);
+  std::vector<std::uint8_t> array = record.Done();
+  std::optional<std::int32_t> lost;
+  kept.Transact([&] { lost = machine.GetFirmware().Execute(array, machine.GetFaults()); });
+  test::CheckedReader in(array, 20);
+  if (!lost) {
+    EXPECT_EQ(in.U32(), static_cast<std::uint32_t>(completion));
+  }
+  return !lost;
+}
+
+TEST(KeptMachine, SharesItsFaultsAndItsPowerWithRunningPrograms) {
+  const Folder folder;
+  sim::Machine first;
+  sim::Machine second;
+  sim::KeptMachine kept_first(first, folder.File());
+  sim::KeptMachine kept_second(second, folder.File());
+  EXPECT_TRUE(Arrives(first, kept_first, 0, 0));
+  kept_second.GetFaults().Add({.operation = "firmware 0/0", .nth = 2, .completion = -6});
+  EXPECT_TRUE(Arrives(first, kept_first, 0, 0));
+  EXPECT_TRUE(Arrives(second, kept_second, 0, 0, -6)) << "the second of all programs";
+  EXPECT_TRUE(Arrives(first, kept_first, 0, 0));
+
+  kept_second.GetFaults().Add({.operation = "firmware", .loss = sim::Loss::kPower});
+  EXPECT_FALSE(Arrives(first, kept_first, 0, 0));
+  EXPECT_FALSE(Arrives(second, kept_second, 0, 0));
+  EXPECT_EQ(kept_second.GetFaults().Clear(), 2u);
+  EXPECT_FALSE(Arrives(second, kept_second, 0, 0)) << "the fault is gone, and so is the power";
+  second.Reboot();
+  EXPECT_TRUE(Arrives(first, kept_first, 0, 0));
 }
 
 #if !defined(_WIN32)

@@ -1,0 +1,40 @@
+#include "console/profile_choice.h"
+
+#include <string_view>
+
+#include "console/command.h"
+#include "console/hints.h"
+#include "console/input_file.h"
+#include "sim/profile_file.h"
+
+namespace mira::console {
+namespace {
+
+constexpr std::string_view kProfileFile = ".json";
+
+}  // namespace
+
+bool IsProfileFile(const std::string& name) { return name.ends_with(kProfileFile); }
+
+sim::Profile LoadProfileFile(const std::string& path) {
+  const std::vector<std::uint8_t> content = LoadFile(path);
+  try {
+    return sim::ReadProfile(std::string(content.begin(), content.end()));
+  } catch (const sim::StateError& error) {
+    throw Error(kInvalidValue, "bad-profile",
+                "'" + path + "' does not describe a simulated machine: " + error.what() + ".",
+                path);
+  }
+}
+
+sim::Profile ChosenProfile(const std::string& name) {
+  if (const sim::Profile* const profile = sim::FindProfile(name)) return *profile;
+  if (IsProfileFile(name)) return LoadProfileFile(name);
+  std::string known;
+  for (const sim::Profile& p : sim::Profiles()) known += (known.empty() ? "" : ", ") + p.name;
+  throw WithHint(Error(kNotFound, "unknown-profile",
+                       "There is no simulated machine called '" + name + "'.", name),
+                 "The machines are: " + known + ". A file that ends in .json describes one, too.");
+}
+
+}  // namespace mira::console

@@ -1,0 +1,21 @@
+#ifndef MIRA_CONSOLE_PROFILE_CHOICE_H_
+#define MIRA_CONSOLE_PROFILE_CHOICE_H_
+
+#include <string>
+
+#include "sim/profile.h"
+
+namespace mira::console {
+
+// Whether a machine's name is that of a file that describes it.
+bool IsProfileFile(const std::string& name);
+
+// The machine that a file describes. Throws Error, which names the place in the file.
+sim::Profile LoadProfileFile(const std::string& path);
+
+// A machine that comes along, by its name, or one that a file describes. Throws Error.
+sim::Profile ChosenProfile(const std::string& name);
+
+}  // namespace mira::console
+
+#endif  // MIRA_CONSOLE_PROFILE_CHOICE_H_
