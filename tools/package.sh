@@ -5,6 +5,8 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 version=$(sed -n 's/^project(MiraIntf VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
 seconds=$(git log -1 --format=%ct)
+# Programs that are stripped name this time and not that of the day.
+export SOURCE_DATE_EPOCH="$seconds"
 name="miraintf-$version"
 folder="build/package/$name"
 symbols="build/package/$name-symbols"

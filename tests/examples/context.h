@@ -53,6 +53,7 @@ extern CComPtr<IWbemServices> services;
 extern CComBSTR path;
 extern CComBSTR instance_key;
 extern mira::sim::Machine machine;
+extern mira::sim::JournalEntry entry;
 
 // As a host would shorten its names.
 using namespace mira::sim;         // NOLINT(google-build-using-namespace)
