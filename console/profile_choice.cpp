@@ -4,7 +4,6 @@
 
 #include "console/command.h"
 #include "console/hints.h"
-#include "console/input_file.h"
 #include "sim/profile_file.h"
 
 namespace mira::console {
@@ -17,9 +16,8 @@ constexpr std::string_view kProfileFile = ".json";
 bool IsProfileFile(const std::string& name) { return name.ends_with(kProfileFile); }
 
 sim::Profile LoadProfileFile(const std::string& path) {
-  const std::vector<std::uint8_t> content = LoadFile(path);
   try {
-    return sim::ReadProfile(std::string(content.begin(), content.end()));
+    return sim::LoadProfile(ToPath(path));
   } catch (const sim::StateError& error) {
     throw Error(kInvalidValue, "bad-profile",
                 "'" + path + "' does not describe a simulated machine: " + error.what() + ".",
