@@ -156,7 +156,7 @@ Json Reset(Request& request) {
       if (error.status == kCancelled) throw;
       // What has no default stays as it is.
       if (error.name != "no-default") {
-        plan.steps.push_back(ImpossibleStep(entries[i].Title(), error));
+        plan.steps.push_back(ImpossibleStep(writer->All(), &entries[i], entries[i].Title(), error));
       }
     }
   }

@@ -144,6 +144,7 @@ class Importer {
     plan_.checks_key = false;
     for (const Json& entry : entries) {
       session_.Report("Reading attributes", count_++, entries.size());
+      current_ = nullptr;
       std::string target = entry.is_object() ? TargetOf(entry) : "";
       try {
         if (target.empty()) {
@@ -153,16 +154,30 @@ class Importer {
         Add(entry, target);
       } catch (const Error& error) {
         if (error.status == kCancelled) throw;
-        plan_.steps.push_back(ImpossibleStep(target, error));
+        plan_.steps.push_back(ImpossibleStep(writer_->All(), current_, target, error));
       }
     }
+    if (!doubled_.empty()) throw Doubled();
     plan_.subject["skipped"] = std::move(skipped_);
     return std::move(plan_);
   }
 
  private:
+  // Of two values for one attribute nobody knows which is meant.
+  Error Doubled() const {
+    std::string titles;
+    Json list = Json::array();
+    for (const std::string& title : doubled_) {
+      titles += (titles.empty() ? "" : ", ") + title;
+      list.push_back(title);
+    }
+    return Error(kInvalidValue, "given-twice",
+                 titles + (doubled_.size() == 1 ? " is" : " are") + " in the file twice.",
+                 *doubled_.begin())
+        .With("doubled", std::move(list));
+  }
+
   void Add(const Json& entry, const std::string& target) {
-    CheckKeys(entry, kEntryKeys, target);
     const auto value = entry.find("value");
     // A list, unlike an export, has passwords, too, without values.
     const bool is_listed_password =
@@ -172,9 +187,9 @@ class Importer {
     const std::optional<std::uint64_t> handle = HandleOf(entry);
     const AttributeEntry& found =
         handle ? attributes.Find(target, *handle) : attributes.Find(target);
-    if (!seen_.insert(found.handle).second) {
-      throw Error(kInvalidValue, "given-twice", target + " is in the file twice.", target);
-    }
+    current_ = &found;
+    if (!seen_.insert(found.handle).second) doubled_.insert(found.Title());
+    CheckKeys(entry, kEntryKeys, target);
     if (found.IsPassword()) {
       throw Error(kInvalidValue, "password",
                   target + " is a password: no file is asked for its value.", target);
@@ -198,8 +213,10 @@ class Importer {
     const Setting live = writer_->All().ReadLive(found);
     Json now = ValueJson(writer_->All(), live);
     if (now == wish.value) {
-      plan_.steps.push_back(
-          {.changes = {{.target = live.Title(), .before = now, .after = wish.value}}});
+      plan_.steps.push_back({.changes = {{.target = live.Title(),
+                                          .before = now,
+                                          .after = wish.value,
+                                          .details = NameJson(live)}}});
       return;
     }
     Json item = NameJson(live);
@@ -213,6 +230,8 @@ class Importer {
   Plan plan_;
   Json skipped_ = Json::array();
   std::set<std::uint16_t> seen_;
+  std::set<std::string> doubled_;
+  const AttributeEntry* current_ = nullptr;  // null while none is found
   std::size_t count_ = 0;
 };
 

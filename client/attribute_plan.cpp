@@ -27,6 +27,16 @@ std::vector<Json> Values(const Attributes& attributes, const Setting& setting,
   return values;
 }
 
+// The same as NameJson, also of an attribute that cannot be read now.
+Json NameOf(Attributes& attributes, const AttributeEntry& entry) {
+  if (const auto at_boot = attributes.TryReadAtBoot(entry)) return NameJson(*at_boot);
+  try {
+    return NameJson(attributes.ReadLive(entry));
+  } catch (const Error&) {
+    return {{"handle", entry.handle}, {"name", entry.name}, {"suffix", ""}};
+  }
+}
+
 }  // namespace
 
 void AttributeWriter::Write(const Setting& setting, const Key& key) {
@@ -91,10 +101,12 @@ Step PlanAttribute(const AttributeWriterPtr& writer, const AttributeWish& wish) 
   return step;
 }
 
-Step ImpossibleStep(const std::string& target, const Error& error) {
+Step ImpossibleStep(Attributes& attributes, const AttributeEntry* entry, const std::string& target,
+                    const Error& error) {
   Step step;
   step.changes.push_back({.target = target, .before = nullptr, .after = nullptr});
   step.changes.back().problem = error;
+  if (entry != nullptr) step.changes.back().details = NameOf(attributes, *entry);
   return step;
 }
 

@@ -42,8 +42,10 @@ struct AttributeWish {
 // The step that writes it: the value's change, and one of each mode that is wished for. Throws
 // Error for what the attribute cannot become.
 Step PlanAttribute(const AttributeWriterPtr& writer, const AttributeWish& wish);
-// A step that stands for an entry of which the error says why it is impossible.
-Step ImpossibleStep(const std::string& target, const Error& error);
+// A step that stands for an entry of which the error says why it is impossible. The entry's
+// attribute is null where there is none.
+Step ImpossibleStep(Attributes& attributes, const AttributeEntry* entry, const std::string& target,
+                    const Error& error);
 
 // The plan to give the attribute its default. Throws Error where the tables have none.
 Step PlanDefault(const AttributeWriterPtr& writer, const AttributeEntry& entry);

@@ -150,10 +150,11 @@ Battery ReadBattery(Session& session, std::uint16_t number) {
   const Error& problem = *battery.charging_problem;
   const std::size_t listed = ListedBatteries(session);
   if (problem.completion != kUnknownBattery || (number >= 1 && number <= listed)) throw problem;
-  Error unknown(
-      kNotFound, "no-battery",
-      "The firmware does not know this battery; the machine lists " + std::to_string(listed) + ".",
-      BatteryName(number));
+  const std::string message = listed == 0
+                                  ? "The machine has no batteries."
+                                  : "The firmware does not know this battery; the machine lists " +
+                                        std::to_string(listed) + ".";
+  Error unknown(kNotFound, "no-battery", message, listed == 0 ? "battery" : BatteryName(number));
   unknown.completion = problem.completion;
   throw std::move(unknown).With("listed", listed);
 }

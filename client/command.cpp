@@ -149,18 +149,22 @@ const Json& Request::Value(const char* name) const {
 }
 
 Json Request::Carry(Plan& plan) {
+  const auto document = [&] {
+    if (!WhatIf()) Close(plan);
+    return ToJson(plan, WhatIf());
+  };
   const auto failed = [&](Error error) {
-    error.document = ToJson(plan, WhatIf());
+    error.document = document();
     return error;
   };
   const auto finished = [&] {
     if (const auto error = ApplyError(plan)) throw failed(*error);
-    return ToJson(plan, WhatIf());
+    return document();
   };
+  Prepare(plan);
   if (const Error* const impossible = plan.Impossible(); impossible != nullptr && !plan.goes_on) {
     throw failed(*impossible);
   }
-  Prepare(plan);
   if (plan.IsEmpty()) return finished();
   Key key;
   if (plan.needs_key && (!WhatIf() || plan.checks_key || secrets_.IsGiven("password"))) {
@@ -171,7 +175,7 @@ Json Request::Carry(Plan& plan) {
   try {
     Apply(session_, plan, key);
   } catch (Cancelled& cancelled) {
-    cancelled.document = ToJson(plan, WhatIf());
+    cancelled.document = document();
     throw;
   }
   return finished();

@@ -130,6 +130,8 @@ bool ApplyStep(Session& session, const Plan& plan, Step& step, const Key& key) {
 
 const char* Name(ChangeOutcome outcome) {
   switch (outcome) {
+    case ChangeOutcome::kNotTried:
+      return "not-tried";
     case ChangeOutcome::kChanged:
       return "changed";
     case ChangeOutcome::kAlreadySo:
@@ -168,6 +170,12 @@ void Prepare(Plan& plan) {
     } else if (!plan.force && !NeedsWrite(change)) {
       change.outcome = ChangeOutcome::kAlreadySo;
     }
+  });
+}
+
+void Close(Plan& plan) {
+  plan.ForEach([](Change& change) {
+    if (change.outcome == ChangeOutcome::kPlanned) change.outcome = ChangeOutcome::kNotTried;
   });
 }
 

@@ -22,13 +22,14 @@ namespace mira::client {
 
 enum class ChangeOutcome {
   kPlanned,    // nothing was written yet
+  kNotTried,   // nothing was written: the command ended before it came to this entry
   kChanged,    // read back, or, of a secret, accepted by the firmware
   kAlreadySo,  // had the wanted value before
   kRefused,    // by the firmware, or because the value was no longer the one that was planned for
   kFailed,     // was written and the value is still the old one, or could not be written
   kUnknown,    // was written, and nobody knows what is there now
 };
-// "planned", "changed", "already-so", "refused", "failed", "unknown".
+// "planned", "not-tried", "changed", "already-so", "refused", "failed", "unknown".
 const char* Name(ChangeOutcome outcome);
 
 struct Change {
@@ -85,6 +86,9 @@ struct Plan {
 
 // Gives the entries that are impossible or need no write their outcome.
 void Prepare(Plan& plan);
+
+// Calls the entries that are still planned not tried: the command ends without them.
+void Close(Plan& plan);
 
 // Writes the plan, step by step, and reads back. Each entry gets its outcome; an entry whose value
 // is no longer its `before` is refused. Stops at the first step that fails, unless the plan goes

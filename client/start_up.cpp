@@ -14,46 +14,59 @@ namespace {
 
 struct Explanation {
   mira::Step step;
-  const char* meaning;
+  const char* done;     // of the start-up's steps
+  const char* meaning;  // of a failure
   const char* advice;
 };
 constexpr Explanation kExplanations[] = {
-    {mira::Step::kAdministratorCheck,
+    {mira::Step::kAdministratorCheck, "This user's administrator rights are in force.",
      "This user has no administrator rights, or they are not in force.",
      "Start the program as administrator."},
-    {mira::Step::kComInitialisation, "Windows' component services could not be set up.",
+    {mira::Step::kComInitialisation, "Windows' component services are set up for this thread.",
+     "Windows' component services could not be set up.",
      "Restart the program; if that does not help, restart Windows."},
-    {mira::Step::kComSecurity, "Windows refused the security settings that the library needs.",
+    {mira::Step::kComSecurity, "The security settings that the library needs are in force.",
+     "Windows refused the security settings that the library needs.",
      "Another part of the program may have set them before; start the library first."},
-    {mira::Step::kWmiLocator, "Windows Management Instrumentation is not available.",
+    {mira::Step::kWmiLocator, "Windows Management Instrumentation is available.",
+     "Windows Management Instrumentation is not available.",
      "Check that the service 'Windows Management Instrumentation' runs."},
-    {mira::Step::kWmiConnection, "The management namespace ROOT\\WMI could not be opened.",
+    {mira::Step::kWmiConnection, "The management namespace ROOT\\WMI is open.",
+     "The management namespace ROOT\\WMI could not be opened.",
      "Check that the service 'Windows Management Instrumentation' runs and that this user may use "
      "it."},
-    {mira::Step::kProxyBlanket, "Windows refused the security settings of the connection.",
+    {mira::Step::kProxyBlanket, "The connection has its security settings.",
+     "Windows refused the security settings of the connection.",
      "Check that the service 'Windows Management Instrumentation' runs."},
-    {mira::Step::kSmbiosTable, "The machine's SMBIOS table could not be read.",
+    {mira::Step::kSmbiosTable, "The machine's SMBIOS table was read.",
+     "The machine's SMBIOS table could not be read.",
      "A virtual machine may have none; update the firmware of a real one."},
-    {mira::Step::kWmiInstance, "The firmware publishes no calling interface to Windows.",
+    {mira::Step::kWmiInstance, "The calling interface that the firmware publishes was found.",
+     "The firmware publishes no calling interface to Windows.",
      "This PC's firmware may not have one, or has it switched off in its setup. SMBIOS works all "
      "the same."},
-    {mira::Step::kBufferSize, "The firmware does not say how much a call may carry.",
+    {mira::Step::kBufferSize, "The firmware says how much a call may carry.",
+     "The firmware does not say how much a call may carry.",
      "The firmware may be too old: update it."},
-    {mira::Step::kInstanceKey, "The firmware's interface has a name that cannot be used.",
-     "Update the firmware."},
-    {mira::Step::kFirmwareFlags, "The firmware says that it takes no calls from Windows.",
+    {mira::Step::kInstanceKey, "The name that addresses the firmware's interface was read.",
+     "The firmware's interface has a name that cannot be used.", "Update the firmware."},
+    {mira::Step::kFirmwareFlags, "The firmware says that it takes calls from Windows.",
+     "The firmware says that it takes no calls from Windows.",
      "Switch it on in the firmware's setup, or update the firmware. SMBIOS works all the same."},
-    {mira::Step::kBufferFix,
+    {mira::Step::kBufferFix, "The firmware is recent enough for calls from Windows.",
      "The firmware is too old: its calls from Windows are known not to work.",
      "Update the firmware. SMBIOS works all the same."},
-    {mira::Step::kAttributeTables, "The BIOS attributes could not be loaded.",
+    {mira::Step::kAttributeTables, "The BIOS attributes were loaded.",
+     "The BIOS attributes could not be loaded.",
      "The firmware may not have them; everything else works."},
-    {mira::Step::kCallingInterface, "The machine's SMBIOS table describes no calling interface.",
-     "Update the firmware."},
-    {mira::Step::kWmiObjects, "The objects that carry calls are missing from ROOT\\WMI.",
+    {mira::Step::kCallingInterface, "",
+     "The machine's SMBIOS table describes no calling interface.", "Update the firmware."},
+    {mira::Step::kWmiObjects, "", "The objects that carry calls are missing from ROOT\\WMI.",
      "The firmware's driver may not be installed: install this PC's chipset drivers, or update "
      "the firmware."},
 };
+
+constexpr char kNotTried[] = "It was not tried: an earlier step failed.";
 
 constexpr const char* OutcomeName(StepOutcome outcome) {
   switch (outcome) {
@@ -92,17 +105,37 @@ std::string CodeText(const StepResult& result) {
   return "";
 }
 
+// What a step did that did not fail.
+const char* MeaningOf(const StepResult& result, const char* done) {
+  switch (result.outcome) {
+    case StepOutcome::kDone:
+      return done;
+    case StepOutcome::kKnown:
+      return "Nothing was to do: an earlier step or start-up had found it out.";
+    case StepOutcome::kSkipped:
+      return result.step == mira::Step::kAttributeTables
+                 ? "The BIOS attributes were not asked for, or this SMBIOS version has none."
+                 : "Nothing was to do: the program has set this up itself.";
+    case StepOutcome::kCancelled:
+      return "The step was cancelled before it was done.";
+    default:
+      return kNotTried;
+  }
+}
+
 StartUpStep StepOf(const StepResult& result, const char* name) {
   StartUpStep step = {name, OutcomeName(result.outcome), "", "", ""};
   if (result.outcome != StepOutcome::kDone || result.code != 0) step.code = CodeText(result);
-  if (result.outcome != StepOutcome::kFailed) return step;
   const auto* const row =
       std::find_if(std::begin(kExplanations), std::end(kExplanations),
                    [&result](const Explanation& e) { return e.step == result.step; });
-  if (row != std::end(kExplanations)) {
-    step.meaning = row->meaning;
-    step.advice = row->advice;
+  const bool is_failed = result.outcome == StepOutcome::kFailed;
+  if (row == std::end(kExplanations)) {
+    step.meaning = is_failed ? "" : MeaningOf(result, "");
+    return step;
   }
+  step.meaning = is_failed ? row->meaning : MeaningOf(result, row->done);
+  if (is_failed) step.advice = row->advice;
   return step;
 }
 
@@ -110,7 +143,7 @@ StartUpStep StepOf(const StepResult& result, const char* name) {
 StartUpStep TryCall(Session& session, StartUp& start_up) {
   constexpr char kName[] = "Calls to the firmware";
   constexpr std::uint32_t kLargestBitmap = 0x7FFFFFFF;
-  StartUpStep step = {kName, "not-tried", "", "", ""};
+  StartUpStep step = {kName, "not-tried", "", kNotTried, ""};
   if (start_up.status != STATUS_SUCCESS) return step;
   CMiraIntf& mira = session.Mira();
   CCallingInterface* const calling = FindCallingInterface(mira);
@@ -126,6 +159,7 @@ StartUpStep TryCall(Session& session, StartUp& start_up) {
   const OperationReport& report = CMiraIntf::GetLastOperation();
   if (report.call.delivery == Delivery::kAnswered) {
     step.outcome = "done";
+    step.meaning = "A call without effect reached the firmware, which answered it.";
     return step;
   }
   const StepResult& failure =
@@ -178,11 +212,15 @@ Json Info(Request& request) {
 StartUp ReadStartUp(Session& session) {
   StartUp start_up;
   start_up.status = session.Start();
+  start_up.status_name = Explain(start_up.status).name;
   for (const StepResult& result : CMiraIntf::GetStartUp()) {
     start_up.steps.push_back(StepOf(result, StepName(result.step)));
   }
   if (start_up.status != STATUS_SUCCESS) start_up.problem = session.StartError();
   if (start_up.problem && start_up.problem->name == "not-windows") {
+    // Whatever step could not be done first, this is why.
+    start_up.status = STATUS_NOT_SUPPORTED;
+    start_up.status_name = start_up.problem->name;
     for (StartUpStep& step : start_up.steps) {
       if (step.outcome != "failed") continue;
       step.meaning = start_up.problem->what();
@@ -205,13 +243,14 @@ Json ToJson(const StartUp& start_up) {
   for (const StartUpStep& step : start_up.steps) {
     Json row = {{"step", step.name}, {"outcome", step.outcome}};
     if (!step.code.empty()) row["code"] = step.code;
-    if (!step.meaning.empty()) row.update({{"meaning", step.meaning}, {"advice", step.advice}});
+    if (!step.meaning.empty()) row["meaning"] = step.meaning;
+    if (!step.advice.empty()) row["advice"] = step.advice;
     steps.push_back(std::move(row));
   }
   const StatusText& text = Explain(start_up.status);
   return {
       {"status", static_cast<int>(start_up.status)},
-      {"statusName", text.name},
+      {"statusName", start_up.status_name},
       {"message", start_up.problem ? start_up.problem->what() : text.meaning},
       {"diagnostics", start_up.diagnostics},
       {"steps", std::move(steps)},

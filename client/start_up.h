@@ -17,13 +17,13 @@ struct StartUpStep {
   std::string name;
   std::string outcome;  // "done", "known", "skipped", "failed", "cancelled", "not-tried"
   std::string code;     // "HRESULT 0x80041003"; empty where there is none
-  // Of a step that failed: what that means on this PC, and what to do.
-  std::string meaning;
-  std::string advice;
+  std::string meaning;  // what the step did; of one that failed, what that means on this PC
+  std::string advice;   // what to do; empty unless it failed
 };
 
 struct StartUp {
   Status status = STATUS_FAILURE;
+  std::string status_name;
   std::vector<StartUpStep> steps;  // of Init, then whether calls come through
   std::vector<std::string> diagnostics;
   std::string smbios_version;              // "3.2"; empty when it is not known

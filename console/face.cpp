@@ -20,19 +20,25 @@ const std::vector<Face>& Faces() {
   return all;
 }
 
+// A setting that is on or off is shown as the options take it.
+std::string ValueText(const Json& value) {
+  if (value.is_boolean()) return value.get<bool>() ? "on" : "off";
+  return Escaped(client::Readable(value));
+}
+
 void RenderChange(const Json& change, std::ostream& out) {
   if (change.value("secret", false) && change.at("before").is_null()) {
     out << Escaped(client::Readable(change.at("target"))) << ": a new value\n";
     return;
   }
-  out << Escaped(client::Readable(change.at("target"))) << ": '"
-      << Escaped(client::Readable(change.at("before"))) << "' -> '"
-      << Escaped(client::Readable(change.at("after"))) << "'";
+  out << Escaped(client::Readable(change.at("target"))) << ": '" << ValueText(change.at("before"))
+      << "' -> '" << ValueText(change.at("after")) << "'";
   const std::string outcome = change.at("outcome");
   if (outcome == "unknown") out << " (unknown whether it was taken)";
+  if (outcome == "not-tried") out << " (not tried)";
   if (outcome == "refused" || outcome == "failed") out << " (" << outcome << ")";
   if (change.contains("wanted")) {
-    out << " ('" << Escaped(client::Readable(change.at("wanted"))) << "' was wanted)";
+    out << " ('" << ValueText(change.at("wanted")) << "' was wanted)";
   }
   if (change.value("restartPending", false)) out << ", a restart is pending";
   out << '\n';

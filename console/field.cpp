@@ -26,8 +26,21 @@ const Json* Part(const Json& value, const std::string& word) {
   return value.size() == 1 ? Part(value.front(), word) : nullptr;
 }
 
+// The one thing of the document's only list. Null: it has several lists, or the list several
+// things.
+const Json* OnlyThing(const Json& document) {
+  const Json* list = nullptr;
+  for (const auto& [name, part] : document.items()) {
+    if (!part.is_array()) continue;
+    if (list != nullptr) return nullptr;
+    list = &part;
+  }
+  return list != nullptr && list->size() == 1 && list->front().is_object() ? &list->front()
+                                                                           : nullptr;
+}
+
 // What stands in a value, for the hint of a word that does not.
-std::string Offers(const Json& value, const std::string& word) {
+std::string Offers(const Json& value, const Json* only, const std::string& word) {
   if (value.is_array() && value.empty()) return "The list is empty.";
   if (value.is_array() && value.size() > 1) {
     return "The list has the indices 0 to " + std::to_string(value.size() - 1) + ".";
@@ -36,9 +49,15 @@ std::string Offers(const Json& value, const std::string& word) {
   if (!object.is_object()) return "It has no fields.";
   std::vector<std::string> names;
   std::string all;
-  for (const auto& [name, part] : object.items()) {
+  const auto add = [&](const std::string& name) {
     names.push_back(name);
     all += (all.empty() ? "" : ", ") + name;
+  };
+  for (const auto& [name, part] : object.items()) add(name);
+  if (only != nullptr) {
+    for (const auto& [name, part] : only->items()) {
+      if (!object.contains(name)) add(name);
+    }
   }
   return Suggest(word, names, "The fields are: " + all + ".");
 }
@@ -59,6 +78,8 @@ Found Search(const Json& document, const std::string& path) {
     if (more) rest.remove_prefix(dot + 1);
     found.last = found.value;
     found.value = Part(*found.last, found.word);
+    if (found.value != nullptr || found.last != &document) continue;
+    if (const Json* const only = OnlyThing(document)) found.value = Part(*only, found.word);
   }
   return found;
 }
@@ -68,9 +89,10 @@ Found Search(const Json& document, const std::string& path) {
 const Json& FindField(const Json& document, const std::string& path) {
   const Found found = Search(document, path);
   if (found.value != nullptr) return *found.value;
-  throw WithHint(client::Error(client::kUsage, "unknown-field",
-                               "The answer has no field '" + path + "'.", path),
-                 Offers(*found.last, found.word));
+  throw WithHint(
+      client::Error(client::kUsage, "unknown-field", "The answer has no field '" + path + "'.",
+                    path),
+      Offers(*found.last, found.last == &document ? OnlyThing(document) : nullptr, found.word));
 }
 
 bool HasField(const Json& document, const std::string& path) {

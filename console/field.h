@@ -2,7 +2,8 @@
 #define MIRA_CONSOLE_FIELD_H_
 
 // One field of a document, for scripts: "transferBufferSize", "tags.0.value". A list that holds one
-// thing needs no index: "attributes.value".
+// thing needs no index: "attributes.value"; where it is the document's only list, it needs no name
+// either: "value".
 
 #include <string>
 

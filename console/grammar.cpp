@@ -96,6 +96,26 @@ void AddLeaf(CLI::App& app, const client::Command& client_command, Command& comm
   command.Run(app, [leaf](Context& context) { return RunLeaf(context, *leaf); });
 }
 
+// Without a verb the default one runs, with its options.
+void AddDefault(CLI::App& group, const client::Command& client_command, Command& command) {
+  auto leaf = std::make_shared<Leaf>();
+  leaf->command = &client_command;
+  for (const client::Argument& argument : client_command.arguments) Bind(group, *leaf, argument);
+  group.require_subcommand(0, 1);
+  group.callback([&group, leaf, &command] {
+    if (group.get_subcommands().empty()) {
+      command.Choose([leaf](Context& context) { return RunLeaf(context, *leaf); });
+      return;
+    }
+    // In front of a verb it would not be the verb's.
+    for (const auto& bound : leaf->arguments) {
+      if (bound->option->count() == 0) continue;
+      const std::string name = bound->option->get_name();
+      throw Error(kUsage, "usage", name + " belongs behind the verb.", name);
+    }
+  });
+}
+
 // The first example of each command below an app.
 std::string FirstExamples(const CLI::App& app, const std::string& name) {
   std::string lines;
@@ -149,6 +169,7 @@ std::string ArgumentName(const client::Argument& argument) {
 
 void AddCommands(CLI::App& app, const std::string& noun, Command& command) {
   bool has_verbs = false;
+  bool has_default = false;
   for (const client::Command& client_command : Commands()) {
     const std::string_view name = client_command.name;
     if (name == noun) {
@@ -160,17 +181,15 @@ void AddCommands(CLI::App& app, const std::string& noun, Command& command) {
     CLI::App& leaf = AppFor(app, name.substr(noun.size() + 1), client_command);
     AddLeaf(leaf, client_command, command);
     CLI::App* const group = leaf.get_parent();
-    if (group != &app) group->require_subcommand(0, 1);
-    if (!client_command.is_default) continue;
+    if (!client_command.is_default) {
+      if (group != &app) group->require_subcommand(0, 1);
+      continue;
+    }
     // Without a verb the default one runs.
-    const Action action = [&client_command](Context& context) {
-      return RunCommand(context, client_command, Json::object(), {});
-    };
-    group->callback([group, action, &command] {
-      if (group->get_subcommands().empty()) command.Choose(action);
-    });
+    has_default = has_default || group == &app;
+    AddDefault(*group, client_command, command);
   }
-  if (has_verbs) app.require_subcommand(1);
+  if (has_verbs && !has_default) app.require_subcommand(1);
   SetGroupFooters(app, noun);
 }
 

@@ -122,7 +122,9 @@ void ShowSet(const Json& document, std::ostream& out) {
     if (outcome == "already-so") {
       out << target << " is " << Quoted(change.at("before")) << " already.\n";
     } else if (outcome == "planned") {
-      out << ChangeText(change) << (is_dry ? "\n" : " (not tried)\n");
+      out << ChangeText(change) << '\n';
+    } else if (outcome == "not-tried") {
+      out << ChangeText(change) << " (not tried)\n";
     } else if (outcome == "refused" || outcome == "failed") {
       out << ChangeText(change) << " (" << outcome << ")\n";
     } else if (change.value("secret", false)) {
@@ -134,26 +136,46 @@ void ShowSet(const Json& document, std::ostream& out) {
   if (is_dry) out << "Nothing was written.\n";
 }
 
-// Of many attributes: what became of those that had not the wanted value, and how many there were.
-void ShowMany(const Json& document, std::ostream& out) {
-  const bool is_dry = document.value("whatIf", false);
+struct Counts {
   std::size_t changed = 0;
   std::size_t unchanged = 0;
   std::size_t failed = 0;
+};
+
+// Counts the attribute whose changes begin at a place, and gives the place of the next one's: a
+// boot order has a change of its value, and one of each mode.
+std::size_t CountAttribute(const Json& changes, std::size_t at, Counts& counts) {
+  bool is_changed = false;
+  bool is_unchanged = true;
+  bool is_failed = false;
+  do {
+    const std::string outcome = changes[at].at("outcome");
+    is_changed = is_changed || outcome == "changed";
+    is_unchanged = is_unchanged && outcome == "already-so";
+    is_failed = is_failed || changes[at].contains("error");
+  } while (++at < changes.size() && changes[at].contains("field"));
+  counts.changed += is_changed ? 1U : 0U;
+  counts.unchanged += is_unchanged ? 1U : 0U;
+  counts.failed += is_failed ? 1U : 0U;
+  return at;
+}
+
+// Of many attributes: what became of those that had not the wanted value, and how many there were.
+void ShowMany(const Json& document, std::ostream& out) {
+  const bool is_dry = document.value("whatIf", false);
+  Counts counts;
   for (const Json& warning : document.value("warnings", Json::array())) {
     out << "warning: " << Escaped(Readable(warning.at("message"))) << '\n';
   }
-  for (const Json& change : document.at("changes")) {
+  const Json& changes = document.at("changes");
+  for (std::size_t i = 0; i < changes.size();) i = CountAttribute(changes, i, counts);
+  for (const Json& change : changes) {
     const std::string outcome = change.at("outcome");
     const bool is_failed = change.contains("error");
-    changed += outcome == "changed" ? 1U : 0U;
-    unchanged += outcome == "already-so" ? 1U : 0U;
-    failed += is_failed ? 1U : 0U;
     if (outcome == "already-so") continue;
-    out << (outcome != "planned" ? outcome
-            : is_failed          ? "failed"
-            : is_dry             ? "would change"
-                                 : "not tried")
+    out << (outcome == "planned"     ? "would change"
+            : outcome == "not-tried" ? "not tried"
+                                     : outcome)
         << ": ";
     if (is_failed && outcome != "changed") {
       out << Escaped(Readable(change["error"].at("message"))) << '\n';
@@ -167,7 +189,8 @@ void ShowMany(const Json& document, std::ostream& out) {
     out << "skipped: " << Escaped(TitleOf(item)) << " is read-only: " << Quoted(item.at("value"))
         << ", in the file " << Quoted(item.at("wanted")) << '\n';
   }
-  out << changed << " changed, " << unchanged << " unchanged, " << failed << " failed.\n";
+  out << counts.changed << " changed, " << counts.unchanged << " unchanged, " << counts.failed
+      << " failed.\n";
   if (is_dry) out << "Nothing was written.\n";
   if (document.value("restartPending", false)) out << "A restart is pending.\n";
 }

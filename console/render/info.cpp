@@ -37,8 +37,8 @@ void RenderSteps(const Json& document, std::ostream& out) {
       out << " (" << client::Readable(step["code"]) << ")";
     out << '\n';
     if (!step.contains("meaning")) continue;
-    out << "  " << client::Readable(step["meaning"]) << "\n  "
-        << client::Readable(step.at("advice")) << '\n';
+    out << "  " << client::Readable(step["meaning"]) << '\n';
+    if (step.contains("advice")) out << "  " << client::Readable(step["advice"]) << '\n';
   }
   for (const Json& line : document.at("diagnostics")) {
     out << "  " << Escaped(client::Readable(line)) << '\n';

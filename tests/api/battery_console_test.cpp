@@ -23,6 +23,16 @@ using test::TemporaryFile;
 
 using Arguments = std::vector<std::string>;
 
+TEST(BatteryConsole, SaysThatThereAreNoBatteries) {
+  for (const char* const battery : {"1", "all"}) {
+    const json error =
+        Document(Mira({"--sim=desktop", "battery", "--battery", battery, "--json"}))["error"];
+    EXPECT_EQ(error["name"], "no-battery");
+    EXPECT_EQ(error["message"], "The machine has no batteries.");
+    EXPECT_EQ(error["target"], "battery");
+  }
+}
+
 TEST(BatteryConsole, EndsWithTheStatusAndSaysWhy) {
   struct Case {
     Arguments arguments;
@@ -33,6 +43,10 @@ TEST(BatteryConsole, EndsWithTheStatusAndSaysWhy) {
       {{"show"}, 0, "Battery                   1\nCharging mode             standard\n"},
       {{"show"}, 0, "Monday     08:00 - 17:00  0x00004420  off         0x00000000\n"},
       {{"show", "--battery", "all"}, 0, "Battery                   1\n"},
+      {{}, 0, "Battery                   1\nCharging mode             standard\n"},
+      {{"--battery", "2"}, 3, "does not know this battery"},
+      {{"--battery", "2", "set", "--mode", "express", "--yes"}, 2, "--battery belongs behind"},
+      {{"set", "--peak-shift", "on", "--what-if"}, 0, "peak shift: 'off' -> 'on'"},
       {{"show", "--battery", "2"}, 3, "does not know this battery; the machine lists 1"},
       {{"show", "--battery", "256"}, 2, "not a battery number"},
       {{"show", "--battery", "x"}, 2, "not a battery number"},

@@ -121,6 +121,10 @@ TEST(Console, InfoTellsWhichStepFailed) {
   EXPECT_EQ(outcomes, expected);
   EXPECT_EQ(document["steps"][7]["step"], "WMI instance");
   EXPECT_NE(document["steps"][7].value("advice", ""), "");
+  for (const auto& step : document["steps"]) {
+    EXPECT_NE(step.value("meaning", ""), "") << step;
+    EXPECT_EQ(step.contains("advice"), step["outcome"] == "failed") << step;
+  }
 }
 
 TEST(Console, CallShowsTheFirmwaresAnswer) {

@@ -25,13 +25,18 @@ TEST(Value, PrintsOneFieldOfADocument) {
   const Case cases[] = {
       {{"info"}, "transferBufferSize", "4096\n"},
       {{"info"}, "simulated", "true\n"},
-      {{"info"}, "steps.0", "{\"step\":\"administrator check\",\"outcome\":\"done\"}\n"},
+      {{"info"},
+       "steps.0",
+       "{\"step\":\"administrator check\",\"outcome\":\"done\",\"meaning\":"
+       "\"This user's administrator rights are in force.\"}\n"},
       {{"info"}, "steps.0.outcome", "done\n"},
       {{"call", "0", "0", "--arg1", "0x78"}, "results", "[0,2,0,0]\n"},
       {{"call", "0", "0", "--arg1", "0x78"}, "results.1", "2\n"},
       {{"smbios", "--handle", "0x1500"}, "structures.bytes", "1507001507040200\n"},
       {{"smbios", "--handle", "0x1500"}, "structures.0.attributes.2.key", "NumOfButtons\n"},
       {{"attr", "get", "FanFloor"}, "attributes.value", "0\n"},
+      {{"attr", "get", "WakeOnLan"}, "value", "Disabled\n"},
+      {{"tag", "show", "asset"}, "value", "NF-004711\n"},
       {{"attr", "get", "OwnerPassword"}, "attributes.value", "\n"},
       {{"boot", "encode", "PciRoot(0x0)"}, "bytes", "02010c00d041030a000000007fff0400\n"},
   };
@@ -68,7 +73,7 @@ TEST(Value, NamesWhatIsNotThere) {
       {"steps.99.step", "The list has the indices 0 to 13."},
       {"steps.step", "The list has the indices 0 to 13."},
       {"version.major", "It has no fields."},
-      {"steps.0.", "The fields are: step, outcome."},
+      {"steps.0.", "The fields are: step, outcome, meaning."},
       {"diagnostics.0", "The list is empty."},
   };
   for (const Case& c : cases) {
