@@ -109,9 +109,9 @@ Error CallError(Session& session, callif::Command command, Status status, std::i
   }
   if (status != STATUS_FAILURE) return ErrorOf(status, options.target);
   if (report.failure.step == mira::Step::kRequest && report.call.delivery == Delivery::kNotSent) {
-    std::string message = "Call " + CommandText(command) + " takes another request.";
-    for (const std::string& line : session.TakeDiagnostics()) message += " (" + line + ")";
-    return Error(kUsage, "request-not-made", message, options.target);
+    return Error(kUsage, "request-not-made",
+                 "Call " + CommandText(command) + " takes more than argument words.",
+                 options.target);
   }
   if (report.call.delivery != Delivery::kAnswered) {
     return TransportError(session, command, report.call, options.target);

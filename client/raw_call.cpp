@@ -68,7 +68,9 @@ void Make(Session& session, RawCall& call, const Key& key) {
   }
   call.results = {static_cast<std::uint32_t>(data.Res1), data.Res2, data.Res3, data.Res4};
   if (!error) return;
-  if (error->completion) error->document = ToJson(call);
+  // A completion code of the password's check is none of this call.
+  const bool was_made = CMiraIntf::GetLastOperation().failure.step != mira::Step::kSecurityKey;
+  if (error->completion && was_made) error->document = ToJson(call);
   throw *error;
 }
 

@@ -61,6 +61,17 @@ CMiraIntf& Session::WithAttributes(Texts texts) {
     Restart();
     throw Cancelled();
   }
+  if (tables.outcome == StepOutcome::kFailed) {
+    Error error(tables.code_kind == CodeKind::kHresult ? kTransportFailed : kRefused,
+                "attributes-unreadable", "The tables of BIOS attributes could not be read.");
+    error.step = StepName(tables.step);
+    if (tables.code_kind == CodeKind::kHresult) {
+      error.hresult = static_cast<std::uint32_t>(tables.code);
+    } else if (tables.code_kind == CodeKind::kCompletionCode) {
+      error.completion = tables.code;
+    }
+    throw error;
+  }
   if (!mira_->IsPLDMSupported()) {
     throw Error(kNotSupported, "no-attributes", "This machine has no BIOS attributes.");
   }

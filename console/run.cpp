@@ -101,8 +101,11 @@ void PrintError(const Error& error, const Options& options, std::ostream& out, s
     WriteJson(out, document);
     return;
   }
-  err << "mira: " << ToUtf8(std::string_view(error.what()));
-  if (const std::string hint = HintOf(error, options); !hint.empty()) err << ' ' << ToUtf8(hint);
+  // Sentences quote texts of firmware and files.
+  err << "mira: " << Escaped(ToUtf8(std::string_view(error.what())));
+  if (const std::string hint = HintOf(error, options); !hint.empty()) {
+    err << ' ' << Escaped(ToUtf8(hint));
+  }
   err << '\n';
 }
 

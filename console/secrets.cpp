@@ -9,21 +9,32 @@ namespace {
 struct SlotOption {
   const char* slot;
   const char* option;
+  const char* purpose;  // what is asked for where nobody says it better
 };
 constexpr SlotOption kSlotOptions[] = {
-    {"password", "password"},
-    {"setup", "admin-password"},
-    {"new", "new-password"},
-    {"value", "value"},
+    {"password", "password", "Current password"},
+    {"setup", "admin-password", "Setup (administrator) password"},
+    {"new", "new-password", "New password"},
+    {"value", "value", "New value"},
 };
+
+const SlotOption* FindSlotOption(const std::string& slot) {
+  const auto* const found =
+      std::find_if(std::begin(kSlotOptions), std::end(kSlotOptions),
+                   [&slot](const SlotOption& row) { return row.slot == slot; });
+  return found != std::end(kSlotOptions) ? found : nullptr;
+}
+
+std::string UsualPurpose(const std::string& slot) {
+  const SlotOption* const found = FindSlotOption(slot);
+  return found != nullptr ? found->purpose : slot;
+}
 
 }  // namespace
 
 SecretSlot AddSecretSlot(CLI::App& app, const std::string& slot) {
-  const auto* const found =
-      std::find_if(std::begin(kSlotOptions), std::end(kSlotOptions),
-                   [&slot](const SlotOption& row) { return row.slot == slot; });
-  return {slot, AddSecretOptions(app, found != std::end(kSlotOptions) ? found->option : slot)};
+  const SlotOption* const found = FindSlotOption(slot);
+  return {slot, AddSecretOptions(app, found != nullptr ? found->option : slot)};
 }
 
 ConsoleSecrets::ConsoleSecrets(Context& context, const SecretSlots& slots) : context_(context) {
@@ -54,10 +65,12 @@ bytes::SecureString ConsoleSecrets::Ask(const std::string& slot, const std::stri
   return text;
 }
 
-void ConsoleSecrets::ReadStandardInput(const std::string& purpose) {
+void ConsoleSecrets::ReadStandardInput(const std::string& wanted, const std::string& purpose) {
   for (Slot& slot : slots_) {
     if (!slot.options.source->from_stdin || slot.text) continue;
-    slot.text = ReadSecret(context_, *slot.options.source, purpose + " : ");
+    const bool is_wanted = slot.options.name == wanted;
+    slot.text = ReadSecret(context_, *slot.options.source,
+                           (is_wanted ? purpose : UsualPurpose(slot.options.name)) + " : ");
   }
 }
 
@@ -71,7 +84,7 @@ std::optional<bytes::SecureString> ConsoleSecrets::Get(const std::string& slot,
                             [&slot](const Slot& s) { return s.options.name == slot; });
   if (!found->text) {
     if (found->options.source->from_stdin) {
-      ReadStandardInput(purpose);
+      ReadStandardInput(slot, purpose);
     } else {
       found->text = ReadSecret(context_, *found->options.source, "");
     }

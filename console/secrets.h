@@ -41,7 +41,7 @@ class ConsoleSecrets : public client::SecretProvider {
   };
   const Slot* Find(const std::string& slot) const;
   bytes::SecureString Ask(const std::string& slot, const std::string& purpose) const;
-  void ReadStandardInput(const std::string& purpose);
+  void ReadStandardInput(const std::string& wanted, const std::string& purpose);
 
   Context& context_;
   std::vector<Slot> slots_;

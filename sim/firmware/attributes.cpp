@@ -338,7 +338,7 @@ void AttributeHandler::BuildValueTable() {
     values.Word(attribute.handle).Byte(attribute.setup.read_only ? type | kReadOnlyBit : type);
     values.Bytes(attribute.at_start);
   }
-  tables_[kValueTable].bytes = values.Finish();
+  if (kValueTable < tables_.size()) tables_[kValueTable].bytes = values.Finish();
 }
 
 void AttributeHandler::ReadTable(Call& call) const {

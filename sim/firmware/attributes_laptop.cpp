@@ -1,5 +1,6 @@
 // The setup attributes of the laptop: a row each, grouped as its setup program shows them.
 
+#include <algorithm>
 #include <map>
 #include <string_view>
 
@@ -421,7 +422,12 @@ std::vector<SetupAttribute> LaptopAttributes(const Profile& profile) {
                row.default_value, row.lower, row.upper,   row.increment, row.read_only};
       const char* const value = row.value != nullptr ? row.value : row.default_value;
       const auto fact = facts.find(value);
-      added.value = fact != facts.end() ? fact->second : value;
+      added.value = value;
+      if (fact == facts.end()) continue;
+      // A profile's texts may be longer than the attribute that shows them, or not printable.
+      added.value = fact->second.substr(0, row.upper);
+      std::replace_if(
+          added.value.begin(), added.value.end(), [](char c) { return c < ' ' || c > '~'; }, '?');
     }
   }
   return attributes;
