@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 
+#include "client/call.h"
 #include "pldm/progress.h"
 #include "transport/com_error.h"
 
@@ -61,7 +62,9 @@ CMiraIntf& Session::WithAttributes(Texts texts) {
     Restart();
     throw Cancelled();
   }
-  if (tables.outcome == StepOutcome::kFailed) {
+  // Where the firmware does not announce the class, there are none.
+  constexpr std::uint16_t kAttributeClass = 5;
+  if (tables.outcome == StepOutcome::kFailed && IsAnnounced(*mira_, kAttributeClass)) {
     Error error(tables.code_kind == CodeKind::kHresult ? kTransportFailed : kRefused,
                 "attributes-unreadable", "The tables of BIOS attributes could not be read.");
     error.step = StepName(tables.step);
