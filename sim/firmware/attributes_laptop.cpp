@@ -425,7 +425,7 @@ std::vector<SetupAttribute> LaptopAttributes(const Profile& profile) {
       added.value = value;
       if (fact == facts.end()) continue;
       // A profile's texts may be longer than the attribute that shows them, or not printable.
-      added.value = fact->second.substr(0, row.upper);
+      added.value = fact->second.substr(0, static_cast<std::size_t>(row.upper));
       std::replace_if(
           added.value.begin(), added.value.end(), [](char c) { return c < ' ' || c > '~'; }, '?');
     }
