@@ -8,11 +8,11 @@ else()
   target_compile_options(mira_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Woverloaded-virtual -Werror)
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-    # From -O2 on, GCC 12 takes additions of strings for overlapping or endless copies, and the rest of
-    # a span for one that may be larger than memory.
+    # From -O2 on, GCC 12 takes additions of strings for overlapping or endless copies, the rest of a
+    # span for one that may be larger than memory, and an empty optional's value for one that is used.
     target_compile_options(mira_options INTERFACE
       -Wno-restrict -Wno-stringop-overflow -Wno-array-bounds
-      $<$<CONFIG:Release>:-Wno-stringop-overread>)
+      $<$<CONFIG:Release>:-Wno-stringop-overread> $<$<CONFIG:Release>:-Wno-maybe-uninitialized>)
   endif()
   if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
     # It takes the enumerators of a class for shadows of global ones of the same name, which the
