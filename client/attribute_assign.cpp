@@ -2,9 +2,12 @@
 // firmware spells it.
 
 #include <algorithm>
+#include <charconv>
+#include <cmath>
 #include <limits>
 #include <set>
 #include <string_view>
+#include <system_error>
 
 #include "bytes/secure.h"
 #include "bytes/text.h"
@@ -24,6 +27,37 @@ std::string ToLatin1(const std::string& utf8) {
 std::string Quoted(const Json& value) {
   const bool is_text = value.is_string() || value.is_array() || BytesOfText(value);
   return "'" + (is_text ? Readable(value) : value.dump()) + "'";
+}
+
+// Whether the text is a number that would need more than 64 bits.
+bool IsHuge(std::string_view text) {
+  const std::optional<std::string_view> hex = bytes::WithoutHexPrefix(text);
+  const std::string_view digits = hex.value_or(text);
+  const auto is_digit = [&hex](char c) {
+    return hex ? bytes::IsHexDigit(c) : c >= '0' && c <= '9';
+  };
+  return !digits.empty() && std::all_of(digits.begin(), digits.end(), is_digit) &&
+         !bytes::ParseNumber(text);
+}
+
+// Why a value is none that an integer takes: the end of a sentence that begins with the value.
+const char* WhyNoNumber(const Json& value) {
+  constexpr double kBehindLargest = 18446744073709551616.0;  // 2^64
+  constexpr const char* kNone = " is not a number.";
+  constexpr const char* kTooLarge = " is too large.";
+  const std::string text = value.is_string() ? value.get<std::string>() : value.dump();
+  if (!value.is_string() && !value.is_number()) return kNone;
+  if (IsHuge(text)) return kTooLarge;
+  double number = 0;
+  const char* const end = text.data() + text.size();
+  const auto [last, error] = std::from_chars(text.data(), end, number);
+  if (last != end || error == std::errc::invalid_argument || std::isnan(number)) return kNone;
+  if (text.starts_with('-')) return " is below 0.";
+  const bool is_tiny = text.find("e-") != std::string::npos || text.find("E-") != std::string::npos;
+  const bool is_out_of_range = error == std::errc::result_out_of_range;
+  if (number >= kBehindLargest || (is_out_of_range && !is_tiny)) return kTooLarge;
+  if (is_out_of_range || number != std::floor(number)) return " is not a whole number.";
+  return " has a point or an exponent: write the number in digits alone.";
 }
 
 Error Broken(const Setting& setting, const std::string& message, const std::string& hint = "") {
@@ -187,14 +221,12 @@ class Assignment {
 
   std::uint64_t Number() const {
     if (value_.is_number_unsigned()) return value_.get<std::uint64_t>();
-    if (value_.is_number_integer()) Break(value_.dump() + " is below 0.", Takes());
-    if (value_.is_number_float()) Break(value_.dump() + " is not a whole number.", Takes());
     if (value_.is_string()) {
       if (const auto number = bytes::ParseNumber(value_.get_ref<const std::string&>())) {
         return *number;
       }
     }
-    Break(Quoted(value_) + " is not a number.", Takes());
+    Break(Quoted(value_) + WhyNoNumber(value_), Takes());
   }
 
   // The text is a secret in some attributes, so no message quotes it.
@@ -227,8 +259,7 @@ void AssignModes(Setting& setting, const Json& modes) {
       const auto mode = modes.find(row.name);
       if (mode == modes.end()) continue;
       if (!mode->is_number_unsigned() || mode->get<std::uint64_t>() > kLargest) {
-        throw Broken(setting, std::string(row.name) + " is not a valid number.",
-                     "It takes 0 to 255.");
+        throw Broken(setting, std::string(row.name) + " takes a whole number from 0 to 255.");
       }
       target.*row.member = mode->get<std::uint32_t>();
     }

@@ -147,19 +147,30 @@ Json Reset(Request& request) {
     const AttributeEntry& entry = writer->All().Find(name);
     if (seen.insert(entry.handle).second) plan.steps.push_back(PlanDefault(writer, entry));
   }
+  Json left_out = Json::array();
+  const auto leave_out = [&](const AttributeEntry& entry, const char* reason) {
+    Json item = NameOf(writer->All(), entry);
+    item["reason"] = reason;
+    left_out.push_back(std::move(item));
+  };
   for (std::size_t i = 0; is_all && i < entries.size(); ++i) {
     session.Report("Reading attributes", i, entries.size());
-    if (entries[i].IsReadOnly() || entries[i].IsPassword()) continue;
+    if (entries[i].IsReadOnly() || entries[i].IsPassword()) {
+      leave_out(entries[i], entries[i].IsPassword() ? "password" : "read-only");
+      continue;
+    }
     try {
       plan.steps.push_back(PlanDefault(writer, entries[i]));
     } catch (const Error& error) {
       if (error.status == kCancelled) throw;
-      // What has no default stays as it is.
-      if (error.name != "no-default") {
+      if (error.name == "no-default") {
+        leave_out(entries[i], "no-default");
+      } else {
         plan.steps.push_back(ImpossibleStep(writer->All(), &entries[i], entries[i].Title(), error));
       }
     }
   }
+  if (is_all) plan.subject["leftOut"] = std::move(left_out);
   return CarryAttributes(request, plan);
 }
 
@@ -211,22 +222,24 @@ std::vector<Command> AttributeCommands() {
       {.name = "attr.set",
        .summary = "Give attributes new values",
        .effect = Effect::kChanges,
-       .arguments = {{.name = "name",
-                      .help = "name or handle; or NAME=VALUE",
-                      .required = true,
-                      .positional = true},
-                     {.name = "value",
-                      .type = Type::kValue,
-                      .help = "a name, several with commas, a number, or a text; of no password",
-                      .positional = true},
-                     {.name = "more",
-                      .type = Type::kTexts,
-                      .help = "further NAME=VALUE",
-                      .positional = true},
-                     {.name = "force",
-                      .type = Type::kFlag,
-                      .help = "send the value unchecked: the firmware alone decides"},
-                     kClass10},
+       .arguments =
+           {{.name = "name",
+             .help = "name or handle; or NAME=VALUE",
+             .required = true,
+             .positional = true},
+            {.name = "value",
+             .type = Type::kValue,
+             .help =
+                 "a value's name, several names with commas, a number or a text; never a password",
+             .positional = true},
+            {.name = "more",
+             .type = Type::kTexts,
+             .help = "further NAME=VALUE",
+             .positional = true},
+            {.name = "force",
+             .type = Type::kFlag,
+             .help = "send the value unchecked: the firmware alone decides"},
+            kClass10},
        .secrets = {"value", "password"},
        .run = SetAttributes},
       {.name = "attr.reset",

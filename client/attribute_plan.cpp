@@ -27,17 +27,12 @@ std::vector<Json> Values(const Attributes& attributes, const Setting& setting,
   return values;
 }
 
-// The same as NameJson, also of an attribute that cannot be read now.
-Json NameOf(Attributes& attributes, const AttributeEntry& entry) {
-  if (const auto at_boot = attributes.TryReadAtBoot(entry)) return NameJson(*at_boot);
-  try {
-    return NameJson(attributes.ReadLive(entry));
-  } catch (const Error&) {
-    return {{"handle", entry.handle}, {"name", entry.name}, {"suffix", ""}};
-  }
-}
-
 }  // namespace
+
+Json NameOf(Attributes& attributes, const AttributeEntry& entry) {
+  if (const auto setting = attributes.TryReadAny(entry)) return NameJson(*setting);
+  return {{"handle", entry.handle}, {"name", entry.name}, {"suffix", ""}};
+}
 
 void AttributeWriter::Write(const Setting& setting, const Key& key) {
   if (key_error_) throw *key_error_;

@@ -31,6 +31,9 @@ class AttributeWriter {
 };
 using AttributeWriterPtr = std::shared_ptr<AttributeWriter>;
 
+// The same as NameJson, also of an attribute that cannot be read now.
+Json NameOf(Attributes& attributes, const AttributeEntry& entry);
+
 // What one attribute is to become.
 struct AttributeWish {
   const AttributeEntry* entry = nullptr;

@@ -26,8 +26,7 @@ Error OperationError(Session& session, Status status, const std::string& title) 
   const Error plain = ErrorOf(status, title);
   std::string message = title + ": " + plain.what();
   if (is_lost) {
-    message =
-        title + ": The call was sent and brought no answer: whether it was carried out is unknown.";
+    message = title + ": " + NoAnswerText(session, "The call");
   }
   for (const std::string& line : session.TakeDiagnostics()) message += " (" + line + ")";
   Error error(is_lost ? kTransportFailed : plain.status, is_lost ? "no-answer" : plain.name,
@@ -141,16 +140,36 @@ const AttributeEntry* Attributes::FindName(const std::string& name) const {
   return find([&](const AttributeEntry& e) { return bytes::SameText(e.name, name); });
 }
 
-// The tables alone mostly have it; an attribute without a value in them is asked for.
-std::string Attributes::FullName(const AttributeEntry& entry) {
+std::optional<Setting> Attributes::TryReadAny(const AttributeEntry& entry) {
   for (const auto read : {&Attributes::ReadAtBoot, &Attributes::ReadLive}) {
     try {
-      return (this->*read)(entry).Title();
+      return (this->*read)(entry);
     } catch (const Error&) {
       // Then by the other way, or not at all.
     }
   }
-  return "";
+  return std::nullopt;
+}
+
+std::string Attributes::FullName(const AttributeEntry& entry) {
+  const std::optional<Setting> setting = TryReadAny(entry);
+  return setting ? setting->Title() : "";
+}
+
+const AttributeEntry* Attributes::FindDisplayName(const std::string& text) {
+  const AttributeEntry* found = nullptr;
+  Json names = Json::array();
+  for (const AttributeEntry& entry : entries_) {
+    const std::optional<Setting> setting = TryReadAny(entry);
+    if (!setting || !bytes::SameText(ToUtf8(setting->attribute->DisplayText), text)) continue;
+    found = &entry;
+    names.push_back(setting->Title());
+  }
+  if (names.size() <= 1) return found;
+  throw Error(kNotFound, "ambiguous-name",
+              "'" + text + "' is the display name of several attributes: " + Readable(names) + ".",
+              text)
+      .With("names", std::move(names));
 }
 
 const AttributeEntry& Attributes::Find(const std::string& text, std::uint64_t handle) {
@@ -175,6 +194,9 @@ const AttributeEntry& Attributes::Find(const std::string& text) {
   const std::optional<std::uint64_t> handle = bytes::ParseNumber(text);
   const AttributeEntry* const entry = handle ? FindHandle(*handle) : nullptr;
   if (entry != nullptr) return *entry;
+  if (texts_ == Session::Texts::kAll) {
+    if (const AttributeEntry* const shown = FindDisplayName(text)) return *shown;
+  }
   std::vector<std::string> names;
   for (const AttributeEntry& e : entries_) names.push_back(e.name);
   const std::optional<std::string> nearest = Nearest(text, names);

@@ -51,8 +51,9 @@ class Attributes {
 
   // In ascending order of handles.
   const std::vector<AttributeEntry>& All() const { return entries_; }
-  // By name, with or without its suffix, else by handle in decimal or with 0x. The case of letters
-  // counts only where names differ in nothing else. Throws Error.
+  // By name, with or without its suffix, else by handle in decimal or with 0x, else, where all
+  // texts were wanted, by display name. The case of letters counts only where names differ in
+  // nothing else. Throws Error.
   const AttributeEntry& Find(const std::string& text);
   // Of several attributes of one name, the one of this handle. A handle that has another name, as
   // on another machine, does not count.
@@ -66,6 +67,9 @@ class Attributes {
   Setting ReadAtBoot(const AttributeEntry& entry);
   // Nothing where the tables list the attribute without a value.
   std::optional<Setting> TryReadAtBoot(const AttributeEntry& entry);
+  // As the tables have it; an attribute without a value in them is asked for. Nothing where neither
+  // works.
+  std::optional<Setting> TryReadAny(const AttributeEntry& entry);
   // Sends the setting's value with a security key, 0 for none; never with that of an earlier call.
   // A read-only attribute goes out as if it could be written: whether it can is the firmware's to
   // say. Throws Error.
@@ -76,6 +80,8 @@ class Attributes {
   Setting Read(const AttributeEntry& entry, Status (CMiraIntf::*read)(PLDM::Attribute&));
   // The name with its suffix; empty where the attribute cannot be read.
   std::string FullName(const AttributeEntry& entry);
+  // Null where no attribute is shown so. Throws Error where several are.
+  const AttributeEntry* FindDisplayName(const std::string& text);
 
   Session& session_;
   Session::Texts texts_;

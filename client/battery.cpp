@@ -150,11 +150,12 @@ Battery ReadBattery(Session& session, std::uint16_t number) {
   const Error& problem = *battery.charging_problem;
   const std::size_t listed = ListedBatteries(session);
   if (problem.completion != kUnknownBattery || (number >= 1 && number <= listed)) throw problem;
-  const std::string message = listed == 0
-                                  ? "The machine has no batteries."
-                                  : "The firmware does not know this battery; the machine lists " +
-                                        std::to_string(listed) + ".";
-  Error unknown(kNotFound, "no-battery", message, listed == 0 ? "battery" : BatteryName(number));
+  Error unknown =
+      listed == 0 ? Error(kNotFound, "no-batteries", "This machine has no batteries.", "battery")
+                  : Error(kNotFound, "no-battery",
+                          "The firmware does not know this battery; the machine lists " +
+                              std::to_string(listed) + ".",
+                          BatteryName(number));
   unknown.completion = problem.completion;
   throw std::move(unknown).With("listed", listed);
 }

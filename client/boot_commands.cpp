@@ -87,7 +87,7 @@ std::vector<Command> BootCommands() {
   any_list.help = "a boot list by its number or its name; without it, all lists";
   Argument list_option = any_list;
   list_option.positional = false;
-  list_option.help = "the boot list of the option, where several lists have one like it";
+  list_option.help = "the option's boot list, where several lists have such an option";
   return {
       {.name = "boot.list", .summary = "List the boot lists", .run = ListBoot},
       {.name = "boot.show",
@@ -139,7 +139,7 @@ std::vector<Command> BootCommands() {
                       .help = "the file holds a device path alone"}},
        .run = Decode},
       {.name = "boot.encode",
-       .summary = "Give a device path's bytes; works offline",
+       .summary = "Turn a device path's text into its bytes; works offline",
        .effect = Effect::kOffline,
        .arguments = {{.name = "path",
                       .help = "the path in the standard's text form",

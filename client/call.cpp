@@ -1,12 +1,15 @@
 #include "client/call.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "buffers/bios_data.h"
 #include "transport/com_error.h"
 
 namespace mira::client {
 namespace {
+
+constexpr std::int32_t kTooLittleRoom = -6;
 
 std::string CommandText(callif::Command command) {
   return std::to_string(command.cls) + "/" + std::to_string(command.select);
@@ -17,13 +20,19 @@ Error TransportError(Session& session, callif::Command command, const CallReport
                      const std::string& target) {
   const bool is_sent = report.delivery == Delivery::kNoAnswer;
   const StepResult& failure = report.failure;
+  const std::string call = "Call " + CommandText(command);
   std::string message =
-      "Call " + CommandText(command) +
-      (is_sent ? " was sent and brought no answer: whether it was carried out is unknown."
-               : " did not reach the firmware.");
+      is_sent ? NoAnswerText(session, call) : call + " did not reach the firmware.";
   const std::string step = failure.step == mira::Step::kNone ? "" : StepName(failure.step);
   if (!step.empty()) message += " It failed at: " + step + ".";
-  for (const std::string& line : session.TakeDiagnostics()) message += " (" + line + ")";
+  const std::vector<std::string> lines = session.TakeDiagnostics();
+  const CCallingInterface* const calling = FindCallingInterface(session.Mira());
+  if (calling != nullptr && !HasUsableClasses(*calling)) {
+    // The library's line speaks of a conversion.
+    message = call + " was not made. " + kUnusableClasses;
+  } else {
+    for (const std::string& line : lines) message += " (" + line + ")";
+  }
   Error error(kTransportFailed, is_sent ? "no-answer" : "call-not-made", message, target);
   error.step = step;
   if (failure.code_kind == CodeKind::kHresult) {
@@ -33,6 +42,11 @@ Error TransportError(Session& session, callif::Command command, const CallReport
 }
 
 }  // namespace
+
+std::string NoAnswerText(const Session& session, const std::string& what) {
+  return what + " was sent and brought no answer" +
+         (session.IsChanging() ? ": whether it was carried out is unknown." : ".");
+}
 
 ExitStatus ExitOf(std::int32_t completion) {
   switch (completion) {
@@ -52,11 +66,14 @@ CCallingInterface* FindCallingInterface(CMiraIntf& mira) {
   return dynamic_cast<CCallingInterface*>(mira.GetBIOSObject(kType));
 }
 
-bool IsAnnounced(CMiraIntf& mira, std::uint16_t cls) {
+bool HasUsableClasses(const CCallingInterface& calling) {
   constexpr std::uint32_t kLargestBitmap = 0x7FFFFFFF;
+  return calling.SupportedCommands() <= kLargestBitmap;
+}
+
+bool IsAnnounced(CMiraIntf& mira, std::uint16_t cls) {
   CCallingInterface* const calling = FindCallingInterface(mira);
-  return calling != nullptr && calling->SupportedCommands() <= kLargestBitmap &&
-         calling->IsCommandSupported(cls);
+  return calling != nullptr && HasUsableClasses(*calling) && calling->IsCommandSupported(cls);
 }
 
 PwdInfo::PWDTYPE KeyType(const PwdInfo& info, bool wants_class10) {
@@ -87,12 +104,20 @@ Key ObtainKey(Session& session, SecretProvider& secrets, bool wants_class10, Che
   return key;
 }
 
-Error KeyError() {
+bool IsLockedOut(callif::Command command, std::int32_t completion) {
+  constexpr std::uint16_t kPasswordClasses[] = {9, 10, 12};
   constexpr std::uint16_t kVerifySelect = 4;
+  constexpr std::uint16_t kChangeSelect = 5;
   constexpr std::int32_t kNotVerified = -1;
+  return completion == kNotVerified &&
+         (command.select == kVerifySelect || command.select == kChangeSelect) &&
+         std::count(std::begin(kPasswordClasses), std::end(kPasswordClasses), command.cls) != 0;
+}
+
+Error KeyError() {
   const CallReport& call = CMiraIntf::GetLastOperation().call;
-  const bool is_locked = call.select == kVerifySelect && call.delivery == Delivery::kAnswered &&
-                         call.completion == kNotVerified;
+  const bool is_locked =
+      call.delivery == Delivery::kAnswered && IsLockedOut({call.cls, call.select}, call.completion);
   Error error = is_locked ? Error(kPassword, "not-verified", kLockedOut)
                           : ErrorOf(STATUS_SECURITY_KEY_FAILED);
   if (call.delivery == Delivery::kAnswered) error.completion = call.completion;
@@ -115,6 +140,16 @@ Error CallError(Session& session, callif::Command command, Status status, std::i
   }
   if (report.call.delivery != Delivery::kAnswered) {
     return TransportError(session, command, report.call, options.target);
+  }
+  if (callif::IsProbed(command) && completion == kTooLittleRoom) {
+    // The answer to the question for its size is what the room was made by.
+    Error error(kUnexpected, "answer-damaged",
+                "The firmware's answers to call " + CommandText(command) +
+                    " contradict each other: the answer is longer than the length that the "
+                    "firmware gave for it. One of them arrived cut short or changed.",
+                options.target);
+    error.completion = completion;
+    return error;
   }
   const auto meaning =
       std::find_if(options.meanings.begin(), options.meanings.end(),

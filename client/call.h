@@ -20,7 +20,12 @@ namespace mira::client {
 
 // The calling interface, or null.
 CCallingInterface* FindCallingInterface(CMiraIntf& mira);
-// Whether the firmware announces a class. A bitmap that the library cannot convert announces none.
+// Whether the firmware's bitmap of classes can be used: with bit 31 set the library cannot convert
+// it, and makes no call.
+bool HasUsableClasses(const CCallingInterface& calling);
+inline constexpr char kUnusableClasses[] =
+    "The firmware announces its command classes in a way that cannot be used.";
+// Whether the firmware announces a class. A bitmap that cannot be used announces none.
 bool IsAnnounced(CMiraIntf& mira, std::uint16_t cls);
 
 // The password that a protected call is made with.
@@ -43,6 +48,8 @@ inline constexpr char kLockedOut[] =
     "The firmware verifies no password: after several wrong ones it verifies none until the "
     "machine "
     "restarts.";
+// Whether a call that verifies or changes a BIOS password ended so.
+bool IsLockedOut(callif::Command command, std::int32_t completion);
 // The error of a password that no key was given for: wrong, or not looked at. Call it right after
 // the operation that failed.
 Error KeyError();
@@ -57,6 +64,9 @@ struct CodeMeaning {
   const char* name;
   const char* message;
 };
+
+// What is known of a call, or a write, that was sent and brought no answer: "call 11/3".
+std::string NoAnswerText(const Session& session, const std::string& what);
 
 struct CallOptions {
   std::string target = "";

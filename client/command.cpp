@@ -93,10 +93,9 @@ const Argument* FindArgument(const Command& command, const std::string& name) {
 
 }  // namespace
 
-const Argument kClass10 = {
-    .name = "class10",
-    .type = Type::kFlag,
-    .help = "the password is the class-10 one although a class-9 one is installed"};
+const Argument kClass10 = {.name = "class10",
+                           .type = Type::kFlag,
+                           .help = "use the class-10 password although a class-9 one is installed"};
 
 Json CheckArguments(const Command& command, const Json& arguments) {
   if (!arguments.is_object()) {

@@ -102,6 +102,11 @@ Error ErrorOf(Status status, std::string target) {
   return Error(text.exit_status, text.name, text.meaning, std::move(target));
 }
 
+std::string Sentence(std::string text) {
+  while (text.ends_with('\n') || text.ends_with('.')) text.pop_back();
+  return text + '.';
+}
+
 std::string CompletionText(std::int32_t code) {
   struct Row {
     std::int32_t code;

@@ -83,6 +83,10 @@ const StatusText& Explain(Status status);
 // The error that stands for a status of the library.
 Error ErrorOf(Status status, std::string target = "");
 
+// The text with one full stop at its end: texts of the system and of readers of files have one or
+// none.
+std::string Sentence(std::string text);
+
 // The text of a completion code.
 std::string CompletionText(std::int32_t code);
 

@@ -12,6 +12,7 @@
 namespace mira::client {
 namespace {
 
+constexpr char32_t kHalfCharacter = 0xFFFD;  // in its place; no JSON outside its strings
 constexpr std::uint64_t kLargestExact = (std::uint64_t{1} << 53) - 1;
 
 bool IsAscii(std::string_view text) {
@@ -19,21 +20,27 @@ bool IsAscii(std::string_view text) {
                      [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
-// UTF-16 with a byte order mark, or UTF-8 with one, as plain UTF-8.
+// UTF-16, or UTF-8 with a byte order mark, as plain UTF-8. A document of UTF-16 may lack its mark:
+// JSON begins with an ASCII character, so one of its first two bytes is NUL.
 std::string ToPlainUtf8(std::string_view text) {
   constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
   constexpr std::string_view kLittleMark = "\xFF\xFE";
   constexpr std::string_view kBigMark = "\xFE\xFF";
   if (text.starts_with(kUtf8Mark)) return std::string(text.substr(kUtf8Mark.size()));
-  const bool is_big = text.starts_with(kBigMark);
-  if (!is_big && !text.starts_with(kLittleMark)) return std::string(text);
+  const bool has_pair = text.size() >= 2 && text[0] != text[1];
+  const bool is_big = text.starts_with(kBigMark) || (has_pair && text[0] == '\0');
+  const bool is_little = text.starts_with(kLittleMark) || (has_pair && text[1] == '\0');
+  if (!is_big && !is_little) return std::string(text);
+  if (text.starts_with(kLittleMark) || text.starts_with(kBigMark)) text.remove_prefix(2);
   std::u16string units;
-  for (std::size_t i = 2; i + 1 < text.size(); i += 2) {
+  for (std::size_t i = 0; i + 1 < text.size(); i += 2) {
     const auto first = static_cast<unsigned char>(text[i]);
     const auto second = static_cast<unsigned char>(text[i + 1]);
     units += static_cast<char16_t>(is_big ? first << 8 | second : second << 8 | first);
   }
-  return bytes::Utf8(units);
+  std::string utf8 = bytes::Utf8(units);
+  if (text.size() % 2 != 0) bytes::AppendUtf8(utf8, kHalfCharacter);
+  return utf8;
 }
 
 std::string PlaceText(std::string_view text, std::size_t byte) {

@@ -42,9 +42,9 @@ std::optional<std::string> BytesOfText(const Json& value);
 // What a person reads: the text of either form, numbers in decimal, lists with commas, "" for null.
 std::string Readable(const Json& value);
 
-// A document from a file or a request. Accepts a byte order mark and UTF-16. Throws Error
-// (kInvalidValue) that names line and column of the first mistake, or a key that is there twice;
-// `name` names the document in it.
+// A document from a file or a request. Accepts a byte order mark, and UTF-16 with or without one.
+// Throws Error (kInvalidValue) that names line and column of the first mistake, or a key that is
+// there twice; `name` names the document in it.
 Json ParseJson(std::string_view text, const std::string& name);
 
 // The document as text, two blanks a level, with a line end.

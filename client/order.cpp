@@ -9,12 +9,6 @@
 namespace mira::client {
 namespace {
 
-std::string Trimmed(const std::string& text) {
-  const std::size_t from = text.find_first_not_of(' ');
-  if (from == std::string::npos) return "";
-  return text.substr(from, text.find_last_not_of(' ') + 1 - from);
-}
-
 std::vector<std::uint16_t> Named(const std::string& name, const Orderables& all) {
   std::vector<std::uint16_t> numbers;
   for (const Orderable& thing : all.things) {
@@ -96,7 +90,7 @@ std::vector<OrderEntry> ParseOrder(const std::vector<std::string>& texts, const 
     }
     std::istringstream parts(text + ',');
     for (std::string part; std::getline(parts, part, ',');) {
-      entries.push_back(ParseEntry(Trimmed(part), all));
+      entries.push_back(ParseEntry(std::string(bytes::Trimmed(part, " ")), all));
     }
   }
   return entries;

@@ -101,6 +101,7 @@ bool ApplyStep(Session& session, const Plan& plan, Step& step, const Key& key) {
   if (!plan.force && !IsAsPlanned(session, step)) return false;
   std::optional<Error> error;
   try {
+    const Session::Changing changing(session);
     step.write(session, key);
   } catch (const Error& failure) {
     error = failure;

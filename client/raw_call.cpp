@@ -62,6 +62,7 @@ void Make(Session& session, RawCall& call, const Key& key) {
   CSimpleTokenData data = DataOf(call);
   std::optional<Error> error;
   try {
+    const Session::Changing changing(session);
     Execute(session, call.command, data, {.target = CallTarget(call), .key = &key});
   } catch (const Error& failure) {
     error = failure;

@@ -69,6 +69,20 @@ class Session {
   // The same between two firmware calls whose number is not known: 0 of 0.
   void CheckCancelled() const;
 
+  // While an object of this class lives, calls may change something: of one without an answer
+  // nobody knows whether it did.
+  class Changing {
+   public:
+    explicit Changing(Session& session) : session_(session) { ++session_.changing_; }
+    ~Changing() { --session_.changing_; }
+    Changing(const Changing&) = delete;
+    Changing& operator=(const Changing&) = delete;
+
+   private:
+    Session& session_;
+  };
+  bool IsChanging() const { return changing_ != 0; }
+
   // Nothing is cancelled while an object of this class lives: what is written is read back, too.
   class Uninterrupted {
    public:
@@ -92,6 +106,7 @@ class Session {
   bool has_texts_ = false;
   std::vector<std::string> start_lines_;
   int uninterrupted_ = 0;
+  int changing_ = 0;
 };
 
 }  // namespace mira::client

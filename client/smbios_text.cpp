@@ -68,19 +68,12 @@ std::optional<Line> ParseLine(std::string_view text) {
   return line;
 }
 
-std::string_view Trimmed(std::string_view text) {
-  constexpr std::string_view kBlanks = " \t\r";
-  const std::size_t from = text.find_first_not_of(kBlanks);
-  if (from == std::string_view::npos) return {};
-  return text.substr(from, text.find_last_not_of(kBlanks) + 1 - from);
-}
-
 // Takes the next line off the text.
 std::string_view TakeLine(std::string_view& text) {
   const std::size_t end = text.find('\n');
   const std::string_view line = text.substr(0, end);
   text = end == std::string_view::npos ? std::string_view() : text.substr(end + 1);
-  return Trimmed(line);
+  return bytes::Trimmed(line, " \t\r");
 }
 
 }  // namespace

@@ -142,14 +142,13 @@ StartUpStep StepOf(const StepResult& result, const char* name) {
 // The step of a call that is missing for all calls, found by one without effect.
 StartUpStep TryCall(Session& session, StartUp& start_up) {
   constexpr char kName[] = "Calls to the firmware";
-  constexpr std::uint32_t kLargestBitmap = 0x7FFFFFFF;
   StartUpStep step = {kName, "not-tried", "", kNotTried, ""};
   if (start_up.status != STATUS_SUCCESS) return step;
   CMiraIntf& mira = session.Mira();
   CCallingInterface* const calling = FindCallingInterface(mira);
-  if (calling != nullptr && calling->SupportedCommands() > kLargestBitmap) {
+  if (calling != nullptr && !HasUsableClasses(*calling)) {
     step.outcome = "failed";
-    step.meaning = "The firmware announces its command classes in a way that cannot be used.";
+    step.meaning = kUnusableClasses;
     step.advice = "Update the firmware.";
     start_up.problem = Error(kTransportFailed, "calls-impossible", step.meaning);
     return step;

@@ -42,6 +42,11 @@ std::uint16_t ClassOf(CMiraIntf& mira, const Kind& kind) {
   return is_ownership && !IsAnnounced(mira, kind.cls) ? kOwnershipClasses[1] : kind.cls;
 }
 
+// Ownership tags are filled up with blanks, so blanks at the end are none of theirs.
+std::string WithoutBlanksAtEnd(const Kind& kind, const std::string& text) {
+  return kind.cls == kOwnershipClasses[0] ? text.substr(0, text.find_last_not_of(' ') + 1) : text;
+}
+
 // The text as the firmware keeps it.
 std::string Kept(Session& session, const Kind& kind, std::string text) {
   constexpr std::size_t kRecordBesideTag = 49;
@@ -52,8 +57,17 @@ std::string Kept(Session& session, const Kind& kind, std::string text) {
     return text;
   }
   text = text.substr(0, kind.longest);
-  // Ownership tags are filled up with blanks, so blanks at the end are none of theirs.
-  return kind.cls == kOwnershipClasses[0] ? text.substr(0, text.find_last_not_of(' ') + 1) : text;
+  return WithoutBlanksAtEnd(kind, text);
+}
+
+// What an impossible wish for a text that is too long ends with: the tag has the part of it that it
+// can have, and can have no more.
+Error AlreadyCut(const Kind& kind) {
+  const std::string target = TagTarget(kind);
+  return Error(kInvalidValue, "text-too-long",
+               target + ": The text is too long. The tag has its first " +
+                   std::to_string(kind.longest) + " characters already, and holds no more.",
+               target);
 }
 
 std::string ReadNamed(Session& session, const Kind& kind, std::uint32_t command) {
@@ -136,11 +150,11 @@ Plan PlanTag(Session& session, const std::string& kind_name, const std::string& 
   Plan plan;
   plan.subject = {{"tag", kind.name}};
   if (IsExtended(kind)) plan.subject["command"] = command;
-  plan.subject["cut"] = after.size() < text.size();
-  plan.steps.push_back(
-      {.changes = {{.target = TagTarget(kind), .before = read(session).front(), .after = after}},
-       .read = read,
-       .write = write});
+  const bool is_cut = after.size() < WithoutBlanksAtEnd(kind, text).size();
+  plan.subject["cut"] = is_cut;
+  Change change{.target = TagTarget(kind), .before = read(session).front(), .after = after};
+  if (is_cut && change.before == change.after) change.problem = AlreadyCut(kind);
+  plan.steps.push_back({.changes = {std::move(change)}, .read = read, .write = write});
   return plan;
 }
 

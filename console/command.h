@@ -32,6 +32,9 @@ using client::Error;
 using client::ExitStatus;
 using enum client::ExitStatus;
 
+// What became of the machine, for whoever cannot read the command's output.
+enum class WhatWasDone { kNothing, kChanged, kChangedInPart, kUnknown, kCalled };
+
 class Context {
  public:
   Context(Options options, std::istream& in, std::ostream& out);
@@ -42,6 +45,9 @@ class Context {
   bool IsInteractive() const;
   std::ostream& Out() { return out_; }
   std::istream& In() { return in_; }
+
+  WhatWasDone Done() const { return done_; }
+  void SetDone(WhatWasDone done) { done_ = done; }
 
   // The simulated machine; null on a real one.
   sim::Machine* Machine() { return machine_.get(); }
@@ -81,6 +87,7 @@ class Context {
   std::string unreadable_;
   std::unique_ptr<client::Session> client_;
   std::string progress_line_;
+  WhatWasDone done_ = WhatWasDone::kNothing;
 };
 
 using Action = std::function<ExitStatus(Context&)>;

@@ -68,14 +68,16 @@ std::filesystem::path Context::MachineFile() const {
 void Context::CheckMachine() const {
   if (unreadable_.empty()) return;
   const std::string file = PathText(MachineFile());
-  throw Error(kUnexpected, "machine-unreadable",
-              "The simulated machine in '" + file + "' cannot be read: " + unreadable_, file);
+  throw Error(
+      kUnexpected, "machine-unreadable",
+      client::Sentence("The simulated machine in '" + file + "' cannot be read: " + unreadable_),
+      file);
 }
 
 void Context::CheckKept() const {
   if (!kept_ || kept_->Problem().empty()) return;
   throw Error(kUnexpected, "machine-not-kept",
-              "The simulated machine could not be kept: " + kept_->Problem(),
+              client::Sentence("The simulated machine could not be kept: " + kept_->Problem()),
               PathText(MachineFile()));
 }
 

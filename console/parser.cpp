@@ -51,7 +51,9 @@ Error UnknownOption(const CLI::App& app, const std::string& option, const std::s
 Error UnknownCommand(const CLI::App& app, const std::string& word, const std::string& help) {
   const Error error(kUsage, "unknown-command",
                     "'" + FullName(app) + "' has no command '" + word + "'.", word);
-  if (app.get_parent() == nullptr && sim::FindProfile(word) != nullptr) {
+  // "mira --sim laptop", "mira sim laptop"
+  const bool may_be_profile = app.get_parent() == nullptr || app.get_name() == "sim";
+  if (may_be_profile && sim::FindProfile(word) != nullptr) {
     return WithHint(error, "Did you mean '--sim=" + word + "'?");
   }
   std::vector<std::string> names;

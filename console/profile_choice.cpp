@@ -11,6 +11,14 @@ namespace {
 
 constexpr std::string_view kProfileFile = ".json";
 
+Error UnknownProfile(ExitStatus status, const std::string& name) {
+  std::string known;
+  for (const sim::Profile& p : sim::Profiles()) known += (known.empty() ? "" : ", ") + p.name;
+  return WithHint(Error(status, "unknown-profile",
+                        "There is no simulated machine called '" + name + "'.", name),
+                  "The machines are: " + known + ". A file that ends in .json describes one, too.");
+}
+
 }  // namespace
 
 bool IsProfileFile(const std::string& name) { return name.ends_with(kProfileFile); }
@@ -19,20 +27,23 @@ sim::Profile LoadProfileFile(const std::string& path) {
   try {
     return sim::LoadProfile(ToPath(path));
   } catch (const sim::StateError& error) {
-    throw Error(kInvalidValue, "bad-profile",
-                "'" + path + "' does not describe a simulated machine: " + error.what() + ".",
-                path);
+    throw Error(
+        kInvalidValue, "bad-profile",
+        client::Sentence("'" + path + "' does not describe a simulated machine: " + error.what()),
+        path);
+  }
+}
+
+void CheckProfileName(const std::string& name) {
+  if (sim::FindProfile(name) == nullptr && !IsProfileFile(name)) {
+    throw UnknownProfile(kUsage, name);
   }
 }
 
 sim::Profile ChosenProfile(const std::string& name) {
   if (const sim::Profile* const profile = sim::FindProfile(name)) return *profile;
   if (IsProfileFile(name)) return LoadProfileFile(name);
-  std::string known;
-  for (const sim::Profile& p : sim::Profiles()) known += (known.empty() ? "" : ", ") + p.name;
-  throw WithHint(Error(kNotFound, "unknown-profile",
-                       "There is no simulated machine called '" + name + "'.", name),
-                 "The machines are: " + known + ". A file that ends in .json describes one, too.");
+  throw UnknownProfile(kNotFound, name);
 }
 
 }  // namespace mira::console

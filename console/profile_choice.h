@@ -10,10 +10,13 @@ namespace mira::console {
 // Whether a machine's name is that of a file that describes it.
 bool IsProfileFile(const std::string& name);
 
+// Throws Error (kUsage) where no machine has the name; a file is not looked into.
+void CheckProfileName(const std::string& name);
+
 // The machine that a file describes. Throws Error, which names the place in the file.
 sim::Profile LoadProfileFile(const std::string& path);
 
-// A machine that comes along, by its name, or one that a file describes. Throws Error.
+// A built-in machine, by its name, or one that a file describes. Throws Error.
 sim::Profile ChosenProfile(const std::string& name);
 
 }  // namespace mira::console

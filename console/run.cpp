@@ -10,6 +10,7 @@
 #include "console/command.h"
 #include "console/hints.h"
 #include "console/parser.h"
+#include "console/profile_choice.h"
 #include "console/terminal.h"
 #include "transport/com_error.h"
 
@@ -25,6 +26,15 @@ void TakeHelp(std::vector<std::string>& arguments) {
   arguments.emplace_back("--help");
 }
 
+// "--sim laptop" leaves a word over, which names a machine.
+std::string UsageHint(const std::vector<std::string>& arguments, const Options& options) {
+  const auto profile =
+      std::find_if(arguments.begin(), arguments.end(),
+                   [](const std::string& word) { return sim::FindProfile(word) != nullptr; });
+  if (!options.simulated || profile == arguments.end()) return "--help shows how it is used.";
+  return "Did you mean '--sim=" + *profile + "'?";
+}
+
 void PrintText(const char* name, const std::string& text, const Options& options,
                std::ostream& out) {
   if (options.json) {
@@ -37,8 +47,10 @@ void PrintText(const char* name, const std::string& text, const Options& options
   }
 }
 
+// What the command did to the machine goes into `done`, however it ends.
 ExitStatus Run(std::vector<std::string> arguments, const Options& options, std::istream& in,
-               std::ostream& out) {
+               std::ostream& out, WhatWasDone& done) {
+  if (options.simulated) CheckProfileName(options.profile);
   Command command;
   const std::unique_ptr<CLI::App> app = MakeParser(command);
   TakeHelp(arguments);
@@ -55,18 +67,18 @@ ExitStatus Run(std::vector<std::string> arguments, const Options& options, std::
     PrintText("version", version.what(), options, out);
     return kDone;
   } catch (const CLI::ParseError& error) {
-    std::string message = error.what();
-    while (message.ends_with('\n')) message.pop_back();
-    if (!message.ends_with('.')) message += '.';
-    throw WithHint(Error(kUsage, "usage", message), "--help shows how it is used.");
+    throw WithHint(Error(kUsage, "usage", client::Sentence(error.what())),
+                   UsageHint(arguments, options));
   }
   Context context(options, in, out);
   // What a command says of calls that could not be kept is not the cause.
   try {
     const ExitStatus status = command.Chosen()(context);
+    done = context.Done();
     context.CheckKept();
     return status;
   } catch (const Error&) {
+    done = context.Done();
     context.CheckKept();
     throw;
   }
@@ -75,7 +87,7 @@ ExitStatus Run(std::vector<std::string> arguments, const Options& options, std::
 // Prints what the command itself prints, or with --quiet not even that: the library shows some
 // things on standard output by itself.
 ExitStatus RunBare(const std::vector<std::string>& arguments, const Options& options,
-                   std::istream& in, std::ostream& out) {
+                   std::istream& in, std::ostream& out, WhatWasDone& done) {
   std::ostringstream printed;
   const auto print = [&] {
     if (!options.quiet) out << printed.str();
@@ -83,7 +95,7 @@ ExitStatus RunBare(const std::vector<std::string>& arguments, const Options& opt
   try {
     std::optional<SilentOutput> silent;
     if (&out == &std::cout) silent.emplace();
-    const ExitStatus status = Run(arguments, options, in, printed);
+    const ExitStatus status = Run(arguments, options, in, printed, done);
     silent.reset();
     print();
     return status;
@@ -109,6 +121,23 @@ void PrintError(const Error& error, const Options& options, std::ostream& out, s
   err << '\n';
 }
 
+// The end of the sentence on an output that could not be written.
+const char* Consequence(WhatWasDone done) {
+  switch (done) {
+    case WhatWasDone::kChanged:
+      return ", but the change was made.";
+    case WhatWasDone::kChangedInPart:
+      return ", but a part of the change was made.";
+    case WhatWasDone::kUnknown:
+      return ", and whether the change was made is unknown.";
+    case WhatWasDone::kCalled:
+      return ", but the call was made.";
+    case WhatWasDone::kNothing:
+      break;
+  }
+  return ": what was asked for is not there.";
+}
+
 }  // namespace
 
 int RunConsole(const std::vector<std::string>& arguments, std::istream& in, std::ostream& out,
@@ -120,11 +149,12 @@ int RunConsole(const std::vector<std::string>& arguments, std::istream& in, std:
     return error.status;
   };
   ExitStatus status = kUnexpected;
+  WhatWasDone done = WhatWasDone::kNothing;
   try {
     std::vector<std::string> rest = arguments;
     TakeGlobalOptions(rest, options);
     const bool is_bare = options.quiet || options.IsForPrograms();
-    status = is_bare ? RunBare(rest, options, in, out) : Run(rest, options, in, out);
+    status = is_bare ? RunBare(rest, options, in, out, done) : Run(rest, options, in, out, done);
   } catch (const Error& error) {
     status = fail(error);
   } catch (const transport::ComError&) {
@@ -138,7 +168,7 @@ int RunConsole(const std::vector<std::string>& arguments, std::istream& in, std:
   }
   out.flush();
   if (!out) {
-    err << "mira: The output could not be written: what was asked for is not there.\n";
+    err << "mira: The output could not be written" << Consequence(done) << '\n';
     if (status == kDone) status = kUnexpected;
   }
   return status;

@@ -1,5 +1,6 @@
 #include "console/run_command.h"
 
+#include <algorithm>
 #include <sstream>
 
 #include "console/commands.h"
@@ -36,6 +37,22 @@ void Approve(Context& context, const client::Plan& plan) {
   }
 }
 
+// What a command that may change something did, by its document.
+WhatWasDone DoneBy(const Json& document) {
+  if (document.value("whatIf", false)) return WhatWasDone::kNothing;
+  if (document.contains("results")) return WhatWasDone::kCalled;
+  const Json changes = document.value("changes", Json::array());
+  const auto has = [&changes](const char* outcome) {
+    return std::any_of(changes.begin(), changes.end(),
+                       [outcome](const Json& change) { return change.at("outcome") == outcome; });
+  };
+  if (document.value("changed", false)) {
+    return document.contains("error") || has("unknown") ? WhatWasDone::kChangedInPart
+                                                        : WhatWasDone::kChanged;
+  }
+  return has("unknown") ? WhatWasDone::kUnknown : WhatWasDone::kNothing;
+}
+
 // What there is to show although the command failed.
 void RenderRest(const client::Command& command, const Json& document, std::ostream& out) {
   Json rest = document;
@@ -66,6 +83,7 @@ ExitStatus RunCommand(Context& context, const client::Command& command, Json arg
   OwnRequest request(context, secrets, [&](const client::Plan& plan) { Approve(context, plan); });
   client::Result result = client::Run(command, std::move(arguments), request);
   context.ClearProgress();
+  if (changes) context.SetDone(DoneBy(result.document));
   FillHints(result.document, options);
   if (face != nullptr && face->saves != nullptr) return SaveDocument(context, *face, result, file);
   if (face != nullptr && face->save_field != nullptr && !file.empty()) {

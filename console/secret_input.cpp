@@ -44,6 +44,21 @@ bool ReadVariable(const std::string& name, bytes::SecureString& line) {
   return true;
 }
 
+// UTF-16, which no password is sent in, has its byte order mark, or NUL bytes, in its first line.
+bool IsUtf16(std::string_view line) {
+  return line.starts_with("\xFF\xFE") || line.starts_with("\xFE\xFF") ||
+         line.find('\0') != std::string_view::npos;
+}
+
+Error NotPlain(const SecretSource& source, const std::string& target) {
+  const bool is_password = source.name.ends_with("password");
+  return Error(is_password ? kPassword : kInvalidValue,
+               (is_password ? "password" : source.name) + "-unreadable",
+               "'" + target + "' is UTF-16 text, or none at all: save the " + source.name +
+                   " as ASCII or UTF-8.",
+               target);
+}
+
 Error Unreadable(const SecretSource& source, const std::string& target) {
   const bool is_password = source.name.ends_with("password");
   const std::string kind = is_password ? "password" : source.name;
@@ -112,6 +127,7 @@ bytes::SecureString ReadSecret(Context& context, const SecretSource& source,
     return secret;
   }
   if (!read) throw Unreadable(source, target);
+  if (IsUtf16(secret.str())) throw NotPlain(source, target);
   return secret;
 }
 

@@ -28,14 +28,15 @@ sim::Profile Named(const std::string& name) {
       .With("choices", std::move(known));
 }
 
-// A machine that comes along, by its name; one that a file describes; or the description itself.
+// A built-in machine, by its name; one that a file describes; or the description itself.
 sim::Profile Chosen(const Json& simulated) {
   const std::string target = simulated.is_string() ? simulated.get<std::string>() : "simulated";
   try {
     return simulated.is_string() ? Named(target) : sim::ReadProfile(simulated.dump());
   } catch (const sim::StateError& error) {
     throw Error(kInvalidValue, "bad-profile",
-                "'" + target + "' describes no simulated machine: " + error.what() + ".", target);
+                Sentence("'" + target + "' describes no simulated machine: " + error.what()),
+                target);
   }
 }
 

@@ -4,6 +4,7 @@
 #include <charconv>
 
 #include "bytes/text.h"
+#include "bytes/utf16.h"
 
 namespace mira::sim {
 namespace {
@@ -196,23 +197,12 @@ class Parser {
     }
     if (c != 'u') Fail("there is no such escape");
     char32_t value = CodeUnit();
-    if (value >= 0xD800 && value < 0xDC00 && text_.substr(at_).starts_with("\\u")) {
+    if (bytes::IsSurrogate(value) && text_.substr(at_).starts_with("\\u")) {
       at_ += 2;
-      const char32_t low = CodeUnit();
-      if (low < 0xDC00 || low >= 0xE000) Fail("half of a character is missing");
-      value = 0x10000 + ((value - 0xD800) << 10) + (low - 0xDC00);
+      value = bytes::PairOf(value, CodeUnit()).value_or(value);
     }
-    if (value >= 0xD800 && value < 0xE000) Fail("half of a character is missing");
-    if (value < 0x80) {
-      text += static_cast<char>(value);
-      return;
-    }
-    const int more = value < 0x800 ? 1 : value < 0x10000 ? 2 : 3;
-    constexpr unsigned kLead[] = {0x00, 0xC0, 0xE0, 0xF0};
-    text += static_cast<char>(kLead[more] | value >> (6 * more));
-    for (int left = more; left-- > 0;) {
-      text += static_cast<char>(0x80 | (value >> (6 * left) & 0x3F));
-    }
+    if (bytes::IsSurrogate(value)) Fail("half of a character is missing");
+    bytes::AppendUtf8(text, value);
   }
 
   char32_t CodeUnit() {

@@ -94,6 +94,7 @@ Reply CallRecord(Session& session, mira_record& record, std::span<std::uint8_t> 
   const auto status = calling->Execute(*sent, buffer_size, mira.GetACPIInstanceName());
   calling->ForgetLastCall(buffer_size);
   record.completion = sent->cbRES1;
+  const Session::Changing changing(session);
   const bool is_answered = CMiraIntf::GetLastOperation().call.delivery == Delivery::kAnswered;
   if (!is_answered) throw CallError(session, call.command, STATUS_FAILURE, 0, {.target = target});
   call.results = {static_cast<std::uint32_t>(sent->cbRES1), sent->cbRES2, sent->cbRES3,

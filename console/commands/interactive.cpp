@@ -77,8 +77,8 @@ Error InputEnded() {
                   kNoCall);
 }
 
-std::uint32_t ParseNumber(const std::string& text, const std::string& what, std::uint32_t largest,
-                          std::uint32_t smallest = 0) {
+std::uint32_t NumberOf(const std::string& text, const std::string& what, std::uint32_t largest,
+                       std::uint32_t smallest = 0) {
   const auto value = bytes::ParseNumber(text, largest);
   if (value && *value >= smallest) return static_cast<std::uint32_t>(*value);
   throw WithHint(Error(kUsage, "bad-number", "'" + text + "' is not a " + what + ".", text),
@@ -163,7 +163,9 @@ class TestConsole {
       return kDone;
     }
     const Status status = Send(call);
+    context_.SetDone(WhatWasDone::kCalled);
     call.buffer->DisplayOutputBuffer();
+    if (client::IsLockedOut({cls, select}, call.record->cbRES1)) out_ << client::kLockedOut;
     out_ << std::endl;
     return status == STATUS_SUCCESS ? kDone : client::ExitOf(call.record->cbRES1);
   }
@@ -178,7 +180,7 @@ class TestConsole {
   static std::uint16_t Number(std::string text, const char* what) {
     if (text.ends_with('\r')) text.pop_back();
     constexpr std::uint32_t kLargest = 0xFFFF;
-    return static_cast<std::uint16_t>(ParseNumber(text, what, kLargest));
+    return static_cast<std::uint16_t>(NumberOf(text, what, kLargest));
   }
 
   Prompted Prompt(std::uint16_t cls, std::uint16_t select, std::uint32_t key, std::uint32_t& size,
@@ -234,7 +236,7 @@ std::uint32_t ReadKey(Context& context, const Arguments& a) {
   if (password.empty()) return 0;
   const std::uint32_t key = mira.ValidatePwd(password.str(), type);
   if (key == CPwdContext::kNoKey) {
-    throw Error(kPassword, "password-wrong", "The password was not accepted.");
+    throw client::KeyError();
   }
   return key;
 }
@@ -251,7 +253,7 @@ ExitStatus RunTestConsole(Context& context, const Arguments& a) {
   }
   constexpr std::uint32_t kArguments = 4;
   const std::uint32_t key_argument =
-      a.key_arg.empty() ? 0 : ParseNumber(a.key_arg, "number of an argument word", kArguments, 1);
+      a.key_arg.empty() ? 0 : NumberOf(a.key_arg, "number of an argument word", kArguments, 1);
   const std::uint32_t key = ReadKey(context, a);
   const StandardStreams streams(context);
   TestConsole console(context, *calling, key, key_argument);

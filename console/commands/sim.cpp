@@ -64,8 +64,8 @@ Json Reset(client::Request& request) {
                               try {
                                 sim::KeptMachine::Reset(file);
                               } catch (const sim::StateError& error) {
-                                throw Error(kUnexpected, "not-removed", error.what(),
-                                            PathText(file));
+                                throw Error(kUnexpected, "not-removed",
+                                            client::Sentence(error.what()), PathText(file));
                               }
                             }});
   return request.Carry(plan);
@@ -93,7 +93,7 @@ std::vector<client::Command> SimCommands() {
        .effect = client::Effect::kChanges,
        .arguments = {{.name = "powerLoss",
                       .type = client::Type::kFlag,
-                      .help = "as after a loss of power: what is written at a restart is lost"}},
+                      .help = "as after a loss of power: what an orderly restart writes is lost"}},
        .run = Reboot},
       {.name = "sim.reset",
        .summary = "Start over with a new machine",

@@ -93,7 +93,8 @@ auto WithFiles(Context& context, Work work) {
     return work();
   } catch (const sim::StateError& error) {
     throw Error(kUnexpected, "machine-not-kept",
-                "The simulated machine's files cannot be used: " + std::string(error.what()) + ".",
+                client::Sentence("The simulated machine's files cannot be used: " +
+                                 std::string(error.what())),
                 PathText(context.MachineFile()));
   }
 }
@@ -175,28 +176,30 @@ std::vector<client::Command> SimFaultCommands() {
   return {
       {.name = "sim.fault.add",
        .summary = "Let a call fail, in every program that uses the machine",
-       .arguments =
-           {{.name = "operation",
-             .help = "CLASS/SELECT, 'firmware' for every call, or a service like "
-                     "IWbemServices::ExecMethod",
-             .required = true,
-             .positional = true},
-            {.name = "nth",
-             .type = Type::kNumber,
-             .help = "which call fails, counted from now on; 0: every call (default: 1)",
-             .max = 1000000},
-            {.name = "completion", .help = "the firmware's completion code, without executing"},
-            {.name = "hresult", .help = "what the service returns, like 0x80041001"},
-            {.name = "delay",
-             .type = Type::kNumber,
-             .help = "milliseconds that the call takes",
-             .max = kLongestDelay},
-            {.name = "truncate", .type = Type::kNumber, .help = "bytes that are left of the reply"},
-            {.name = "corrupt", .help = "bytes written over the reply, OFFSET=HEX"},
-            {.name = "lose", .help = "what is lost", .choices = {"connection", "power"}},
-            {.name = "moment",
-             .help = "when it is lost: before the call, within its write, or after it",
-             .choices = {"before", "within", "after"}}},
+       .arguments = {{.name = "operation",
+                      .help = "CLASS/SELECT, 'firmware' for every call, or a service like "
+                              "IWbemServices::ExecMethod",
+                      .required = true,
+                      .positional = true},
+                     {.name = "nth",
+                      .type = Type::kNumber,
+                      .help = "which call fails, counted from now on; 0: every call (default: 1)",
+                      .max = 1000000},
+                     {.name = "completion",
+                      .help = "completion code of the answer; the call is not executed"},
+                     {.name = "hresult", .help = "what the service returns, like 0x80041001"},
+                     {.name = "delay",
+                      .type = Type::kNumber,
+                      .help = "milliseconds that the call takes",
+                      .max = kLongestDelay},
+                     {.name = "truncate",
+                      .type = Type::kNumber,
+                      .help = "bytes that are left of the reply"},
+                     {.name = "corrupt", .help = "bytes written over the reply, OFFSET=HEX"},
+                     {.name = "lose", .help = "what is lost", .choices = {"connection", "power"}},
+                     {.name = "moment",
+                      .help = "when it is lost: before the call, within its write, or after it",
+                      .choices = {"before", "within", "after"}}},
        .run = AddFault},
       {.name = "sim.fault.list",
        .summary = "List the faults, and how often they were hit",
@@ -210,7 +213,7 @@ std::vector<client::Command> SimFaultCommands() {
                       .min = 1}},
        .run = ClearFaults},
       {.name = "sim.journal",
-       .summary = "Show the calls and WMI operations that went by",
+       .summary = "Show the calls and WMI operations that were made",
        .arguments = {{.name = "clear", .type = Type::kFlag, .help = "empty it afterwards"}},
        .run = Journal},
   };

@@ -33,7 +33,7 @@ Json CheckProfile(client::Request& request) {
     machine.TakeState(state);
   } catch (const std::exception& error) {
     throw Error(kInvalidValue, "bad-profile",
-                "No machine comes of '" + path + "': " + error.what() + ".", path);
+                client::Sentence("No machine comes of '" + path + "': " + error.what()), path);
   }
   return {{"file", path}, {"name", profile.name}, {"description", profile.description}};
 }
@@ -44,11 +44,11 @@ std::vector<client::Command> SimProfileCommands() {
   using client::Effect;
   return {
       {.name = "sim.profile.list",
-       .summary = "List the machines that come along",
+       .summary = "List the built-in machines",
        .effect = Effect::kOffline,
        .run = ListProfiles},
       {.name = "sim.profile.show",
-       .summary = "Show what describes a machine, in full",
+       .summary = "Show a machine's full description",
        .effect = Effect::kOffline,
        .arguments = {{.name = "profile",
                       .help = "a machine's name, or a file that describes one",

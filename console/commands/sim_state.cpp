@@ -24,7 +24,8 @@ sim::Node SavedState(const sim::Machine& machine, const std::string& path) {
     return like.StateTree();
   } catch (const sim::StateError& error) {
     throw Error(kInvalidValue, "bad-state",
-                "'" + path + "' holds no state of this machine: " + error.what() + ".", path);
+                client::Sentence("'" + path + "' holds no state of this machine: " + error.what()),
+                path);
   }
 }
 

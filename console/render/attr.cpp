@@ -160,6 +160,30 @@ std::size_t CountAttribute(const Json& changes, std::size_t at, Counts& counts) 
   return at;
 }
 
+// How many attributes a reset leaves out, by the reason.
+void ShowLeftOut(const Json& left_out, std::ostream& out) {
+  struct Row {
+    const char* reason;
+    const char* one;
+    const char* many;
+  };
+  static constexpr Row kRows[] = {
+      {"password", "1 password", " passwords"},
+      {"read-only", "1 read-only attribute", " read-only attributes"},
+      {"no-default", "1 attribute without a default", " attributes without a default"},
+  };
+  std::string text;
+  for (const Row& row : kRows) {
+    const auto count = std::count_if(left_out.begin(), left_out.end(), [&row](const Json& item) {
+      return item.at("reason") == row.reason;
+    });
+    if (count == 0) continue;
+    text += text.empty() ? "Left out: " : ", ";
+    text += count == 1 ? row.one : std::to_string(count) + row.many;
+  }
+  if (!text.empty()) out << text << ".\n";
+}
+
 // Of many attributes: what became of those that had not the wanted value, and how many there were.
 void ShowMany(const Json& document, std::ostream& out) {
   const bool is_dry = document.value("whatIf", false);
@@ -189,6 +213,7 @@ void ShowMany(const Json& document, std::ostream& out) {
     out << "skipped: " << Escaped(TitleOf(item)) << " is read-only: " << Quoted(item.at("value"))
         << ", in the file " << Quoted(item.at("wanted")) << '\n';
   }
+  ShowLeftOut(document.value("leftOut", Json::array()), out);
   out << counts.changed << " changed, " << counts.unchanged << " unchanged, " << counts.failed
       << " failed.\n";
   if (is_dry) out << "Nothing was written.\n";

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <functional>
 
+#include "bytes/text.h"
 #include "console/face.h"
 
 namespace mira::console {
@@ -10,12 +11,7 @@ using client::Readable;
 
 // ---- Values as people write them ----
 
-std::string Trimmed(const std::string& text) {
-  const std::size_t from = text.find_first_not_of(' ');
-  return from == std::string::npos ? "" : text.substr(from, text.find_last_not_of(' ') + 1 - from);
-}
-
-std::string Plain(const Json& value) { return Trimmed(Readable(value)); }
+std::string Plain(const Json& value) { return std::string(bytes::Trimmed(Readable(value), " ")); }
 
 // With one decimal where the number is no whole one.
 std::string Quotient(std::uint64_t value, std::uint64_t unit) {
@@ -229,16 +225,22 @@ void WriteRest(std::ostream& out, const Json& document) {
                {Of("Name", "name"), Of("Version", "version"), Of("Manufacturer", "manufacturer"),
                 Of("Date", "releaseDate"), Of("Size", "imageSizeBytes", Bytes, kRight),
                 Of("State", "state"), Of("Updatable", "updatable")});
-  const Json& strings = document.at("oemStrings");
-  if (!strings.empty()) out << "\nStrings of the manufacturer\n";
-  for (const Json& text : strings) out << "  " << Escaped(Plain(text)) << '\n';
+  // Firmware leaves some of its strings blank: the document has them, the screen does not.
+  bool has_any = false;
+  for (const Json& string : document.at("oemStrings")) {
+    const std::string text = Plain(string);
+    if (text.empty()) continue;
+    if (!has_any) out << "\nStrings of the manufacturer\n";
+    out << "  " << Escaped(text) << '\n';
+    has_any = true;
+  }
 }
 
 void ShowInventory(const Json& document, std::ostream& out) {
   const Json system = document.value("system", Json::object());
   const std::string maker = Shown(system, {"", "manufacturer"});
   const std::string product = Shown(system, {"", "productName"});
-  const std::string title = Trimmed(maker + " " + product);
+  const std::string title = std::string(bytes::Trimmed(maker + " " + product, " "));
   out << (title.empty() ? "A machine that does not say its name" : Escaped(title)) << '\n';
   WriteFields(out, "System", system,
               {{"Version", "version"},

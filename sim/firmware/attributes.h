@@ -70,6 +70,13 @@ class AttributeHandler : public CommandHandler {
     std::uint16_t size;  // of the value, or the room for it
   };
 
+  static constexpr std::uint8_t kDefaultBootConfig = 1;
+  static constexpr std::uint8_t kOrderedWithFailThrough = 3;  // also the highest mode
+
+  // Throw std::invalid_argument for a text that is no value of the attribute.
+  [[noreturn]] static void Refuse(const SetupAttribute& setup, const std::string& text);
+  static std::uint64_t NumberOf(const SetupAttribute& setup, const std::string& text);
+
   // Takes the profile's attributes, at the first call at the latest: most machines get none.
   void Prepare();
   void BuildTables();

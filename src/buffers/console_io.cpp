@@ -62,9 +62,8 @@ bool Ask(const char* prompt, const Accept& accept) {
   }
 }
 
-bool ParseNumber(std::string_view text, int base, std::uint32_t& value) {
-  text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
-  text = text.substr(0, text.find_last_not_of(kBlanks) + 1);
+bool TakeNumber(std::string_view answer, int base, std::uint32_t& value) {
+  std::string_view text = bytes::Trimmed(answer, kBlanks);
   if (base == 16) text = bytes::WithoutHexPrefix(text).value_or(text);
   const auto parsed = bytes::ParseDigits(text, base, std::numeric_limits<std::uint32_t>::max());
   if (parsed) value = static_cast<std::uint32_t>(*parsed);
@@ -74,14 +73,14 @@ bool ParseNumber(std::string_view text, int base, std::uint32_t& value) {
 }  // namespace
 
 bool AskHex(const char* prompt, std::uint32_t& value) {
-  return Ask(prompt, [&](std::string_view answer) { return ParseNumber(answer, 16, value); });
+  return Ask(prompt, [&](std::string_view answer) { return TakeNumber(answer, 16, value); });
 }
 
 bool AskNumber(const char* prompt, std::uint32_t& value, std::uint32_t lowest,
                std::uint32_t highest) {
   return Ask(prompt, [&](std::string_view answer) {
     std::uint32_t parsed = 0;
-    if (!ParseNumber(answer, 10, parsed) || parsed < lowest || parsed > highest) return false;
+    if (!TakeNumber(answer, 10, parsed) || parsed < lowest || parsed > highest) return false;
     value = parsed;
     return true;
   });
@@ -99,7 +98,7 @@ bool AskNumbers(const char* prompt, std::vector<std::uint32_t>& values, std::siz
         answer.remove_prefix(begin);
         const std::size_t end = std::min(answer.find_first_of(kBlanks), answer.size());
         std::uint32_t parsed = 0;
-        if (!ParseNumber(answer.substr(0, end), 10, parsed) || parsed > highest ||
+        if (!TakeNumber(answer.substr(0, end), 10, parsed) || parsed > highest ||
             values.size() == count) {
           values.resize(before);
           return false;

@@ -51,6 +51,12 @@ constexpr bool ContainsText(std::string_view text, std::string_view part) {
                      [](char x, char y) { return Lower(x) == Lower(y); }) != text.end();
 }
 
+// Without the blanks at both ends.
+constexpr std::string_view Trimmed(std::string_view text, std::string_view blanks = " \t") {
+  text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
+  return text.substr(0, text.find_last_not_of(blanks) + 1);
+}
+
 // ---- Numbers ----
 
 // The number that the whole text is, in digits alone; nothing when it is none or above `highest`.

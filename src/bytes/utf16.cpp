@@ -18,13 +18,11 @@ constexpr bool IsLow(char32_t c) { return c >= kFirstLow && c < kBehindSurrogate
 template <typename Unit, typename Take>
 void ForEachCodePoint(std::basic_string_view<Unit> text, const Take& take) {
   for (std::size_t i = 0; i < text.size(); ++i) {
-    char32_t c = static_cast<char32_t>(text[i]);
+    const char32_t c = static_cast<char32_t>(text[i]);
     const char32_t next = i + 1 < text.size() ? static_cast<char32_t>(text[i + 1]) : 0;
-    if (IsHigh(c) && IsLow(next)) {
-      c = kFirstPair + ((c - kFirstHigh) << 10) + (next - kFirstLow);
-      ++i;
-    }
-    take(c);
+    const std::optional<char32_t> pair = PairOf(c, next);
+    if (pair) ++i;
+    take(pair.value_or(c));
   }
 }
 
@@ -35,28 +33,6 @@ void AppendUnits(std::u16string& out, char32_t c) {
   }
   out += static_cast<char16_t>(kFirstHigh + ((c - kFirstPair) >> 10));
   out += static_cast<char16_t>(kFirstLow + ((c - kFirstPair) & 0x3FF));
-}
-
-void AppendUtf8(std::string& out, char32_t c) {
-  if (IsHigh(c) || IsLow(c) || c > kLast) c = kReplacement;
-  const auto continuation = [&out, c](int shift) {
-    out += static_cast<char>(0x80 | (c >> shift & 0x3F));
-  };
-  if (c < 0x80) {
-    out += static_cast<char>(c);
-  } else if (c < 0x800) {
-    out += static_cast<char>(0xC0 | c >> 6);
-    continuation(0);
-  } else if (c < kFirstPair) {
-    out += static_cast<char>(0xE0 | c >> 12);
-    continuation(6);
-    continuation(0);
-  } else {
-    out += static_cast<char>(0xF0 | c >> 18);
-    continuation(12);
-    continuation(6);
-    continuation(0);
-  }
 }
 
 template <typename Unit>
@@ -95,7 +71,7 @@ bool ReadUtf8(std::string_view utf8, const Take& take) {
       if ((next & 0xC0) != 0x80) return false;
       c = c << 6 | (next & 0x3F);
     }
-    if (c < form->smallest || c > kLast || IsHigh(c) || IsLow(c)) return false;
+    if (c < form->smallest || c > kLast || IsSurrogate(c)) return false;
     take(c);
     utf8.remove_prefix(1 + form->continuations);
   }
@@ -103,6 +79,35 @@ bool ReadUtf8(std::string_view utf8, const Take& take) {
 }
 
 }  // namespace
+
+std::optional<char32_t> PairOf(char32_t high, char32_t low) {
+  if (!IsHigh(high) || !IsLow(low)) return std::nullopt;
+  return kFirstPair + ((high - kFirstHigh) << 10) + (low - kFirstLow);
+}
+
+bool IsSurrogate(char32_t c) { return IsHigh(c) || IsLow(c); }
+
+void AppendUtf8(std::string& out, char32_t c) {
+  if (IsSurrogate(c) || c > kLast) c = kReplacement;
+  const auto continuation = [&out, c](int shift) {
+    out += static_cast<char>(0x80 | (c >> shift & 0x3F));
+  };
+  if (c < 0x80) {
+    out += static_cast<char>(c);
+  } else if (c < 0x800) {
+    out += static_cast<char>(0xC0 | c >> 6);
+    continuation(0);
+  } else if (c < kFirstPair) {
+    out += static_cast<char>(0xE0 | c >> 12);
+    continuation(6);
+    continuation(0);
+  } else {
+    out += static_cast<char>(0xF0 | c >> 18);
+    continuation(12);
+    continuation(6);
+    continuation(0);
+  }
+}
 
 std::string Utf8(std::u16string_view text) { return ToUtf8(text); }
 

@@ -25,6 +25,12 @@ MIRA_API std::wstring Wide(std::u16string_view text);
 MIRA_API std::optional<std::u16string> Utf16(std::string_view utf8);
 MIRA_API bool IsUtf8(std::string_view text);
 
+// The code point of a pair of UTF-16 units; nothing when they are no pair.
+MIRA_API std::optional<char32_t> PairOf(char32_t high, char32_t low);
+// Half of a pair.
+MIRA_API bool IsSurrogate(char32_t c);
+MIRA_API void AppendUtf8(std::string& out, char32_t c);
+
 // Each byte is the code point of its number; back, nothing when a code point has no such byte or
 // the text is no UTF-8.
 MIRA_API std::string Utf8OfLatin1(std::string_view latin1);

@@ -1,5 +1,7 @@
 #include "callif/password.h"
 
+#include <memory>
+
 #include "buffers/password_data.h"
 #include "bytes/secure.h"
 #include "callif/one_call.h"
@@ -63,15 +65,16 @@ std::uint32_t CPwdContext::GetSecurityKey(const std::string& password, bool clas
 }
 
 std::uint32_t CPwdContext::VerifyPassword(const std::string& password, std::uint16_t cls) {
-  CVerifyPwdData data;
-  data.Password = password;
-  data.MaxPwdLen = For(cls).max_length + 1;
+  // Not on the stack, so that a test sees in what state its memory is given back.
+  const auto data = std::make_unique<CVerifyPwdData>();
+  data->Password = password;
+  data->MaxPwdLen = For(cls).max_length + 1;
   std::uint32_t size = 0;
-  OneCall call({calling_, buffer_size_, instance_key_}, {cls, kVerifySelect}, 0, size, data);
+  OneCall call({calling_, buffer_size_, instance_key_}, {cls, kVerifySelect}, 0, size, *data);
   if (!call.Succeeded()) return kNoKey;
-  call.Buffer().ParseOutputBuffer(data);
-  const std::uint32_t key = data.Res2;
-  mira::bytes::Wipe(&data.Res2, sizeof(data.Res2));
+  call.Buffer().ParseOutputBuffer(*data);
+  const std::uint32_t key = data->Res2;
+  mira::bytes::Wipe(&data->Res2, sizeof(data->Res2));
   return key;
 }
 

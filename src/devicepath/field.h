@@ -151,16 +151,31 @@ constexpr Field FieldAt(const NodeType& type, std::size_t offset) {
   return {};
 }
 
-// Fails to compile where an offset is not the sum of the sizes before it. Fields behind one that
-// takes what is left have its offset.
-template <typename Record>
-constexpr NodeType Node(NodeType type) {
+// The same of a node that has no record; width 0 takes what is left.
+constexpr Field Plain(std::size_t offset, std::size_t width, Arg arg) {
+  arg.offset = offset;
+  if (arg.width == 0) arg.width = width;
+  return {arg, width};
+}
+constexpr Field Plain(std::size_t offset, std::size_t width, const Notation& notation) {
+  return Plain(offset, width, Arg{&notation});
+}
+
+// A node that only texts know: it is decoded into no record. Fails to compile where an offset is
+// not the sum of the sizes before it. Fields behind one that takes what is left have its offset.
+constexpr NodeType TextNode(NodeType type) {
   type.shortest = kNodeHeader;
   for (const Field& field : type.fields) {
     if (field.arg.offset == 0) continue;
     if (field.arg.offset != type.shortest) throw "a field's offset is wrong";
     type.shortest += field.size;
   }
+  return type;
+}
+
+template <typename Record>
+constexpr NodeType Node(const NodeType& plain) {
+  NodeType type = TextNode(plain);
   type.make = []() -> std::unique_ptr<NodeRecords::GenericDevicePath> {
     return std::make_unique<Record>();
   };

@@ -85,7 +85,7 @@ bool ReadGeneric(std::optional<std::uint8_t> type, const std::vector<std::string
   std::size_t next = 0;
   const auto byte = [&]() -> std::optional<std::uint64_t> {
     if (next == parts.size()) return std::nullopt;
-    return ParseNumber(parts[next++], 0xFF);
+    return ParseNumber(Trimmed(parts[next++]), 0xFF);
   };
   const std::optional<std::uint64_t> first = type ? *type : byte();
   const std::optional<std::uint64_t> subtype = byte();

@@ -59,6 +59,7 @@ constexpr Name kFlows[] = {{0, "None"}, {1, "Hardware"}, {2, "XonXoff"}};
 constexpr Name kMbr[] = {{0, "MBR"}};
 constexpr Name kGpt[] = {{0, "GPT"}};
 constexpr Name kZero[] = {{0, "0"}};
+constexpr Name kVendorService[] = {{0xFF, "0xFF"}};
 
 constexpr Special Pnp(std::string_view name, std::uint64_t number) {
   return {2, 1, name, {At(8)}, {{4, 0, number << 16 | 0x41D0}}};
@@ -138,6 +139,9 @@ constexpr Special kSpecials[] = {
 
     {3, 31, "Dns", {At(5, kIpv4List)}, {{4, 0, 0}}},
     {3, 31, "Dns", {At(5)}, {{4, 0, 1}}},
+
+    {3, 33, "RestService", {Literal(4, kVendorService), At(5), At(6), At(22)}, {{4, 0, 0xFF}}},
+    {3, 33, "RestService", {At(4), At(5)}, {}, 6},
 
     Partition(kMbr, At(24, kHex8, 4), {41, 0, 1}, {40, 0, 1}),
     Partition(kMbr, At(24, kHex8, 4), {41, 0, 1}),

@@ -45,6 +45,7 @@ struct NodeType {
   std::uint8_t order[kMostArgs] = {};
   std::size_t older = 0;     // the size of an older form, which ends earlier
   std::size_t shortest = 0;  // the size of its fields
+  // Null where no record holds such a node.
   std::unique_ptr<NodeRecords::GenericDevicePath> (*make)() = nullptr;
 };
 

@@ -14,7 +14,7 @@ namespace {
 
 std::unique_ptr<NodeRecords::GenericDevicePath> DecodeNode(const RawNode& node) {
   const NodeType* const type = FindNodeType(node.type, node.subtype);
-  if (type == nullptr) return nullptr;
+  if (type == nullptr || type->make == nullptr) return nullptr;
   const std::size_t size = node.bytes.size();
   if (size < type->shortest && size != type->older) return nullptr;
   Reader in(node.bytes, kNodeHeader);

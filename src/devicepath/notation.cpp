@@ -31,11 +31,6 @@ std::optional<NodeBytes> BytesOfUtf8(std::string_view utf8) {
   return NodeBytes(text->begin(), text->end());
 }
 
-std::string_view Trimmed(std::string_view text) {
-  text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
-  return text.substr(0, text.find_last_not_of(kBlanks) + 1);
-}
-
 std::vector<std::string_view> Split(std::string_view text, char separator) {
   std::vector<std::string_view> parts;
   for (std::size_t end = 0; end != std::string_view::npos;) {
@@ -48,10 +43,6 @@ std::vector<std::string_view> Split(std::string_view text, char separator) {
 
 std::optional<std::string_view> Unprefixed(std::string_view text) {
   return bytes::WithoutHexPrefix(Trimmed(text));
-}
-
-std::optional<std::uint64_t> ParseNumber(std::string_view text, std::uint64_t highest) {
-  return bytes::ParseNumber(Trimmed(text), highest);
 }
 
 std::optional<NodeBytes> ParseHexBytes(std::string_view text) {

@@ -22,7 +22,9 @@
 namespace mira::devicepath {
 
 using bytes::ParseDigits;
+using bytes::ParseNumber;
 using bytes::SameText;
+using bytes::Trimmed;
 
 using NodeBytes = std::vector<std::uint8_t>;
 
@@ -67,7 +69,8 @@ extern const Notation kNamed, kNamedDecimal, kNamedBits;
 extern const Notation kLiteral;
 
 extern const Notation kGuid, kIpv4, kIpv6;
-// Bytes: 0011, 0x0011, and 11-00, the last byte in memory first.
+// Bytes: 0011; 0x0011, at most 8 of them, also read from a number with fewer digits; and 11-00, the
+// last byte in memory first.
 extern const Notation kBytes, kPrefixedBytes, kDashedBytes;
 // A network address, as long as the type behind it says.
 extern const Notation kMac;
@@ -97,13 +100,10 @@ void AppendDecimal(std::uint64_t value, std::string& text);
 void AppendUtf8OfBytes(std::string_view bytes, std::string& text);
 std::optional<NodeBytes> BytesOfUtf8(std::string_view utf8);
 
-std::string_view Trimmed(std::string_view text);
 std::vector<std::string_view> Split(std::string_view text, char separator);
 
 // Without its "0x"; nothing where there is none.
 std::optional<std::string_view> Unprefixed(std::string_view text);
-// Hexadecimal with 0x, or decimal; blanks around it do not count.
-std::optional<std::uint64_t> ParseNumber(std::string_view text, std::uint64_t highest);
 std::optional<NodeBytes> ParseHexBytes(std::string_view text);
 
 std::uint64_t HighestOf(std::size_t width);

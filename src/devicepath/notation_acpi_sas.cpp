@@ -120,12 +120,12 @@ std::optional<std::uint64_t> ParseTopology(std::string_view text) {
   std::vector<std::string_view> parts = Split(text, ',');
   if (parts.size() > std::size(kTopologyBits) + 1) return std::nullopt;
   if (SameText(Trimmed(parts[0]), kNoTopology)) return 0;
-  if (const auto number = ParseNumber(parts[0], 0xFFFF)) return number;
+  if (const auto number = ParseNumber(Trimmed(parts[0]), 0xFFFF)) return number;
   for (std::size_t i = parts.size(); i < std::size(kTopologyBits); ++i) {
     parts.push_back(kTopologyBits[i].clear);
   }
   if (parts.size() == std::size(kTopologyBits)) parts.push_back("0");
-  const std::optional<std::uint64_t> bay = ParseNumber(parts.back(), kMostBays);
+  const std::optional<std::uint64_t> bay = ParseNumber(Trimmed(parts.back()), kMostBays);
   if (!bay) return std::nullopt;
   std::uint64_t value = *bay == 0 ? kWithoutBay : kWithBay | (*bay - 1) << 8;
   for (std::size_t i = 0; i < std::size(kTopologyBits); ++i) {

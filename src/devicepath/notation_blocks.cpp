@@ -95,11 +95,6 @@ std::optional<NodeBytes> ParseGuid(std::string_view text) {
 
 void WritePrefixed(ByteSpan bytes, std::string& text) { AppendHexBytes(bytes, text += "0x"); }
 
-std::optional<NodeBytes> ParsePrefixed(std::string_view text) {
-  const std::optional<std::string_view> digits = Unprefixed(text);
-  return digits ? ParseHexBytes(*digits) : std::nullopt;
-}
-
 void WriteDashed(ByteSpan bytes, std::string& text) {
   for (std::size_t i = bytes.size(); i-- > 0;) {
     AppendHex(bytes[i], 2, text);
@@ -147,7 +142,18 @@ const Notation kGuid = kBlock<WriteGuid, ParseGuid>;
 const Notation kIpv4 = kBlock<WriteIpv4, ParseIpv4>;
 const Notation kIpv6 = kBlock<WriteIpv6, ParseIpv6>;
 const Notation kBytes = kBlock<AppendHexBytes, ParseHexBytes>;
-const Notation kPrefixedBytes = kBlock<WritePrefixed, ParsePrefixed>;
+// Fewer digits are a number: its last byte stands last.
+const Notation kPrefixedBytes = {
+    kBlock<WritePrefixed, ParseHexBytes>.write,
+    [](const Arg& arg, std::string_view text, NodeBytes& node) {
+      const auto number = ParseNumber(Trimmed(text), HighestOf(arg.width));
+      if (!number) return false;
+      NodeBytes field;
+      for (std::size_t left = arg.width; left-- > 0;) {
+        field.push_back(static_cast<std::uint8_t>(*number >> (8 * left)));
+      }
+      return SetBytes(arg.offset, field, node);
+    }};
 const Notation kDashedBytes = kBlock<WriteDashed, ParseDashed>;
 const Notation kFixedText = kBlock<WriteFixedText, BytesOfUtf8, true>;
 

@@ -42,7 +42,7 @@ std::optional<std::uint64_t> ParseNamed(const Arg& arg, std::string_view text) {
     return SameText(Trimmed(text), row.text);
   });
   if (name != arg.names.end()) return name->value;
-  return ParseNumber(text, std::min(HighestOf(arg.width), arg.mask));
+  return ParseNumber(Trimmed(text), std::min(HighestOf(arg.width), arg.mask));
 }
 
 bool ReadNamed(const Arg& arg, std::string_view text, NodeBytes& node) {
@@ -56,14 +56,14 @@ bool ReadNamedBits(const Arg& arg, std::string_view text, NodeBytes& node) {
 }
 
 bool ReadDigits(const Arg& arg, std::string_view text, NodeBytes& node) {
-  return SetField(arg.offset, arg.width, ParseDigits(Trimmed(text), 16, HighestOf(arg.width)),
-                  node);
+  const std::string_view digits = Unprefixed(text).value_or(Trimmed(text));
+  return SetField(arg.offset, arg.width, ParseDigits(digits, 16, HighestOf(arg.width)), node);
 }
 
 }  // namespace
 
 bool ReadNumber(const Arg& arg, std::string_view text, NodeBytes& node) {
-  return SetField(arg.offset, arg.width, ParseNumber(text, HighestOf(arg.width)), node);
+  return SetField(arg.offset, arg.width, ParseNumber(Trimmed(text), HighestOf(arg.width)), node);
 }
 
 const Notation kHex = {WriteNumber<Hex>, ReadNumber};

@@ -141,10 +141,24 @@ class PathReader {
     }
     if (named.paired != 0 || named.first != 0) return false;
     if (named.is_open) return Fail(text.data() + named.bracket, "This bracket is not closed.");
+    if (IsPartedNode(text)) {
+      return Fail(text.data() + text.find('('), "No blank may stand in front of a node's bracket.");
+    }
     if (named.bracket != 0 && IsNodeName(text.substr(0, named.bracket))) {
       return Fail(text.data(), "Behind a node's bracket, a slash is wanted.");
     }
     return ReadFile(text);
+  }
+
+  // A node's name that a blank parts from its brackets: nobody means a file that is called so.
+  static bool IsPartedNode(std::string_view text) {
+    const std::size_t bracket = text.find('(');
+    if (bracket == std::string_view::npos || bracket == 0) return false;
+    const std::string_view name = text.substr(0, bracket);
+    if (kBlanks.find(name.back()) == std::string_view::npos) return false;
+    const std::size_t end = text.find(')', bracket);
+    return end != std::string_view::npos && IsBoundary(text, end + 1, false) &&
+           IsNodeName(Trimmed(name));
   }
 
   // What is no name with brackets is a file's path. Behind a backslash, brackets are its own.

@@ -466,12 +466,23 @@ TEST(LaptopAttributes, KeepTheBootValueUntilTheRestart) {
             STATUS_ATTRIBUTE_REFUSED_1);
 }
 
+// UTF-16 without a byte order mark; the first byte of each pair is the lower one at 0.
+std::string Wide(std::string_view text, std::size_t place) {
+  std::string wide;
+  for (const char c : text) {
+    wide += place == 0 ? c : '\0';
+    wide += place == 0 ? '\0' : c;
+  }
+  return wide;
+}
+
 TEST(AttrCommand, EndsWithTheStatusAndASentence) {
+  constexpr char kTwenty[] = R"({"attributes": {"FanFloor": 20}})";
   struct Case {
     Words arguments;
     int status;
     const char* said;
-    const char* input = "";
+    std::string input = "";
   };
   const Case cases[] = {
       {{"list"}, 0, "0x0096  WakeOnLan"},
@@ -489,6 +500,9 @@ TEST(AttrCommand, EndsWithTheStatusAndASentence) {
       {{"get", "0xFFFF"}, 3, "There is no attribute '0xFFFF'"},
       {{"get", "SiteCode[US]"}, 3, "There is no attribute"},
       {{"get", "wakeonlan"}, 0, "Wake on LAN"},
+      {{"get", "Wake on LAN"}, 0, "WakeOnLan"},
+      {{"get", "wake on lan", "FanFloor"}, 0, "0 to 60, in steps"},
+      {{"set", "Wake on LAN", "LAN", "--yes"}, 3, "'mira --sim attr list PART' finds attributes"},
       {{"get", "sitecode[eu]"}, 0, "SiteCode[EU]"},
       {{"get", "WakeOnLan", "FanFloor"}, 0, "0 to 60, in steps"},
       {{"get", "WakeOnLan", "Nope"}, 3, "There is no attribute 'Nope'"},
@@ -508,6 +522,7 @@ TEST(AttrCommand, EndsWithTheStatusAndASentence) {
       {{"set", "OwnerPassword=geheim", "--yes"}, 2, "is a password"},
       {{"reset", "AssetTag", "--what-if"}, 0, "Nothing was written."},
       {{"reset"}, 2, "Either names of attributes"},
+      {{"reset", "--all", "--what-if"}, 0, "Left out: 4 passwords, 21 read-only attributes, 5"},
       {{"reset", "AssetTag", "--all"}, 2, "Either names of attributes"},
       {{"reset", "OwnerPassword", "--yes"}, 6, "passwords are never set to a default"},
       {{"reset", "BootOrder", "--yes"}, 6, "give no default"},
@@ -568,11 +583,28 @@ TEST(AttrCommand, EndsWithTheStatusAndASentence) {
        6,
        "schemaVersion \"1\", which there is not",
        R"({"schemaVersion": "1", "attributes": {}})"},
-      {{"import", "-"}, 6, "FanFloor: -5 is below 0.", R"({"attributes": {"FanFloor": -5}})"},
+      {{"import", "-"}, 6, "FanFloor: '-5' is below 0.", R"({"attributes": {"FanFloor": -5}})"},
       {{"import", "-"},
        6,
-       "FanFloor: 20.0 is not a whole number",
+       "FanFloor: '20.0' has a point or an exponent",
        R"({"attributes": {"FanFloor": 20.0}})"},
+      {{"import", "-"},
+       6,
+       "FanFloor: '20.5' is not a whole number",
+       R"({"attributes": {"FanFloor": 20.5}})"},
+      {{"import", "-"},
+       6,
+       "' is too large",
+       R"({"attributes": {"FanFloor": 18446744073709551616}})"},
+      {{"import", "-"}, 6, "'1e999' is too large", R"({"attributes": {"FanFloor": "1e999"}})"},
+      {{"set", "FanFloor", "1e1", "--yes"}, 6, "'1e1' has a point or an exponent"},
+      {{"set", "FanFloor", "1e-999", "--yes"}, 6, "'1e-999' is not a whole number"},
+      {{"set", "FanFloor", "0x10000000000000000", "--yes"}, 6, "000' is too large"},
+      {{"import", "-"}, 6, "'-1' is below 0", R"({"attributes": {"FanFloor": "-1"}})"},
+      {{"set", "FanFloor", "nan", "--yes"}, 6, "'nan' is not a number"},
+      {{"import", "-", "--dry-run"}, 0, "FanFloor: '0' -> '20'", Wide(kTwenty, 0)},
+      {{"import", "-", "--dry-run"}, 0, "FanFloor: '0' -> '20'", Wide(kTwenty, 1)},
+      {{"import", "-"}, 6, "is not valid JSON from line 1", Wide(kTwenty, 0) + "x"},
       {{"import", "-"},
        6,
        "FanFloor: 'null' is not a number",

@@ -27,8 +27,8 @@ TEST(BatteryConsole, SaysThatThereAreNoBatteries) {
   for (const char* const battery : {"1", "all"}) {
     const json error =
         Document(Mira({"--sim=desktop", "battery", "--battery", battery, "--json"}))["error"];
-    EXPECT_EQ(error["name"], "no-battery");
-    EXPECT_EQ(error["message"], "The machine has no batteries.");
+    EXPECT_EQ(error["name"], "no-batteries");
+    EXPECT_EQ(error["message"], "This machine has no batteries.");
     EXPECT_EQ(error["target"], "battery");
   }
 }

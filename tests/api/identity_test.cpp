@@ -416,6 +416,13 @@ TEST_F(SharedMachine, KeepsWhatTheConsoleSets) {
   Run({"tag", "set", "ownership", std::string(90, 'o'), "--password-stdin"}, 0, "setup1\n");
   EXPECT_EQ(document_["cut"], true);
   EXPECT_EQ(document_["changed"], true);
+  // The tag has all of the text that it can have, which is not the text that was wanted.
+  Run({"tag", "set", "ownership", std::string(90, 'o'), "--password-stdin"}, 6, "setup1\n");
+  EXPECT_EQ(document_["error"]["name"], "text-too-long");
+  EXPECT_EQ(document_["changes"][0]["outcome"], "failed");
+  Run({"tag", "set", "ownership", std::string(80, 'o') + "  "});
+  EXPECT_EQ(document_["changes"][0]["outcome"], "already-so");
+  EXPECT_EQ(document_["cut"], false);
   Run({"tag", "set", "service", "1234567", "--class10", "--password-stdin"}, 0, "system1\n");
   Run({"tag", "set", "extended", "Desk 14", "--command", "1", "--password-stdin"}, 0, "setup1\n");
   Run({"tag", "show", "--command", "1"});

@@ -28,13 +28,16 @@ const char* secret_begin = nullptr;
 const char* secret_end = nullptr;
 int finds = 0;
 int blocks = 0;
+std::size_t wanted_size = 0;
 
 #if defined(MIRA_WATCHES_FREED_MEMORY)
 
 void OnFree(const volatile void* block) {
   if (secret_begin == nullptr || block == nullptr) return;
   const auto* const begin = static_cast<const char*>(const_cast<const void*>(block));
-  const char* const end = begin + __sanitizer_get_allocated_size(begin);
+  const std::size_t size = __sanitizer_get_allocated_size(begin);
+  if (wanted_size != 0 && size != wanted_size) return;
+  const char* const end = begin + size;
   ++blocks;
   if (std::search(begin, end, secret_begin, secret_end) != end) ++finds;
 }
@@ -45,7 +48,7 @@ void OnAllocate(const volatile void*, std::size_t) {}
 
 }  // namespace
 
-FreedMemoryWatch::FreedMemoryWatch(const std::string& secret) {
+FreedMemoryWatch::FreedMemoryWatch(const std::string& secret, [[maybe_unused]] std::size_t size) {
 #if defined(MIRA_WATCHES_FREED_MEMORY)
   // They cannot be taken away again.
   [[maybe_unused]] static const int hooks =
@@ -53,6 +56,7 @@ FreedMemoryWatch::FreedMemoryWatch(const std::string& secret) {
 #endif
   finds = 0;
   blocks = 0;
+  wanted_size = size;
   secret_end = secret.data() + secret.size();
   secret_begin = secret.data();
 }

@@ -8,6 +8,7 @@
 //   mira.ValidatePwd(secret, PwdInfo::PWD_CLASS9);
 //   EXPECT_EQ(watch.Finds(), 0);
 
+#include <cstddef>
 #include <string>
 
 namespace mira::test {
@@ -15,7 +16,8 @@ namespace mira::test {
 // One at a time, on one thread. What the test itself gives back counts, too.
 class FreedMemoryWatch {
  public:
-  explicit FreedMemoryWatch(const std::string& secret);
+  // With a size, only blocks of that size are looked at: those of one type.
+  explicit FreedMemoryWatch(const std::string& secret, std::size_t size = 0);
   ~FreedMemoryWatch();
   FreedMemoryWatch(const FreedMemoryWatch&) = delete;
   FreedMemoryWatch& operator=(const FreedMemoryWatch&) = delete;

@@ -13,10 +13,13 @@
 #include "buffers/buffer_factory.h"
 #include "pldm/aci_info2_buffer.h"
 #include "pldm/attribute_convert.h"
+#include "pldm/progress.h"
+#include "pldm/table_fetch.h"
 #include "pldm/table_parser.h"
 #include "tests/support/byte_builder.h"
 #include "tests/support/checked_cursors.h"
 #include "tests/support/console_capture.h"
+#include "tests/support/host.h"
 
 namespace mira::pldm {
 namespace {
@@ -528,6 +531,27 @@ TEST(IndependentTables, AreReadAsTheirEncoderMeantThem) {
     }
     for (const auto& [key, found] : read.items()) EXPECT_EQ(found, e[key]) << key;
   }
+}
+
+TEST(TableFetch, KeepsNothingOfAReadInChunksThatWasCancelled) {
+  test::Host host;
+  auto* const calling = dynamic_cast<CCallingInterface*>(host->GetBIOSObject(218));
+  ASSERT_NE(calling, nullptr);
+  const callif::Target target{*calling, host->GetACPIBufSize(), host->GetACPIInstanceName()};
+  std::unique_ptr<CACIInfo2Record> record;
+  ASSERT_TRUE(FetchTables(target, 0, record));
+  ASSERT_TRUE(record);
+
+  SetProgress([](void*, unsigned, unsigned, std::uint32_t,
+                 std::uint32_t) { return ProgressAnswer::kCancel; },
+              nullptr);
+  EXPECT_FALSE(FetchStringData(target, 0, kDisplayStrings, record));
+  SetProgress(nullptr, nullptr);
+  ASSERT_TRUE(record) << "the other tables stay";
+  EXPECT_EQ(record->Assembly, nullptr) << "else the next table is put behind these bytes";
+  EXPECT_EQ(record->Received, 0u);
+  EXPECT_TRUE(FetchStringData(target, 0, kDisplayStrings, record));
+  EXPECT_FALSE(record->Tables.display_strings.empty());
 }
 
 }  // namespace

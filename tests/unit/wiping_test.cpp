@@ -11,6 +11,7 @@
 #include "buffers/pba_buffer.h"
 #include "bytes/secure.h"
 #include "bytes/writer.h"
+#include "callif/password.h"
 #include "callif/scan_codes.h"
 #include "pldm/aci_info2_buffer.h"
 #include "pldm/attribute.h"
@@ -190,6 +191,21 @@ TEST(Wiping, LeavesNoAnswerInFreedMemory) {
     }
     EXPECT_EQ(freed.Finds(), 0) << begin;
   }
+}
+
+// Among all memory, since the simulated firmware keeps its key, only that of the answer is looked
+// at.
+TEST(Wiping, TakesTheKeyOutOfTheAnswerToAPassword) {
+  if (!FreedMemoryWatch::IsAvailable()) GTEST_SKIP() << "needs AddressSanitizer";
+  test::Host host(*sim::FindProfile("locked"));
+  const std::uint32_t key = host->ValidatePwd("setup1", PwdInfo::PWD_CLASS9);
+  ASSERT_NE(key, CPwdContext::kNoKey);
+  std::string bytes;
+  for (unsigned i = 0; i < sizeof(key); ++i) bytes += static_cast<char>(key >> (8 * i) & 0xFF);
+  const FreedMemoryWatch freed(bytes, sizeof(CVerifyPwdData));
+  ASSERT_EQ(host->ValidatePwd("setup1", PwdInfo::PWD_CLASS9), key);
+  EXPECT_EQ(freed.Finds(), 0);
+  EXPECT_NE(freed.Blocks(), 0);
 }
 
 TEST(Wiping, TakesTheKeyOutOfTheAttributeStore) {
