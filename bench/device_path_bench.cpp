@@ -56,6 +56,7 @@ void DecodeOptions(benchmark::State& state) {
     benchmark::DoNotOptimize(options.Count);
   }
   if (options.Count != static_cast<std::uint32_t>(state.range(0))) state.SkipWithError("cut");
+  state.SetItemsProcessed(state.iterations() * state.range(0));
   state.SetComplexityN(state.range(0));
 }
 BENCHMARK(DecodeOptions)->RangeMultiplier(4)->Range(4, 1024)->Complexity(benchmark::oN);
@@ -65,11 +66,13 @@ void WritePath(benchmark::State& state) {
   for (auto _ : state) {
     benchmark::DoNotOptimize(mira::devicepath::DevicePathToText(mira::bytes::ByteSpan(path)));
   }
+  state.SetItemsProcessed(state.iterations());
 }
 BENCHMARK(WritePath);
 
 void ReadPath(benchmark::State& state) {
   for (auto _ : state) benchmark::DoNotOptimize(mira::devicepath::DevicePathFromText(kPath));
+  state.SetItemsProcessed(state.iterations());
 }
 BENCHMARK(ReadPath);
 

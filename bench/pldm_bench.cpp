@@ -1,5 +1,5 @@
 // What loading attribute tables from memory and looking attributes up costs, and what memory an
-// attribute takes.
+// attribute takes. Beside it the least that a program can do: walk the raw tables from their start.
 
 #include <benchmark/benchmark.h>
 
@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "bytes/reader.h"
 #include "pldm/table_parser.h"
 
 namespace {
@@ -79,7 +80,47 @@ class TableSet {
     mira::pldm::ParseValueTable(values_, tables);
   }
 
+  // Takes each entry's number and length and nothing more; ends at the string of that name.
+  std::uint64_t WalkStrings(std::string_view name) const {
+    std::uint64_t sum = 0;
+    mira::bytes::Reader in(strings_);
+    while (in.Left() > kPad) {
+      const std::uint16_t handle = in.U16();
+      const mira::bytes::ByteSpan text = in.Take(in.U16());
+      sum += handle;
+      if (mira::bytes::AsText(text) == name) break;
+    }
+    return in.Ok() ? sum : 0;
+  }
+  std::uint64_t WalkAttributes() const {
+    std::uint64_t sum = 0;
+    mira::bytes::Reader in(attributes_);
+    while (in.Left() > kPad) {
+      sum += in.U16();
+      const bool is_integer = in.U8() == 3;
+      in.U16();
+      if (is_integer) {
+        in.Take(28);
+      } else {
+        in.Take(std::size_t{2} * in.U8());
+        in.Take(in.U8());
+      }
+    }
+    return in.Ok() ? sum : 0;
+  }
+  std::uint64_t WalkValues() const {
+    std::uint64_t sum = 0;
+    mira::bytes::Reader in(values_);
+    while (in.Left() > kPad) {
+      sum += in.U16();
+      const bool is_integer = in.U8() == 3;
+      in.Take(is_integer ? 8 : in.U8());
+    }
+    return in.Ok() ? sum : 0;
+  }
+
  private:
+  static constexpr std::size_t kPad = 8;  // behind each table
   static void Add(std::vector<std::uint8_t>& table, std::uint64_t value, int width) {
     for (int i = 0; i < width; ++i) table.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
   }
@@ -110,6 +151,16 @@ void BM_Load(benchmark::State& state) {
   state.SetComplexityN(state.range(0));
 }
 
+void BM_LoadWalk(benchmark::State& state) {
+  const TableSet set(state.range(0));
+  for (auto _ : state) {
+    const std::uint64_t sum = set.WalkStrings("") + set.WalkAttributes() + set.WalkValues();
+    if (sum == 0) state.SkipWithError("the walk ended early");
+    benchmark::DoNotOptimize(sum);
+  }
+  state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
 // Each look-up is of another attribute, in no order that the cache could foresee.
 template <typename LookUp>
 void Measure(benchmark::State& state, LookUp look_up) {
@@ -136,8 +187,20 @@ void BM_LookUpByName(benchmark::State& state) {
   });
 }
 
+// Of the name in the string table alone.
+void BM_LookUpWalk(benchmark::State& state) {
+  const TableSet set(state.range(0));
+  unsigned i = 0;
+  for (auto _ : state) {
+    i = (i + 2741) % static_cast<unsigned>(state.range(0));
+    benchmark::DoNotOptimize(set.WalkStrings(TableSet::Name(i)));
+  }
+}
+
 BENCHMARK(BM_Load)->Arg(60)->Arg(600)->Arg(5000)->Arg(20000)->Arg(60000)->Complexity();
-BENCHMARK(BM_LookUpByHandle)->Arg(5000)->Arg(60000);
-BENCHMARK(BM_LookUpByName)->Arg(5000)->Arg(60000);
+BENCHMARK(BM_LoadWalk)->Arg(60)->Arg(600)->Arg(5000)->Arg(20000)->Arg(60000);
+BENCHMARK(BM_LookUpByHandle)->Arg(600)->Arg(5000)->Arg(60000);
+BENCHMARK(BM_LookUpByName)->Arg(600)->Arg(5000)->Arg(60000);
+BENCHMARK(BM_LookUpWalk)->Arg(600)->Arg(5000)->Arg(60000);
 
 }  // namespace

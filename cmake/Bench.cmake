@@ -7,4 +7,14 @@ foreach(source ${MIRA_BENCHES})
   target_link_libraries(bench_${name} PRIVATE mira_static mira_sim_static benchmark::benchmark_main)
   list(APPEND MIRA_BENCH_TARGETS bench_${name})
 endforeach()
+# For measures of whole processes: time beside another program's, and peak memory.
+add_executable(bench_process ${CMAKE_SOURCE_DIR}/bench/process/bench_process.cpp)
+target_link_libraries(bench_process PRIVATE mira_static mira_sim_static)
+list(APPEND MIRA_BENCH_TARGETS bench_process)
 add_custom_target(bench_all DEPENDS ${MIRA_BENCH_TARGETS})
+
+# How long the console takes to start is measured, too: only who asks for it waits for its build.
+include(Dependencies)
+include(Client)
+include(Console)
+set_target_properties(mira_client_objects mira_client mira_console mira PROPERTIES EXCLUDE_FROM_ALL ON)

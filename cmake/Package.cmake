@@ -75,6 +75,6 @@ foreach(folder x86 x64)
 endforeach()
 install(FILES ${MIRA_MANUAL} DESTINATION share/man/man1)
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/examples ${CMAKE_SOURCE_DIR}/docs DESTINATION .
-  PATTERN Doxyfile EXCLUDE PATTERN "__pycache__" EXCLUDE)
+  PATTERN Doxyfile EXCLUDE PATTERN speed.md EXCLUDE PATTERN "__pycache__" EXCLUDE)
 install(FILES ${CMAKE_SOURCE_DIR}/sdk/README.md ${CMAKE_SOURCE_DIR}/sdk/LICENSE ${CMAKE_SOURCE_DIR}/CHANGELOG.md
   DESTINATION .)

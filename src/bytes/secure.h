@@ -7,16 +7,18 @@
 //   Wipe(buffer.data(), buffer.size());  // never optimised away
 
 #include <cstddef>
+#include <cstring>
 #include <string>
 #include <string_view>
 #include <utility>
 
 namespace mira::bytes {
 
-// Overwrites `size` bytes with zeros; the compiler may not leave it out.
+// Overwrites `size` bytes with zeros. The compiler may not leave it out, since it cannot know which
+// function the pointer holds when it is read.
 inline void Wipe(void* memory, std::size_t size) noexcept {
-  volatile unsigned char* const target = static_cast<volatile unsigned char*>(memory);
-  for (std::size_t i = 0; i < size; ++i) target[i] = 0;
+  static void* (*const volatile fill)(void*, int, std::size_t) = std::memset;
+  if (size > 0) fill(memory, 0, size);
 }
 
 // Overwrites a whole string, its unused capacity included, and empties it.

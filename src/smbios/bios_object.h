@@ -24,8 +24,9 @@
 #include "smbios/shared_ownership.h"
 
 namespace mira::smbios {
+class StructureBlocks;
 class TextOut;
-}
+}  // namespace mira::smbios
 
 // Per structure handle the structure's attributes, as (key, value) pairs in the order in which the
 // class gives them.
@@ -111,6 +112,7 @@ class MIRA_API CBIOSObject {
 
  private:
   friend class mira::smbios::ChainLink;
+  friend class mira::smbios::StructureBlocks;
 
   // How many links lead to this very object: copied with none of its values.
   struct Links {

@@ -41,7 +41,7 @@ bool WriteValue(const StructureView& structure, const Field& field, std::size_t 
   } else {
     out << Decimal(value.number);
   }
-  if (!publish || !extras.bare) out << extras.unit;
+  if (!publish || !extras.bare) out << extras.unit.text;
   return true;
 }
 
@@ -50,13 +50,12 @@ bool WriteValue(const StructureView& structure, const Field& field, std::size_t 
 // Terminated always, by the zero bytes behind the copy at the latest.
 std::string_view StructureView::String(std::size_t number) const {
   if (number == 0) return {};
-  std::string_view text = reinterpret_cast<const char*>(raw_ + length_);
-  while (--number > 0) text = NextString(text);
-  return text;
-}
-
-std::string_view StructureView::NextString(std::string_view text) const {
-  return text.data() + text.size() + 1;
+  if (known_number_ == 0 || number < known_number_) {
+    known_number_ = 1;
+    known_ = FirstString();
+  }
+  for (; known_number_ < number; ++known_number_) known_ = NextString(known_);
+  return known_;
 }
 
 void Layout::ShowBanner(TextOut& out) const {
@@ -83,7 +82,7 @@ void Layout::Show(const StructureView& structure, TextOut& out) const {
     if (field.extras.shown != nullptr && !field.extras.shown(structure)) continue;
     if (field.extras.line != nullptr) {
       if (field.extras.line(structure, {}, out)) out << '\n';
-    } else if (!field.label.text.empty()) {
+    } else if (field.label) {
       out << field.label.text << " : ";
       WriteValue(structure, field, field.offset, false, out);
       out << '\n';
@@ -103,13 +102,12 @@ void Layout::Show(const StructureView& structure, TextOut& out) const {
 
 void Layout::Publish(const StructureView& structure, Attributes& list,
                      std::vector<bool>* beyond) const {
-  std::string value;
+  TextOut value;
   const auto publish = [&](const Field& field, std::size_t offset) {
-    value.clear();
-    TextOut out(value);
+    value.Clear();
     structure.TakeReach();
-    if (!WriteValue(structure, field, offset, true, out)) return;
-    list.emplace_back(field.key, value);
+    if (!WriteValue(structure, field, offset, true, value)) return;
+    list.emplace_back(field.key.text, value.Text());
     if (beyond != nullptr) {
       const bool is_left_out = structure.Length() < field.extras.min_length;
       beyond->push_back(is_left_out || structure.TakeReach() > structure.Length());
@@ -122,7 +120,7 @@ void Layout::Publish(const StructureView& structure, Attributes& list,
   const std::size_t count = ItemCount(structure);
   for (std::size_t i = 0; i < count; ++i) {
     for (const Field& field : extras_.items) {
-      if (field.key != nullptr) publish(field, end_ + i * item_size_ + field.offset);
+      if (field.key) publish(field, end_ + i * item_size_ + field.offset);
     }
   }
   if (extras_.publish != nullptr) extras_.publish(structure, list);

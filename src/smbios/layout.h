@@ -55,15 +55,24 @@ class StructureView {
   // String `number` (from 1) of the string set; empty for 0 and for numbers beyond the set.
   std::string_view String(std::size_t number) const;
   // The string behind `text`, which String() or NextString() gave; empty beyond the set.
-  std::string_view NextString(std::string_view text) const;
+  std::string_view NextString(std::string_view text) const {
+    // Two NULs end the set: nothing but the first of its strings is ever empty.
+    if (text.empty() && text.data() != FirstString()) return text;
+    return text.data() + text.size() + 1;
+  }
 
   // Where the farthest read outside the string set ended since the last call.
   std::size_t TakeReach() const { return std::exchange(reach_, 0); }
 
  private:
+  const char* FirstString() const { return reinterpret_cast<const char*>(raw_ + length_); }
+
   const unsigned char* raw_;
   unsigned char length_;
   mutable std::size_t reach_ = 0;
+  // The string that was asked for last: fields mostly name them in their order.
+  mutable std::size_t known_number_ = 0;
+  mutable std::string_view known_;
 };
 
 using Attributes = AttributeMap::mapped_type;
@@ -110,11 +119,18 @@ constexpr std::size_t Width(Kind kind, std::uint8_t size) {
   return 0;
 }
 
+// A text that may be missing.
+struct Label {
+  constexpr Label(const char* label) : text(label != nullptr ? std::string_view(label) : "") {}
+  constexpr explicit operator bool() const { return !text.empty(); }
+  std::string_view text;
+};
+
 // What few fields need.
 struct Extras {
   std::uint8_t size = 0;        // of kBytes
   bool hex = false;             // the dump shows the number in hexadecimal
-  const char* unit = "";        // behind the number, in the dump and in the published value
+  Label unit = "";              // behind the number, in the dump and in the published value
   bool bare = false;            // published without the unit
   Text text = nullptr;          // the value's text, in the dump and published
   Text published = nullptr;     // the published text, where it differs
@@ -124,16 +140,10 @@ struct Extras {
   std::uint8_t rank = 0;  // place among the published pairs, where these are ordered otherwise
 };
 
-// A text that may be missing.
-struct Label {
-  constexpr Label(const char* label) : text(label != nullptr ? std::string_view(label) : "") {}
-  std::string_view text;
-};
-
 struct Field {
   std::uint8_t offset;  // in the structure; of repeated items, in the item
   Label label;          // null: not in the dump
-  const char* key;      // null: not published
+  Label key;            // null: not published
   Kind kind;
   Extras extras = {};
 };
@@ -168,7 +178,7 @@ class Layout {
     // Published in order of rank; without ranks, in the fields' order.
     for (std::size_t rank = 0; rank <= kMaxFields; ++rank) {
       for (std::size_t i = 0; i < fields.size(); ++i) {
-        if (fields[i].key != nullptr && fields[i].extras.rank == rank) {
+        if (fields[i].key && fields[i].extras.rank == rank) {
           order_[published_++] = static_cast<std::uint8_t>(i);
         }
       }

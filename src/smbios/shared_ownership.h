@@ -2,8 +2,9 @@
 #define MIRA_SMBIOS_SHARED_OWNERSHIP_H_
 
 // What structure objects own together with their copies: the structure's bytes, and the object that
-// follows in the chain. Both cost no allocation until an object is copied, because tables hold
-// tens of thousands of objects and hosts copy next to none. Counts are safe across threads.
+// follows in the chain. Neither costs an allocation of its own until an object is copied, because
+// tables hold tens of thousands of objects and hosts copy next to none. Counts are safe across
+// threads.
 
 #include <atomic>
 #include <utility>
@@ -14,23 +15,31 @@ class CBIOSObject;
 
 namespace mira::smbios {
 
-// Bytes made with new[].
+// Bytes made with new[], or a part of a block of such bytes.
 class MIRA_API SharedBytes {
  public:
   explicit SharedBytes(unsigned char* bytes) : bytes_(bytes) {}
   // Throws std::bad_alloc.
-  SharedBytes(const SharedBytes& other) : bytes_(other.bytes_), count_(other.Share()) {}
+  SharedBytes(const SharedBytes& other) : bytes_(other.bytes_), owners_(other.Share()) {}
   SharedBytes& operator=(const SharedBytes& other);
   ~SharedBytes();
   unsigned char* get() const { return bytes_; }
 
  private:
-  using Count = std::atomic<unsigned>;
+  friend class StructureBlocks;
+
+  // Those who own parts of a block together.
+  struct Owners {
+    std::atomic<unsigned> count;
+    unsigned char* block;
+    // So many owners less; without any the block is gone, and this.
+    void Release(unsigned owners) noexcept;
+  };
   // One more owner.
-  Count* Share() const;
+  Owners* Share() const;
 
   unsigned char* bytes_;
-  mutable std::atomic<Count*> count_ = nullptr;  // without: one owner
+  mutable std::atomic<Owners*> owners_ = nullptr;  // without: one owner, of bytes on their own
 };
 
 // The link to an object, which counts the links that lead to it.

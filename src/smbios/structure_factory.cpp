@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "callif/calling_interface.h"
+#include "smbios/structure_blocks.h"
 #include "smbios/structures/structures.h"
 
 namespace mira::smbios {
@@ -17,17 +18,14 @@ using Connection = CComPtr<IWbemServices>;
 struct Row {
   unsigned char type;
   const char* class_name;
-  CBIOSObject* (*make)(RawBytes raw, Connection& services);
+  // Null for the calling interface, which needs a connection. Throws only before the object owns
+  // the bytes.
+  CBIOSObject* (*make)(unsigned char* raw);
 };
 
-// `new` allocates before it evaluates the argument, so the bytes are never lost.
 template <typename T>
-CBIOSObject* Make(RawBytes raw, Connection&) {
-  return new T(raw.release());
-}
-
-CBIOSObject* MakeCallingInterface(RawBytes raw, Connection& services) {
-  return new CCallingInterface(raw.release(), services);
+CBIOSObject* Make(unsigned char* raw) {
+  return new T(raw);
 }
 
 // Ascending by type. A type without a row gets a plain CBIOSObject; no type is left out of the
@@ -80,7 +78,7 @@ constexpr Row kRows[] = {
     {214, "CProtectedValueType2", Make<CProtectedValueType2>},
     {216, "CBuiltInVideoBIOS", Make<CBuiltInVideoBIOS>},
     {217, "CBuiltInKeyBrd", Make<CBuiltInKeyBrd>},
-    {218, "CCallingInterface", MakeCallingInterface},
+    {218, "CCallingInterface", nullptr},
     {219, "CDeviceBay", Make<CDeviceBay>},
     {220, "CProbeCustomization", Make<CProbeCustomization>},
     {221, "CCoolingDeviceCustomization", Make<CCoolingDeviceCustomization>},
@@ -100,21 +98,33 @@ constexpr auto kRowOfType = [] {
   return row_of_type;
 }();
 
-const Row* Find(unsigned char type) {
+constexpr Row kPlain = {0, "CBIOSObject", Make<CBIOSObject>};
+
+const Row& Find(unsigned char type) {
   const std::uint8_t row = kRowOfType[type];
-  return row != kNoRow ? &kRows[row] : nullptr;
+  return row != kNoRow ? kRows[row] : kPlain;
 }
 
 }  // namespace
 
 CBIOSObject* MakeObject(RawBytes raw, Connection& services) {
-  const Row* const row = Find(raw[0]);
-  return row ? row->make(std::move(raw), services) : Make<CBIOSObject>(std::move(raw), services);
+  const Row& row = Find(raw[0]);
+  // `new` allocates before it evaluates the argument, so the bytes are never lost.
+  if (row.make == nullptr) return new CCallingInterface(raw.release(), services);
+  CBIOSObject* const object = row.make(raw.get());
+  (void)raw.release();
+  return object;
 }
 
-const char* ClassName(unsigned char type) {
-  const Row* const row = Find(type);
-  return row ? row->class_name : "CBIOSObject";
+CBIOSObject* MakeObject(bytes::ByteSpan structure, StructureBlocks& blocks) {
+  const Row& row = Find(structure[0]);
+  unsigned char* const raw = row.make != nullptr ? blocks.Add(structure) : nullptr;
+  if (raw == nullptr) return nullptr;
+  CBIOSObject* const object = row.make(raw);
+  blocks.Own(*object);
+  return object;
 }
+
+const char* ClassName(unsigned char type) { return Find(type).class_name; }
 
 }  // namespace mira::smbios

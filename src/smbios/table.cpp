@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
 
 #include "platform/services.h"
+#include "smbios/structure_blocks.h"
 #include "smbios/structure_copy.h"
 #include "smbios/structure_factory.h"
 
@@ -18,14 +20,17 @@ TableWalk::Step TableWalk::Next() {
   const std::size_t length = rest_[1];
   if (length < kHeaderSize || length > rest_.size()) return Step::kMalformed;
 
-  // The string set ends at the first pair of NULs behind the formatted area.
-  const std::string_view table = bytes::AsText(rest_);
-  std::size_t terminator = length;
-  for (;;) {
-    terminator = table.find('\0', terminator);
-    if (terminator == table.npos || terminator + 1 == table.size()) return Step::kMalformed;
-    if (table[terminator + 1] == '\0') break;
-    terminator += 2;
+  // The string set ends at the first pair of NULs behind the formatted area. To find it, every
+  // other byte is enough.
+  std::size_t terminator = 0;
+  for (std::size_t i = length + 1; terminator == 0; i += 2) {
+    if (i >= rest_.size()) return Step::kMalformed;
+    if (rest_[i] != 0) continue;
+    if (rest_[i - 1] == 0) {
+      terminator = i - 1;
+    } else if (i + 1 < rest_.size() && rest_[i + 1] == 0) {
+      terminator = i;
+    }
   }
   structure_ = rest_.first(terminator + 1);
   rest_ = rest_.subspan(terminator + 2);
@@ -49,13 +54,16 @@ bool FillRegistry(bytes::ByteSpan table, const ObjectMaker& make, Registry& regi
   // Appending at the tail that is known keeps the fill linear: the head would walk the whole chain
   // each time.
   std::array<CBIOSObject*, 256> tails{};
+  StructureBlocks blocks;
   TableWalk walk(table);
   for (;;) {
     const TableWalk::Step step = walk.Next();
     if (step == TableWalk::Step::kEnd) return !registry.empty();
     if (step == TableWalk::Step::kMalformed) return false;
-    std::unique_ptr<CBIOSObject, CBIOSObject::Deleter> object(
-        make(std::unique_ptr<unsigned char[]>(CopyStructure(walk.Structure()))));
+    std::unique_ptr<CBIOSObject, CBIOSObject::Deleter> object(MakeObject(walk.Structure(), blocks));
+    if (!object) {
+      object.reset(make(std::unique_ptr<unsigned char[]>(CopyStructure(walk.Structure()))));
+    }
     if (!object) return false;
     CBIOSObject*& tail = tails[object->getType()];
     CBIOSObject* const added = object.get();

@@ -26,7 +26,8 @@ inline constexpr std::size_t kFirmwareHeaderSize = 8;
 // Per structure type the first object of the type's chain.
 using Registry = std::map<unsigned char, CBIOSObject*>;
 
-// Makes the object for one structure copy (see CopyStructure), or null.
+// Makes the object for one structure copy (see CopyStructure), or null. Asked for structures whose
+// bytes lie in no block with those of others (smbios/structure_blocks.h, inside the library).
 using ObjectMaker = std::function<CBIOSObject*(std::unique_ptr<unsigned char[]> raw)>;
 
 // Splits a structure table (without the firmware table's header) into structures, never leaving its

@@ -2,6 +2,8 @@
 
 #include <charconv>
 
+#include "bytes/text.h"
+
 namespace mira::smbios {
 namespace {
 
@@ -14,30 +16,32 @@ void WriteChars(TextOut& out, Arguments... arguments) {
 
 }  // namespace
 
-TextOut& TextOut::operator<<(std::string_view text) {
-  if (text_ != nullptr) {
-    text_->append(text);
-    return *this;
-  }
-  if (text.size() > kPiece - used_) {
-    Flush();
-    if (text.size() > kPiece) {
-      stream_->write(text.data(), static_cast<std::streamsize>(text.size()));
-      return *this;
-    }
-  }
-  used_ += text.copy(piece_ + used_, text.size());
+TextOut& TextOut::WriteDecimal(std::uint64_t number) {
+  WriteChars(*this, number);
   return *this;
 }
 
-TextOut& TextOut::operator<<(Decimal number) {
-  WriteChars(*this, number.value);
+TextOut& TextOut::WriteLong(std::string_view text) {
+  MakeRoom();
+  if (text.size() <= kPiece) return *this << text;
+  if (stream_ != nullptr) {
+    stream_->write(text.data(), static_cast<std::streamsize>(text.size()));
+  } else {
+    overflow_.append(text);
+  }
   return *this;
 }
 
 TextOut& TextOut::operator<<(Hex number) {
-  WriteChars(*this, number.value, 16);
-  return *this;
+  char digits[16];
+  char* first = digits + sizeof(digits);
+  std::uint64_t rest = number.value;
+  do {
+    *--first = bytes::HexDigit(rest);
+    rest >>= 4;
+  } while (rest != 0);
+  return *this << std::string_view(first,
+                                   static_cast<std::size_t>(digits + sizeof(digits) - first));
 }
 
 TextOut& TextOut::operator<<(double number) {
@@ -53,11 +57,26 @@ TextOut& TextOut::operator<<(bytes::ByteSpan bytes) {
   return *this;
 }
 
+void TextOut::MakeRoom() {
+  if (stream_ != nullptr) {
+    Flush();
+  } else {
+    overflow_.append(piece_, used_);
+    used_ = 0;
+  }
+}
+
 void TextOut::Flush() {
   if (stream_ != nullptr && used_ > 0) {
     stream_->write(piece_, static_cast<std::streamsize>(used_));
+    used_ = 0;
   }
-  used_ = 0;
+}
+
+std::string_view TextOut::Text() {
+  if (overflow_.empty()) return {piece_, used_};
+  MakeRoom();
+  return overflow_;
 }
 
 }  // namespace mira::smbios

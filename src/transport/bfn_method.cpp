@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 #include <new>
 #include <string>
 
@@ -24,11 +25,19 @@ constexpr std::int32_t kDidNotExecute = -3;
 // released, by its own fields, since a service could fail.
 class WipedVariant : public Variant {
  public:
+  WipedVariant() = default;
+  // Of an array that is filled here only the first bytes are ever other than zero: a buffer may be
+  // thousands of times as long as the record.
+  explicit WipedVariant(std::size_t written) : written_(written) {}
   ~WipedVariant() {
     const SAFEARRAY* const array = ByteArray();
     if (array == nullptr || array->pvData == nullptr || array->cDims != 1) return;
-    bytes::Wipe(array->pvData, std::size_t{array->rgsabound[0].cElements} * array->cbElements);
+    const std::size_t size = std::size_t{array->rgsabound[0].cElements} * array->cbElements;
+    bytes::Wipe(array->pvData, std::min(size, written_));
   }
+
+ private:
+  std::size_t written_ = std::numeric_limits<std::size_t>::max();
 };
 
 // Whether the record's command carries a password, or what is exchanged for one.
@@ -195,20 +204,22 @@ bool BfnMethod::FillInputCIBuffer(const SMBiosCI& ci, unsigned int buffer_size) 
   // The array is made of the size that the firmware announced, so the size is bounded before it
   // allocates; a record that does not fit fails before anything is sent.
   if (!data_ || buffer_size > kMaxTransferSize || length > buffer_size) return false;
-  WipedVariant array;
+  const platform::ServiceTable& services = Services();
+  WipedVariant array(length);
   SAFEARRAYBOUND bound{};
   bound.cElements = buffer_size;
-  array.OwnByteArray(Services().SafeArrayCreate(VT_UI1, 1, &bound));
+  array.OwnByteArray(services.SafeArrayCreate(VT_UI1, 1, &bound));
   if (array.ByteArray() == nullptr) {
     log.FailCall(CodeKind::kHresult, E_OUTOFMEMORY);
     return false;
   }
   const std::uint8_t* const record = reinterpret_cast<const std::uint8_t*>(&ci);
+  SAFEARRAY* const elements = array.ByteArray();
   HRESULT result = S_OK;
   for (std::uint32_t i = 0; i < length && SUCCEEDED(result); ++i) {
     LONG index = static_cast<LONG>(i);
     std::uint8_t byte = record[i];
-    result = Services().SafeArrayPutElement(array.ByteArray(), &index, &byte);
+    result = services.SafeArrayPutElement(elements, &index, &byte);
   }
   if (SUCCEEDED(result)) {
     const CComBSTR name = MakeBstr(L"Bytes");
