@@ -19,23 +19,6 @@ bool IsAscii(std::string_view text) {
                      [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
-// UTF-16 with a byte order mark, or UTF-8 with one, as plain UTF-8.
-std::string ToPlainUtf8(std::string_view text) {
-  constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
-  constexpr std::string_view kLittleMark = "\xFF\xFE";
-  constexpr std::string_view kBigMark = "\xFE\xFF";
-  if (text.starts_with(kUtf8Mark)) return std::string(text.substr(kUtf8Mark.size()));
-  const bool is_big = text.starts_with(kBigMark);
-  if (!is_big && !text.starts_with(kLittleMark)) return std::string(text);
-  std::u16string units;
-  for (std::size_t i = 2; i + 1 < text.size(); i += 2) {
-    const auto first = static_cast<unsigned char>(text[i]);
-    const auto second = static_cast<unsigned char>(text[i + 1]);
-    units += static_cast<char16_t>(is_big ? first << 8 | second : second << 8 | first);
-  }
-  return bytes::Utf8(units);
-}
-
 std::string PlaceText(std::string_view text, std::size_t byte) {
   const std::string_view before = text.substr(0, std::min(byte, text.size()));
   const auto line = std::count(before.begin(), before.end(), '\n') + 1;
@@ -103,7 +86,7 @@ std::string Readable(const Json& value) {
 }
 
 Json ParseJson(std::string_view text, const std::string& name) {
-  const std::string plain = ToPlainUtf8(text);
+  const std::string plain = PlainUtf8(text);
   // Nothing that is read here is nested deeply; what is would exhaust the stack later.
   constexpr int kDeepest = 64;
   std::vector<std::set<std::string>> keys;
@@ -136,6 +119,22 @@ Json ParseJson(std::string_view text, const std::string& name) {
         .With("doubled", Json::array({doubled}));
   }
   return document;
+}
+
+std::string PlainUtf8(std::string_view text) {
+  constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+  constexpr std::string_view kLittleMark = "\xFF\xFE";
+  constexpr std::string_view kBigMark = "\xFE\xFF";
+  if (text.starts_with(kUtf8Mark)) return std::string(text.substr(kUtf8Mark.size()));
+  const bool is_big = text.starts_with(kBigMark);
+  if (!is_big && !text.starts_with(kLittleMark)) return std::string(text);
+  std::u16string units;
+  for (std::size_t i = 2; i + 1 < text.size(); i += 2) {
+    const auto first = static_cast<unsigned char>(text[i]);
+    const auto second = static_cast<unsigned char>(text[i + 1]);
+    units += static_cast<char16_t>(is_big ? first << 8 | second : second << 8 | first);
+  }
+  return bytes::Utf8(units);
 }
 
 std::string ToText(const Json& document) {

@@ -47,6 +47,9 @@ std::string Readable(const Json& value);
 // `name` names the document in it.
 Json ParseJson(std::string_view text, const std::string& name);
 
+// The text of a file as UTF-8 without a byte order mark: it may be UTF-16 with one.
+std::string PlainUtf8(std::string_view text);
+
 // The document as text, two blanks a level, with a line end.
 std::string ToText(const Json& document);
 
