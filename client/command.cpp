@@ -170,7 +170,7 @@ Json Request::Carry(Plan& plan) {
     key = ObtainKey(session_, secrets_, Flag(kClass10.name), WhatIf() ? Check::kYes : Check::kNo);
   }
   if (WhatIf()) return finished();
-  if (approve_) approve_(plan);
+  Approve(plan);
   try {
     Apply(session_, plan, key);
   } catch (Cancelled& cancelled) {
@@ -184,6 +184,7 @@ Result Run(const Command& command, Json arguments, Request& request) {
   Result result;
   try {
     request.SetArguments(CheckArguments(command, arguments));
+    Wipe(arguments);
     result.document = command.run(request);
     return result;
   } catch (const Error& error) {

@@ -75,9 +75,13 @@ class Request {
  public:
   // `approve` is shown the plan before anything is written and throws Error (kNeedsConfirmation) if
   // it may not be; without one everything may.
-  using Approve = std::function<void(const Plan& plan)>;
-  Request(Session& session, SecretProvider& secrets, Approve approve = nullptr)
+  using Approval = std::function<void(const Plan& plan)>;
+  Request(Session& session, SecretProvider& secrets, Approval approve = nullptr)
       : session_(session), secrets_(secrets), approve_(std::move(approve)) {}
+  // A document that it was given may hold secrets.
+  ~Request() { Wipe(arguments_); }
+  Request(const Request&) = delete;
+  Request& operator=(const Request&) = delete;
 
   Session& GetSession() { return session_; }
   CMiraIntf& Mira() { return session_.Ready(); }
@@ -93,6 +97,16 @@ class Request {
   const Json& Value(const char* name) const;
   // Checks are made and nothing is written.
   bool WhatIf() const { return Flag("whatIf"); }
+  // Shows the plan to whoever is asked. Throws Error (kNeedsConfirmation).
+  void Approve(const Plan& plan) const {
+    if (approve_) approve_(plan);
+  }
+  // Where lines of a log go, each brought to the disk before this returns; throws Error where it
+  // cannot be. Without it nobody keeps a log.
+  void SetLog(std::function<void(const Json& line)> log) { log_ = std::move(log); }
+  void Log(const Json& line) const {
+    if (log_) log_(line);
+  }
   // From here on nothing is written, whatever was asked for.
   void OnlyCheck() { arguments_["whatIf"] = true; }
 
@@ -104,7 +118,8 @@ class Request {
  private:
   Session& session_;
   SecretProvider& secrets_;
-  Approve approve_;
+  Approval approve_;
+  std::function<void(const Json& line)> log_;
   Json arguments_ = Json::object();
 };
 

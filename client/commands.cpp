@@ -11,7 +11,7 @@ const std::vector<Command>& Commands() {
     for (const auto subject :
          {StartUpCommands, SmbiosCommands, InventoryCommands, TokenCommands, CallCommands,
           AttributeCommands, PasswordCommands, DriveCommands, TagCommands, IdentifierCommands,
-          BatteryCommands, FirmwareListCommands, BootCommands, LegacyBootCommands}) {
+          BatteryCommands, FirmwareListCommands, BootCommands, LegacyBootCommands, ApplyCommands}) {
       std::vector<Command> some = subject();
       std::move(some.begin(), some.end(), std::back_inserter(list));
     }

@@ -9,6 +9,7 @@
 
 namespace mira::client {
 
+std::vector<Command> ApplyCommands();
 std::vector<Command> AttributeCommands();
 std::vector<Command> BatteryCommands();
 std::vector<Command> BootCommands();

@@ -20,29 +20,6 @@ bool IsAscii(std::string_view text) {
                      [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
-// UTF-16, or UTF-8 with a byte order mark, as plain UTF-8. A document of UTF-16 may lack its mark:
-// JSON begins with an ASCII character, so one of its first two bytes is NUL.
-std::string ToPlainUtf8(std::string_view text) {
-  constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
-  constexpr std::string_view kLittleMark = "\xFF\xFE";
-  constexpr std::string_view kBigMark = "\xFE\xFF";
-  if (text.starts_with(kUtf8Mark)) return std::string(text.substr(kUtf8Mark.size()));
-  const bool has_pair = text.size() >= 2 && text[0] != text[1];
-  const bool is_big = text.starts_with(kBigMark) || (has_pair && text[0] == '\0');
-  const bool is_little = text.starts_with(kLittleMark) || (has_pair && text[1] == '\0');
-  if (!is_big && !is_little) return std::string(text);
-  if (text.starts_with(kLittleMark) || text.starts_with(kBigMark)) text.remove_prefix(2);
-  std::u16string units;
-  for (std::size_t i = 0; i + 1 < text.size(); i += 2) {
-    const auto first = static_cast<unsigned char>(text[i]);
-    const auto second = static_cast<unsigned char>(text[i + 1]);
-    units += static_cast<char16_t>(is_big ? first << 8 | second : second << 8 | first);
-  }
-  std::string utf8 = bytes::Utf8(units);
-  if (text.size() % 2 != 0) bytes::AppendUtf8(utf8, kHalfCharacter);
-  return utf8;
-}
-
 std::string PlaceText(std::string_view text, std::size_t byte) {
   const std::string_view before = text.substr(0, std::min(byte, text.size()));
   const auto line = std::count(before.begin(), before.end(), '\n') + 1;
@@ -110,7 +87,7 @@ std::string Readable(const Json& value) {
 }
 
 Json ParseJson(std::string_view text, const std::string& name) {
-  const std::string plain = ToPlainUtf8(text);
+  const std::string plain = PlainUtf8(text);
   // Nothing that is read here is nested deeply; what is would exhaust the stack later.
   constexpr int kDeepest = 64;
   std::vector<std::set<std::string>> keys;
@@ -143,6 +120,27 @@ Json ParseJson(std::string_view text, const std::string& name) {
         .With("doubled", Json::array({doubled}));
   }
   return document;
+}
+
+std::string PlainUtf8(std::string_view text) {
+  constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+  constexpr std::string_view kLittleMark = "\xFF\xFE";
+  constexpr std::string_view kBigMark = "\xFE\xFF";
+  if (text.starts_with(kUtf8Mark)) return std::string(text.substr(kUtf8Mark.size()));
+  const bool has_pair = text.size() >= 2 && text[0] != text[1];
+  const bool is_big = text.starts_with(kBigMark) || (has_pair && text[0] == '\0');
+  const bool is_little = text.starts_with(kLittleMark) || (has_pair && text[1] == '\0');
+  if (!is_big && !is_little) return std::string(text);
+  if (text.starts_with(kLittleMark) || text.starts_with(kBigMark)) text.remove_prefix(2);
+  std::u16string units;
+  for (std::size_t i = 0; i + 1 < text.size(); i += 2) {
+    const auto first = static_cast<unsigned char>(text[i]);
+    const auto second = static_cast<unsigned char>(text[i + 1]);
+    units += static_cast<char16_t>(is_big ? first << 8 | second : second << 8 | first);
+  }
+  std::string utf8 = bytes::Utf8(units);
+  if (text.size() % 2 != 0) bytes::AppendUtf8(utf8, kHalfCharacter);
+  return utf8;
 }
 
 std::string ToText(const Json& document) {

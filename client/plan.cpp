@@ -143,6 +143,8 @@ const char* Name(ChangeOutcome outcome) {
       return "failed";
     case ChangeOutcome::kUnknown:
       return "unknown";
+    case ChangeOutcome::kWaiting:
+      return "waiting";
     case ChangeOutcome::kPlanned:
       break;
   }
@@ -203,7 +205,7 @@ void Apply(Session& session, Plan& plan, const Key& key) {
 }
 
 bool IsRestartPending(const Change& change) {
-  if (change.restart_pending) return true;
+  if (change.restart_pending || change.outcome == ChangeOutcome::kWaiting) return true;
   if (!change.at_boot) return false;
   const bool is_taken =
       change.outcome == ChangeOutcome::kChanged || change.outcome == ChangeOutcome::kAlreadySo;

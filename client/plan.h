@@ -28,8 +28,9 @@ enum class ChangeOutcome {
   kRefused,    // by the firmware, or because the value was no longer the one that was planned for
   kFailed,     // was written and the value is still the old one, or could not be written
   kUnknown,    // was written, and nobody knows what is there now
+  kWaiting,    // shows, or becomes possible, at the machine's next start; of desired states alone
 };
-// "planned", "not-tried", "changed", "already-so", "refused", "failed", "unknown".
+// "planned", "not-tried", "changed", "already-so", "refused", "failed", "unknown", "waiting".
 const char* Name(ChangeOutcome outcome);
 
 struct Change {

@@ -7,6 +7,7 @@
 //   "setup"     the setup (administrator) password, where a drive's alone does not do
 //   "new"       the one to be set
 //   "value"     the new value of an attribute that is a password
+//   "secrets"   several, of a desired state: a JSON object of names and texts
 
 #include <optional>
 #include <string>
@@ -22,6 +23,8 @@ class SecretProvider {
   virtual bool IsGiven(const std::string& slot) const = 0;
   // Whether somebody can be asked for one that was not given.
   virtual bool CanAsk() const = 0;
+  // Whether secrets may stand in a file that a command is given for something else as well.
+  virtual bool TakesThemInContent() const { return false; }
   // What was given, or else what the person who is asked types (one for "new" or "value" is typed
   // twice); nothing when there is neither. `purpose` says what it is for: "Setup password". Throws
   // Error when what was given cannot be read.

@@ -38,6 +38,22 @@ class Session {
   void SetClock(std::function<std::string()> clock) { clock_ = std::move(clock); }
   std::string Now() const;
 
+  // What programs remember of machines from run to run. A face may keep it in a file; without one
+  // it lives as long as the session.
+  struct Memory {
+    std::function<Json()> load;
+    std::function<void(const Json&)> save;
+  };
+  void SetMemory(Memory memory) { memory_ = std::move(memory); }
+  Json Recall() const { return memory_.load ? memory_.load() : remembered_; }
+  void Remember(const Json& what) {
+    remembered_ = what;
+    if (memory_.save) memory_.save(what);
+  }
+  // Differs from one start of the machine to the next; empty where nobody knows.
+  void SetStartName(std::function<std::string()> start) { start_name_ = std::move(start); }
+  std::string StartName() const { return start_name_ ? start_name_() : ""; }
+
   bool IsSimulated() const { return !profile_.empty(); }
   const std::string& Profile() const { return profile_; }
 
@@ -99,6 +115,9 @@ class Session {
   Progress progress_;
   std::string profile_;  // of the simulated machine
   std::function<std::string()> clock_;
+  Memory memory_;
+  Json remembered_;
+  std::function<std::string()> start_name_;
   std::ostringstream diagnostics_;
   std::unique_ptr<CMiraIntf> mira_;
   Status status_ = STATUS_FAILURE;

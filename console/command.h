@@ -77,6 +77,7 @@ class Context {
 
  private:
   Json Whole(const Json& document) const;
+  void KeepMemory();
 
   Options options_;
   std::istream& in_;

@@ -15,6 +15,7 @@ const std::vector<Noun>& Nouns() {
       {"tokens", "List the calling interface's tokens", nullptr},
       {"call", "Make one calling-interface call", nullptr},
       {"attr", "List, show, change, save and restore BIOS attributes", nullptr},
+      {"apply", "Bring the machine into a desired state", nullptr},
       {"password", "Show, verify or change the BIOS passwords", nullptr},
       {"hdd", "List drives; verify, set or clear their passwords", nullptr},
       {"tag", "Show or set the asset, service, ownership and extended tags", nullptr},

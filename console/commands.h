@@ -31,7 +31,7 @@ bool IsOwn(const client::Command& command);
 // What the program's own commands work with beside their arguments.
 class OwnRequest : public client::Request {
  public:
-  OwnRequest(Context& context, client::SecretProvider& secrets, Approve approve)
+  OwnRequest(Context& context, client::SecretProvider& secrets, Approval approve)
       : Request(context.GetSession(), secrets, std::move(approve)), context_(context) {}
   Context& GetContext() const { return context_; }
   // The handlers of own commands are only given such requests.

@@ -1,15 +1,19 @@
 #include <algorithm>
+#include <fstream>
 #include <iostream>
+#include <iterator>
 #include <string_view>
 
 #include "bytes/text.h"
 #include "console/command.h"
 #include "console/field.h"
 #include "console/hints.h"
+#include "console/interrupt.h"
 #include "console/profile_choice.h"
 #include "console/terminal.h"
 #include "facade/process_state.h"
 #include "sim/clock.h"
+#include "support/files.h"
 
 namespace mira::console {
 namespace {
@@ -44,13 +48,41 @@ client::Session& Context::GetSession() {
   client_ = std::make_unique<client::Session>(
       [this](const std::string& what, std::size_t done, std::size_t total) {
         ShowProgress(what, done, total);
-        return true;
+        return !IsInterrupted();
       });
+  KeepMemory();
   if (machine_) {
     client_->SetSimulated(options_.profile);
     client_->SetClock([this] { return sim::TimeOf(machine_->GetProfile()); });
+    client_->SetStartName([this] { return std::to_string(machine_->GetFirmware().BootCount()); });
   }
   return *client_;
+}
+
+// What is remembered of machines lies beside the simulated ones.
+void Context::KeepMemory() {
+  if (options_.machines.empty()) return;
+  const std::filesystem::path file =
+      options_.machines /
+      ToPath(machine_ ? MachineName(options_.profile) + ".kept" : std::string("kept-values.json"));
+  client_->SetMemory({.load = [file]() -> Json {
+                        std::ifstream in(file, std::ios::binary);
+                        const std::string text{std::istreambuf_iterator<char>(in), {}};
+                        try {
+                          return client::ParseJson(text, "The memory");
+                        } catch (const Error&) {
+                          // Whatever it was, it is no memory.
+                          return nullptr;
+                        }
+                      },
+                      .save =
+                          [file](const Json& memory) {
+                            // What cannot be remembered is found out again.
+                            std::error_code error;
+                            std::filesystem::create_directories(file.parent_path(), error);
+                            error = support::WriteFileSafely(file, client::ToText(memory),
+                                                             support::FileAccess::kPrivate);
+                          }});
 }
 
 Context::~Context() {

@@ -31,9 +31,12 @@ struct Face {
   // Whether the document answers a question although the command may change something: --value is
   // for such, too.
   bool answers = false;
+  // Whether it keeps a log of its writes, in a file that the option --log names.
+  bool logs = false;
 };
 
 // One list for each noun, in console/render/.
+std::vector<Face> ApplyFaces();
 std::vector<Face> AttrFaces();
 std::vector<Face> BatteryFaces();
 std::vector<Face> BootFaces();

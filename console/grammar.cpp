@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "bytes/secure.h"
 #include "bytes/text.h"
 #include "console/commands.h"
 #include "console/face.h"
@@ -56,8 +57,11 @@ Json ValueOf(Context& context, const Bound& bound) {
     case client::Type::kTexts:
       return bound.texts;
     case client::Type::kContent: {
-      const std::vector<std::uint8_t> content = LoadFileOrInput(context, bound.text);
-      return std::string(content.begin(), content.end());
+      std::vector<std::uint8_t> content = LoadFileOrInput(context, bound.text);
+      Json text = std::string(content.begin(), content.end());
+      // It may hold secrets beside what it is.
+      bytes::Wipe(content.data(), content.size());
+      return text;
     }
     default:
       return bound.text;
@@ -90,6 +94,10 @@ void AddLeaf(CLI::App& app, const client::Command& client_command, Command& comm
     SetFooter(app, std::string("Examples:\n") + face->examples);
     if (face->saves != nullptr) {
       app.add_option("FILE", leaf->file, "the file, or - for standard output")->required();
+    }
+    if (face->logs) {
+      app.add_option("--log", leaf->file,
+                     "append a line for each write to a file, before and after it");
     }
     if (face->save_field != nullptr) app.add_option("--save", leaf->file, face->save_help);
   }

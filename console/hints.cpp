@@ -39,6 +39,7 @@ constexpr Row kRows[] = {
      "'{mira} attr list PART' finds attributes by parts of their names and display names."},
     {"malformed-file", "'{mira} attr export' shows the form."},
     {"password", "'{mira} attr set' asks for its value."},
+    {"secret-twice", "One source for each is enough."},
     {"read-only", "'{mira} attr set --force' sends the value anyway."},
     {"secret-in-the-open", "Give it by --value-stdin, --value-file or --value-env."},
     {"value-needed", "Without a terminal, give it by --value-stdin, --value-file or --value-env."},

@@ -5,6 +5,7 @@
 #include <iostream>
 #include <iterator>
 
+#include "bytes/secure.h"
 #include "console/terminal.h"
 
 namespace mira::console {
@@ -12,11 +13,21 @@ namespace {
 
 constexpr std::size_t kMost = 64 * 1024 * 1024;
 
+void Grow(std::vector<std::uint8_t>& content) {
+  std::vector<std::uint8_t> larger;
+  larger.reserve(2 * content.size());
+  larger.assign(content.begin(), content.end());
+  bytes::Wipe(content.data(), content.size());
+  content = std::move(larger);
+}
+
 std::vector<std::uint8_t> ReadAll(std::istream& in) {
   std::vector<std::uint8_t> content;
   content.reserve(64 * 1024);
+  // What grows leaves no copy behind: it may hold secrets.
   for (std::istreambuf_iterator<char> next(in), end; next != end && content.size() < kMost;
        ++next) {
+    if (content.size() == content.capacity()) Grow(content);
     content.push_back(static_cast<std::uint8_t>(*next));
   }
   return content;

@@ -6,9 +6,11 @@
 #include "console/commands.h"
 #include "console/face.h"
 #include "console/hints.h"
+#include "console/interrupt.h"
 #include "console/saved_document.h"
 #include "console/saved_field.h"
 #include "console/terminal.h"
+#include "support/append.h"
 
 namespace mira::console {
 namespace {
@@ -16,10 +18,12 @@ namespace {
 // Asks before anything is written. Throws Error (kNeedsConfirmation) when nobody can be asked, or
 // the answer is no.
 void Approve(Context& context, const client::Plan& plan) {
+  // From here on the machine is written to, and what is under way is finished.
+  const auto begin = [] { FinishOnInterrupt(); };
   const Json document = client::ToJson(plan, false);
   if (context.GetOptions().yes) {
     if (!context.GetOptions().IsForPrograms()) RenderNotes(document, context.Out());
-    return;
+    return begin();
   }
   if (!context.IsInteractive()) {
     throw Error(kNeedsConfirmation, "confirmation-needed",
@@ -35,6 +39,18 @@ void Approve(Context& context, const client::Plan& plan) {
   if (answer != "y" && answer != "Y" && answer != "yes") {
     throw Error(kNeedsConfirmation, "not-confirmed", "Nothing was written.");
   }
+  begin();
+}
+
+// Adds a line to a log.
+void AppendLog(const std::string& file, const Json& line) {
+  const std::string text = line.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+  const std::error_code error = support::AppendToDisk(ToPath(file), text);
+  if (!error) return;
+  throw Error(kUnexpected, "log-not-written",
+              "The log '" + file + "' could not be written: " + error.message() +
+                  ". Nothing more was written to the machine.",
+              file);
 }
 
 // What a command that may change something did, by its document.
@@ -81,6 +97,9 @@ ExitStatus RunCommand(Context& context, const client::Command& command, Json arg
   if (!IsOwn(command)) context.CheckMachine();
   ConsoleSecrets secrets(context, slots);
   OwnRequest request(context, secrets, [&](const client::Plan& plan) { Approve(context, plan); });
+  if (face != nullptr && face->logs && !file.empty()) {
+    request.SetLog([&file](const Json& line) { AppendLog(file, line); });
+  }
   client::Result result = client::Run(command, std::move(arguments), request);
   context.ClearProgress();
   if (changes) context.SetDone(DoneBy(result.document));

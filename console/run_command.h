@@ -8,7 +8,8 @@
 namespace mira::console {
 
 // Runs a command of the client layer: asks for what it needs, has its changes approved, and shows
-// its document or its error. Where the face says so the document, or its bytes, go to `file`.
+// its document or its error. Where the face says so the document, its bytes or the log of its
+// writes go to `file`.
 ExitStatus RunCommand(Context& context, const client::Command& command, Json arguments,
                       const SecretSlots& secrets, const std::string& file = "");
 

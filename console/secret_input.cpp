@@ -29,12 +29,27 @@ bool ReadLine(std::istream& in, bytes::SecureString& line) {
   return true;
 }
 
-bool ReadFile(const std::string& path, bytes::SecureString& line) {
+// Everything that is there.
+bool ReadDocument(std::istream& in, bytes::SecureString& text) {
+  constexpr std::size_t kLongestDocument = 64 * 1024;
+  text.str().reserve(kLongestDocument);
+  for (char c = 0; in.get(c);) {
+    if (text.size() == kLongestDocument) return false;
+    text.str().push_back(c);
+  }
+  return !text.empty();
+}
+
+bool ReadForm(std::istream& in, SecretForm form, bytes::SecureString& text) {
+  return form == SecretForm::kDocument ? ReadDocument(in, text) : ReadLine(in, text);
+}
+
+bool ReadFile(const std::string& path, SecretForm form, bytes::SecureString& line) {
   std::ifstream file;
   // Without a buffer of its own, no copy stays behind in the stream.
   file.rdbuf()->pubsetbuf(nullptr, 0);
   file.open(ToPath(path), std::ios::binary);
-  return ReadLine(file, line);
+  return ReadForm(file, form, line);
 }
 
 bool ReadVariable(const std::string& name, bytes::SecureString& line) {
@@ -71,22 +86,29 @@ Error Unreadable(const SecretSource& source, const std::string& target) {
 
 }  // namespace
 
-std::shared_ptr<SecretSource> AddSecretOptions(CLI::App& app, const std::string& name) {
+std::shared_ptr<SecretSource> AddSecretOptions(CLI::App& app, const std::string& name,
+                                               SecretForm form) {
   auto source = std::make_shared<SecretSource>();
   source->name = name;
-  CLI::Option* const from_stdin = app.add_flag("--" + name + "-stdin", source->from_stdin,
-                                               "take it from the first line of standard input");
+  source->form = form;
+  const bool is_line = form == SecretForm::kLine;
+  CLI::Option* const from_stdin =
+      app.add_flag("--" + name + "-stdin", source->from_stdin,
+                   is_line ? "take it from the first line of standard input"
+                           : "take them from standard input, a JSON object");
   // An empty name was given, too: it is one that cannot be read.
   CLI::Option* const file = app.add_option_function<std::string>(
       "--" + name + "-file", [source](const std::string& path) { source->file = path; },
-      "take it from the first line of a file");
+      is_line ? "take it from the first line of a file" : "take them from a file, a JSON object");
   CLI::Option* const variable = app.add_option_function<std::string>(
       "--" + name + "-env", [source](const std::string& text) { source->variable = text; },
-      "take it from an environment variable, by name");
+      is_line ? "take it from an environment variable, by name"
+              : "take them from an environment variable, by name");
   from_stdin->excludes(file)->excludes(variable);
   file->excludes(variable);
   for (CLI::Option* const option : {from_stdin, file, variable}) {
-    option->group("Where the " + name + " comes from (never the command line)");
+    option->group("Where the " + name + (is_line ? " comes" : " come") +
+                  " from (never the command line)");
   }
   return source;
 }
@@ -113,10 +135,10 @@ bytes::SecureString ReadSecret(Context& context, const SecretSource& source,
   if (source.from_stdin) {
     target = "standard input";
     const bool is_typed = &context.In() == &std::cin && StandardInputIsTerminal();
-    read = is_typed ? ReadWithoutEcho(prompt, secret) : ReadLine(context.In(), secret);
+    read = is_typed ? ReadWithoutEcho(prompt, secret) : ReadForm(context.In(), source.form, secret);
   } else if (source.file) {
     target = *source.file;
-    read = ReadFile(*source.file, secret);
+    read = ReadFile(*source.file, source.form, secret);
   } else if (source.variable) {
     target = *source.variable;
     read = ReadVariable(*source.variable, secret);

@@ -15,8 +15,11 @@
 
 namespace mira::console {
 
+enum class SecretForm { kLine, kDocument };
+
 struct SecretSource {
   std::string name = "password";  // of the options
+  SecretForm form = SecretForm::kLine;
   bool from_stdin = false;
   std::optional<std::string> file;
   std::optional<std::string> variable;
@@ -25,14 +28,15 @@ struct SecretSource {
 
 // The options are called "--NAME-stdin", "--NAME-file" and "--NAME-env". Of two secrets taken from
 // standard input, the one read first has the first line.
-std::shared_ptr<SecretSource> AddSecretOptions(CLI::App& app, const std::string& name = "password");
+std::shared_ptr<SecretSource> AddSecretOptions(CLI::App& app, const std::string& name = "password",
+                                               SecretForm form = SecretForm::kLine);
 
 // "--password-stdin, --password-file or --password-env", as they are called.
 std::string OptionNames(const SecretSource& source);
 
-// The first line of the source; without one, a line typed at a prompt without echo. Throws
-// Error when there is neither a source nor a terminal: status 5 for a password; for what
-// else cannot be read, 3 where the file is not found, or 6.
+// The first line of the source, or all of it where it is a document; without one, a line typed at a
+// prompt without echo. Throws Error when there is neither a source nor a terminal: status 5 for a
+// password; for what else cannot be read, 3 where the file is not found, or 6.
 bytes::SecureString ReadSecret(Context& context, const SecretSource& source,
                                const std::string& prompt);
 

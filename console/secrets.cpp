@@ -10,12 +10,14 @@ struct SlotOption {
   const char* slot;
   const char* option;
   const char* purpose;  // what is asked for where nobody says it better
+  SecretForm form = SecretForm::kLine;
 };
 constexpr SlotOption kSlotOptions[] = {
     {"password", "password", "Current password"},
     {"setup", "admin-password", "Setup (administrator) password"},
     {"new", "new-password", "New password"},
     {"value", "value", "New value"},
+    {"secrets", "secrets", "Secrets", SecretForm::kDocument},
 };
 
 const SlotOption* FindSlotOption(const std::string& slot) {
@@ -34,7 +36,8 @@ std::string UsualPurpose(const std::string& slot) {
 
 SecretSlot AddSecretSlot(CLI::App& app, const std::string& slot) {
   const SlotOption* const found = FindSlotOption(slot);
-  return {slot, AddSecretOptions(app, found != nullptr ? found->option : slot)};
+  if (found == nullptr) return {slot, AddSecretOptions(app, slot)};
+  return {slot, AddSecretOptions(app, found->option, found->form)};
 }
 
 ConsoleSecrets::ConsoleSecrets(Context& context, const SecretSlots& slots) : context_(context) {

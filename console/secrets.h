@@ -31,6 +31,7 @@ class ConsoleSecrets : public client::SecretProvider {
 
   bool IsGiven(const std::string& slot) const override;
   bool CanAsk() const override;
+  bool TakesThemInContent() const override { return true; }
   std::optional<bytes::SecureString> Get(const std::string& slot,
                                          const std::string& purpose) override;
 

@@ -132,19 +132,33 @@ void Describe(Fields& f, DataBlock& block) {
   block.capacity = capacity;
 }
 
+void Describe(Fields& f, AttributeLock& lock) {
+  f.Must("attribute", lock.attribute).Must("value", lock.value);
+  f("afterRestart", lock.after_restart);
+}
+
+void Describe(Fields& f, AttributeNorm& norm) {
+  f.Choice("letters", norm.letters, {"asWritten", "upper", "lower"});
+  f("step", norm.step)("values", norm.values);
+}
+
 void Describe(Fields& f, SetupAttribute& attribute) {
-  auto lower = static_cast<std::int64_t>(attribute.lower);
-  auto upper = static_cast<std::int64_t>(attribute.upper);
   f.Choice(
       "kind", attribute.kind,
       {"enumeration", "string", "password", "integer", "bootOrder", "collection", "configSet"});
   f.Must("name", attribute.name)("display", attribute.display)("help", attribute.help);
   f("choices", attribute.choices)("value", attribute.value)("default", attribute.default_value);
-  f("lower", lower)("upper", upper)("increment", attribute.increment);
+  f("lower", attribute.lower)("upper", attribute.upper)("increment", attribute.increment);
   f("readOnly", attribute.read_only);
-  f.Require(lower >= 0 && upper >= lower, "the limits are 0 at least, and in order");
-  attribute.lower = static_cast<std::uint64_t>(lower);
-  attribute.upper = static_cast<std::uint64_t>(upper);
+  // Said where they are so.
+  if (f.IsLoading() || !attribute.unless.attribute.empty()) {
+    f("readOnlyUnless", attribute.unless);
+  }
+  if (f.IsLoading() || attribute.value_after_restart) {
+    f("valueAfterRestart", attribute.value_after_restart);
+  }
+  if (f.IsLoading() || attribute.norm != AttributeNorm()) f("normalizes", attribute.norm);
+  f.Require(attribute.upper >= attribute.lower, "the limits are 0 at least, and in order");
 }
 
 namespace {

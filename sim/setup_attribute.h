@@ -2,6 +2,7 @@
 #define MIRA_SIM_SETUP_ATTRIBUTE_H_
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,23 @@ enum class AttributeKind : std::uint8_t {
   kBootOrder = 4,
   kCollection = 5,
   kConfigSet = 6,
+};
+
+// What an attribute depends on: it is read-only unless another has this value.
+struct AttributeLock {
+  std::string attribute = {};  // empty: on none
+  std::string value = {};
+  bool after_restart = false;  // the value of the last start counts, not that of now
+};
+
+enum class KeptLetters : std::uint8_t { kAsWritten, kUpper, kLower };
+
+// What the firmware makes of a value that it takes.
+struct AttributeNorm {
+  KeptLetters letters = KeptLetters::kAsWritten;   // of a text
+  std::uint64_t step = 0;                          // an integer is rounded down to a multiple of it
+  std::map<std::string, std::string> values = {};  // others that stand for the written ones
+  bool operator==(const AttributeNorm&) const = default;
 };
 
 // One setup attribute of a simulated machine. Values are texts here: an integer in decimal, a value
@@ -36,6 +54,9 @@ struct SetupAttribute {
   std::uint64_t upper = 0;
   std::uint32_t increment = 0;  // of integers, counted from the smallest
   bool read_only = false;
+  AttributeLock unless = {};         // beside it, read_only does not count
+  bool value_after_restart = false;  // a new value shows at the next start
+  AttributeNorm norm = {};
 };
 
 }  // namespace mira::sim

@@ -4,6 +4,7 @@
 
 #include <cerrno>
 
+#include "support/append.h"
 #include "support/new_file.h"
 
 namespace mira::support {
@@ -52,6 +53,12 @@ std::error_code WriteNewFile(const std::filesystem::path& file, std::string_view
 std::error_code WriteInto(const std::filesystem::path& file, std::string_view bytes) {
   const int descriptor = ::open(file.c_str(), O_WRONLY | O_CLOEXEC);
   return descriptor < 0 ? LastError() : WriteAndClose(descriptor, bytes, false);
+}
+
+std::error_code AppendToDisk(const std::filesystem::path& file, std::string_view bytes) {
+  constexpr int kFlags = O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC;
+  const int descriptor = ::open(file.c_str(), kFlags, S_IRUSR | S_IWUSR);
+  return descriptor < 0 ? LastError() : WriteAndClose(descriptor, bytes, true);
 }
 
 std::error_code MoveOver(const std::filesystem::path& from, const std::filesystem::path& to) {

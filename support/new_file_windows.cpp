@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "support/append.h"
 #include "support/new_file.h"
 
 namespace mira::support {
@@ -42,6 +43,12 @@ std::error_code WriteInto(const std::filesystem::path& file, std::string_view by
   const HANDLE handle = CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
                                     FILE_ATTRIBUTE_NORMAL, nullptr);
   return handle == INVALID_HANDLE_VALUE ? LastError() : WriteAndClose(handle, bytes, false);
+}
+
+std::error_code AppendToDisk(const std::filesystem::path& file, std::string_view bytes) {
+  const HANDLE handle = CreateFileW(file.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ, nullptr,
+                                    OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+  return handle == INVALID_HANDLE_VALUE ? LastError() : WriteAndClose(handle, bytes, true);
 }
 
 std::error_code MoveOver(const std::filesystem::path& from, const std::filesystem::path& to) {

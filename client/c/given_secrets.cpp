@@ -9,6 +9,8 @@ namespace mira::client::c {
 namespace {
 
 constexpr std::uint32_t kLongestSecret = 1024;
+constexpr std::string_view kSeveral = "secrets";
+constexpr std::uint32_t kLongestSeveral = 64 * 1024;
 
 std::string ReadSlot(const mira_secret& secret, std::span<const char* const> slots) {
   if (secret.slot == nullptr) throw Error(kUsage, "bad-secret", "A secret has no slot.");
@@ -28,7 +30,8 @@ GivenSecrets::GivenSecrets(std::span<const mira_secret> secrets,
                            std::span<const char* const> slots) {
   for (const mira_secret& secret : secrets) {
     const std::string slot = ReadSlot(secret, slots);
-    if (secret.size > kLongestSecret || (secret.bytes == nullptr && secret.size != 0)) {
+    if (secret.size > (slot == kSeveral ? kLongestSeveral : kLongestSecret) ||
+        (secret.bytes == nullptr && secret.size != 0)) {
       throw Error(kUsage, "bad-secret", "The secret '" + slot + "' has a wrong size.", slot);
     }
     const std::string_view text(static_cast<const char*>(secret.bytes), secret.size);

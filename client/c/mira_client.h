@@ -85,12 +85,13 @@ typedef uint32_t mira_handle;
  *   "setup"     the setup password beside a drive's
  *   "new"       the one to be set
  *   "value"     the new value of an attribute that is a password
+ *   "secrets"   of "apply", several: a JSON object of names and texts
  * and, for mira_call() alone, "class10": as "password", the one of command class 10.
  */
 typedef struct {
   const char* slot;  /* ended by a zero byte */
   const void* bytes; /* `size` of them, none of them zero; may be null where there are none */
-  uint32_t size;     /* at most 1024 */
+  uint32_t size;     /* at most 1024; of "secrets" 65536 */
 } mira_secret;
 
 /* One call of the firmware's calling interface as it stands. */

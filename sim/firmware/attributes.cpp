@@ -10,13 +10,13 @@
 namespace mira::sim {
 namespace {
 
-constexpr std::uint8_t kReadOnlyBit = 0x80;
 constexpr std::uint16_t kFirstAttribute = 1;
 constexpr std::uint16_t kFirstString = 0x1000;
 
 constexpr std::uint8_t kAsciiText = 1;
 
 // The numbers by which the tables are read.
+constexpr std::uint8_t kAttributeTable = 1;
 constexpr std::uint8_t kValueTable = 2;
 constexpr std::uint8_t kDisplayTable = 3;
 constexpr std::uint8_t kHelpTable = 4;
@@ -77,6 +77,7 @@ void AttributeHandler::Prepare() {
   for (Stored& attribute : attributes_) {
     attribute.value = Encode(attribute, attribute.setup.value);
   }
+  CheckRules();
   BuildTables();
   for (const auto& [name, value] : profile->pending_attributes) {
     const Stored* const changed = Find(HandleOf(name));
@@ -113,8 +114,9 @@ void AttributeHandler::Reboot() {
 void AttributeHandler::Keep(Fields& fields) {
   std::map<std::string, Kept> kept;
   for (const Stored& a : attributes_) {
-    if (a.value == a.first && a.at_start == a.first_at_start) continue;
-    kept[a.setup.name] = {Decode(a, a.value), Decode(a, a.at_start)};
+    if (a.value == a.first && a.at_start == a.first_at_start && a.awaited.empty()) continue;
+    kept[a.setup.name] = {Decode(a, a.value), Decode(a, a.at_start), std::nullopt};
+    if (!a.awaited.empty()) kept[a.setup.name].awaited = Decode(a, a.awaited);
   }
   fields("attributes", kept);
   if (!fields.IsLoading()) return;
@@ -122,6 +124,7 @@ void AttributeHandler::Keep(Fields& fields) {
   for (Stored& a : attributes_) {
     a.value = a.first;
     a.at_start = a.first_at_start;
+    a.awaited.clear();
   }
   for (const auto& [name, texts] : kept) {
     const std::uint16_t handle = HandleOf(name);
@@ -130,11 +133,15 @@ void AttributeHandler::Keep(Fields& fields) {
     try {
       a.value = Encode(a, texts.now);
       a.at_start = Encode(a, texts.at_start);
+      if (texts.awaited) a.awaited = Encode(a, *texts.awaited);
     } catch (const std::logic_error& error) {
       fields.Require(false, error.what());
     }
   }
-  if (!attributes_.empty()) BuildValueTable();
+  if (!attributes_.empty()) {
+    BuildAttributeTable();
+    BuildValueTable();
+  }
 }
 
 const AttributeHandler::Stored* AttributeHandler::Find(std::uint16_t handle) const {
@@ -157,7 +164,6 @@ void AttributeHandler::BuildTables() {
       strings.Place(HandleOf(choice), choice);
     }
   }
-  BiosTable table;
   BiosTable display;
   BiosTable help;
   for (Stored& attribute : attributes_) {
@@ -166,9 +172,24 @@ void AttributeHandler::BuildTables() {
     for (const std::string& choice : setup.choices) {
       attribute.choice_handles.push_back(strings.HandleOf(choice));
     }
-    const auto type = static_cast<std::uint8_t>(setup.kind);
-    table.Word(attribute.handle).Byte(setup.read_only ? type | kReadOnlyBit : type);
-    table.Word(attribute.name_handle);
+    display.Word(attribute.name_handle).Text(setup.display);
+    help.Word(attribute.name_handle).Text(setup.help);
+  }
+  tables_ = {
+      {ListedTable::kStrings, {}, 0, strings.Table()},
+      {ListedTable::kAttributes, {}, kAttributeTable, {}},
+      {ListedTable::kValues, {}, kValueTable, {}},
+      {ListedTable::kStringData, ListedTable::kDisplay, kDisplayTable, display.Finish()},
+      {ListedTable::kStringData, ListedTable::kHelp, kHelpTable, help.Finish()},
+  };
+  TakeValues();
+}
+
+void AttributeHandler::BuildAttributeTable() {
+  BiosTable table;
+  for (const Stored& attribute : attributes_) {
+    const SetupAttribute& setup = attribute.setup;
+    table.Word(attribute.handle).Byte(TypeOf(attribute)).Word(attribute.name_handle);
     if (HasText(setup.kind)) {
       table.Byte(kAsciiText).Word(setup.lower).Word(setup.upper).Text(setup.default_value);
     } else if (setup.kind == AttributeKind::kInteger) {
@@ -186,30 +207,23 @@ void AttributeHandler::BuildTables() {
         table.ByteList(Positions(attribute, setup.default_value));
       }
     }
-    display.Word(attribute.name_handle).Text(setup.display);
-    help.Word(attribute.name_handle).Text(setup.help);
   }
-  tables_ = {
-      {ListedTable::kStrings, {}, 0, strings.Table()},
-      {ListedTable::kAttributes, {}, 1, table.Finish()},
-      {ListedTable::kValues, {}, kValueTable, {}},
-      {ListedTable::kStringData, ListedTable::kDisplay, kDisplayTable, display.Finish()},
-      {ListedTable::kStringData, ListedTable::kHelp, kHelpTable, help.Finish()},
-  };
-  TakeValues();
+  if (kAttributeTable < tables_.size()) tables_[kAttributeTable].bytes = table.Finish();
 }
 
 void AttributeHandler::TakeValues() {
-  for (Stored& attribute : attributes_) attribute.at_start = attribute.value;
+  for (Stored& attribute : attributes_) {
+    if (!attribute.awaited.empty()) attribute.value = std::exchange(attribute.awaited, {});
+    attribute.at_start = attribute.value;
+  }
+  BuildAttributeTable();
   BuildValueTable();
 }
 
 void AttributeHandler::BuildValueTable() {
   BiosTable values;
   for (const Stored& attribute : attributes_) {
-    const auto type = static_cast<std::uint8_t>(attribute.setup.kind);
-    values.Word(attribute.handle).Byte(attribute.setup.read_only ? type | kReadOnlyBit : type);
-    values.Bytes(attribute.at_start);
+    values.Word(attribute.handle).Byte(TypeOf(attribute)).Bytes(attribute.at_start);
   }
   if (kValueTable < tables_.size()) tables_[kValueTable].bytes = values.Finish();
 }
@@ -270,7 +284,7 @@ WriteStatus AttributeHandler::Write(const Request& request, std::uint32_t key) {
   const Stored* const attribute = Find(request.handle);
   if (attribute == nullptr) return WriteStatus::kUnknown;
   if (!security_->Accepts(key)) return WriteStatus::kNoKey;
-  if (attribute->setup.read_only) return WriteStatus::kReadOnly;
+  if (IsReadOnly(*attribute)) return WriteStatus::kReadOnly;
   bytes::Reader in(request.block.subspan(kBlockValue, request.size));
   const std::uint8_t kind = in.U8();
   if (!in.Ok() || kind != static_cast<std::uint8_t>(attribute->setup.kind)) {
@@ -280,7 +294,7 @@ WriteStatus AttributeHandler::Write(const Request& request, std::uint32_t key) {
   const WriteStatus verdict = Check(*attribute, value);
   // Passwords are never given back, so there is nothing to keep.
   if (verdict == WriteStatus::kDone && attribute->setup.kind != AttributeKind::kPassword) {
-    attributes_[attribute->handle - kFirstAttribute].value.assign(value.begin(), value.end());
+    Store(attributes_[attribute->handle - kFirstAttribute], value);
   }
   return verdict;
 }

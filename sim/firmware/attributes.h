@@ -54,6 +54,7 @@ class AttributeHandler : public CommandHandler {
     std::vector<std::uint16_t> choice_handles;
     Value value;
     Value at_start;  // what the tables say
+    Value awaited;   // taken, to show at the next start; empty: none
     Value first;     // both on a new machine
     Value first_at_start;
   };
@@ -61,7 +62,13 @@ class AttributeHandler : public CommandHandler {
   struct Kept {
     std::string now;
     std::string at_start;
-    void Keep(Fields& fields) { fields("now", now)("atStart", at_start); }
+    std::optional<std::string> awaited;
+    void Keep(Fields& fields) {
+      fields("now", now)("atStart", at_start);
+      if (fields.IsLoading() ? fields.Has("awaited") : awaited.has_value()) {
+        fields("awaited", awaited);
+      }
+    }
   };
   // The block in which an attribute is named and its value travels.
   struct Request {
@@ -79,7 +86,16 @@ class AttributeHandler : public CommandHandler {
 
   // Takes the profile's attributes, at the first call at the latest: most machines get none.
   void Prepare();
+  // Throws std::invalid_argument for rules that name what there is not.
+  void CheckRules();
+  bool IsReadOnly(const Stored& attribute) const;
+  std::uint8_t TypeOf(const Stored& attribute) const;
+  // What is kept of a value that is written.
+  Value Normal(const Stored& attribute, bytes::ByteSpan value) const;
+  void Store(Stored& attribute, bytes::ByteSpan value);
+  // The tables' texts; the table of attributes, whose read-only marks may change.
   void BuildTables();
+  void BuildAttributeTable();
   // The machine starts: the tables take the values of now.
   void TakeValues();
   void BuildValueTable();
@@ -103,6 +119,7 @@ class AttributeHandler : public CommandHandler {
   std::unique_ptr<const Profile> profile_;  // until it is prepared
   std::vector<Stored> attributes_;
   std::vector<ListedTable> tables_;
+  bool has_locks_ = false;  // an attribute depends on another
 };
 
 }  // namespace mira::sim

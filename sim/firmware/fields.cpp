@@ -144,6 +144,22 @@ void Fields::Number(std::int64_t& number, std::int64_t lowest, std::int64_t high
   number = Here().Number();
 }
 
+void Fields::WideNumber(std::uint64_t& number) {
+  constexpr auto kHighest = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
+  const bool is_text = IsLoading() ? Here().GetKind() == Node::Kind::kText : number > kHighest;
+  if (!is_text) {
+    auto narrow = static_cast<std::int64_t>(number);
+    Number(narrow, 0, std::numeric_limits<std::int64_t>::max());
+    number = static_cast<std::uint64_t>(narrow);
+    return;
+  }
+  if (pass_ == Pass::kSave) Here().SetText(std::to_string(number));
+  if (!IsLoading()) return;
+  const auto value = bytes::ParseNumber(Here().Text());
+  if (!value) Refuse("is no number");
+  number = *value;
+}
+
 void Fields::Flag(bool& flag) {
   if (pass_ == Pass::kSave) Here().SetFlag(flag);
   if (!IsLoading()) return;

@@ -133,6 +133,8 @@ class Fields {
   bool Present(bool is_present);
   std::vector<std::string> Names() const;
   void Number(std::int64_t& number, std::int64_t lowest, std::int64_t highest);
+  // Above 2^63-1, its decimal digits.
+  void WideNumber(std::uint64_t& number);
   void Flag(bool& flag);
   // Every byte of the text is a character of Latin-1.
   void Text(std::string& text);
@@ -174,6 +176,8 @@ template <typename T>
 void Fields::Value(T& value) {
   if constexpr (std::is_same_v<T, bool>) {
     Flag(value);
+  } else if constexpr (std::is_same_v<T, std::uint64_t>) {
+    WideNumber(value);
   } else if constexpr (std::integral<T>) {
     using Limits = std::numeric_limits<T>;
     auto number = static_cast<std::int64_t>(value);

@@ -92,6 +92,10 @@ const std::vector<Row>& Rows() {
        {"attr import attributes.tmp --yes", "attr import attributes.tmp --what-if",
         "attr import attributes.tmp --check", "attr import none.tmp"}},
       {"attr.diff", {"attr diff"}},
+      {"apply",
+       {"apply state.tmp --yes --write-secrets --secrets-file secrets.tmp",
+        "apply state.tmp --check", "apply state.tmp --what-if", "apply none.tmp",
+        "apply wrong.tmp --yes", "apply wrong.tmp --yes --partial", "apply state.tmp"}},
       {"boot.list", {"boot list"}},
       {"boot.show", {"boot show", "boot show 0", "boot show 77"}},
       {"boot.order",
@@ -149,6 +153,12 @@ class Files {
     Write("cut.tmp", table.substr(0, 300));
     Write("none.tmp", "no table");
     Write("attributes.tmp", R"({"attributes": [{"name": "FanFloor", "value": 30}]})");
+    Write("state.tmp", R"({"attributes": {"FanFloor": 30, "Usb*": {"value": "Enabled", "when":
+          {"system.productName": "No such*"}}, "OwnerPassword": {"secret": "owner", "optional": true}},
+          "boot": {"UEFI Boot": {"first": ["Windows Boot Manager"], "optional": true}},
+          "tags": {"asset": "NF-004712"}})");
+    Write("wrong.tmp", R"({"attributes": {"FanFloor": 30, "Nothing": 1, "WakeOnLan": true}})");
+    Write("secrets.tmp", R"({"password": "setup1", "owner": "Fresh1"})");
     Write("machine.tmp", R"({"name": "kiosk", "base": "locked"})");
     // Attributes, the paths' length, a description, PciRoot(0x0), the path's end.
     Write("option.tmp", "01000000 1000 4400690073006b000000 02010c00d041030a00000000 7fff0400");
@@ -225,7 +235,7 @@ TEST(Documents, HaveASchemaEach) {
     const std::string name = entry.path().filename().string();
     if (name.ends_with(kEnd)) schemas.insert(name.substr(0, name.size() - kEnd.size()));
   }
-  expected.insert({"common", "profile"});  // what is no command's document
+  expected.insert({"common", "profile", "state"});  // what is no command's document
   EXPECT_EQ(schemas, expected);
 }
 

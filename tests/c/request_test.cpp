@@ -255,6 +255,32 @@ TEST(CInterface, IsDescribedInTheGuide) {
   EXPECT_EQ(missing, "");
 }
 
+TEST(CInterface, BringsAMachineIntoAState) {
+  const OpenMachine machine("locked");
+  const json state = {{"attributes", {{"FanFloor", 30}, {"OwnerPassword", {{"secret", "owner"}}}}},
+                      {"tags", {{"asset", "NF-1"}}}};
+  const json request = {{"command", "apply"}, {"state", state}, {"writeSecrets", true}};
+  EXPECT_EQ(machine.Send(request).Error(), "value-needed");
+  EXPECT_EQ(
+      machine.Send(request, {{"secrets", R"({"password": "wrong", "owner": "geheim-77"})"}}).status,
+      MIRA_PASSWORD);
+  const Answer done =
+      machine.Send(request, {{"secrets", R"({"password": "setup1", "owner": "geheim-77"})"}});
+  EXPECT_EQ(done.status, MIRA_DONE) << done.text;
+  EXPECT_EQ(done.document.at("changed"), true);
+  EXPECT_EQ(done.text.find("geheim"), std::string::npos);
+  const Answer again = machine.Send({{"command", "apply"}, {"state", state.dump()}});
+  EXPECT_EQ(again.document.at("changed"), false) << again.text;
+  const Answer check = machine.Send(
+      {{"command", "apply"}, {"state", {{"attributes", {{"FanFloor", 40}}}}}, {"check", true}});
+  EXPECT_EQ(check.status, MIRA_DIFFERS) << check.text;
+  const Answer beside =
+      machine.Send({{"command", "apply"},
+                    {"state", {{"state", state}, {"secrets", {{"password", "geheim-77"}}}}}});
+  EXPECT_EQ(beside.Error(), "secret-in-request");
+  EXPECT_EQ(beside.text.find("geheim"), std::string::npos);
+}
+
 TEST(Secrets, AreRefusedInARequest) {
   const OpenMachine machine("locked");
   for (const char* const name :
