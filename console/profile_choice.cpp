@@ -1,19 +1,11 @@
 #include "console/profile_choice.h"
 
-#include <string_view>
-
 #include "console/command.h"
 #include "console/hints.h"
+#include "sim/chosen_profile.h"
 #include "sim/profile_file.h"
 
 namespace mira::console {
-namespace {
-
-constexpr std::string_view kProfileFile = ".json";
-
-}  // namespace
-
-bool IsProfileFile(const std::string& name) { return name.ends_with(kProfileFile); }
 
 sim::Profile LoadProfileFile(const std::string& path) {
   try {
@@ -27,7 +19,7 @@ sim::Profile LoadProfileFile(const std::string& path) {
 
 sim::Profile ChosenProfile(const std::string& name) {
   if (const sim::Profile* const profile = sim::FindProfile(name)) return *profile;
-  if (IsProfileFile(name)) return LoadProfileFile(name);
+  if (sim::IsProfileFile(name)) return LoadProfileFile(name);
   std::string known;
   for (const sim::Profile& p : sim::Profiles()) known += (known.empty() ? "" : ", ") + p.name;
   throw WithHint(Error(kNotFound, "unknown-profile",

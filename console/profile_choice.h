@@ -7,9 +7,6 @@
 
 namespace mira::console {
 
-// Whether a machine's name is that of a file that describes it.
-bool IsProfileFile(const std::string& name);
-
 // The machine that a file describes. Throws Error, which names the place in the file.
 sim::Profile LoadProfileFile(const std::string& path);
 

@@ -86,6 +86,16 @@ void Faults::Check(const Fault& fault) {
           "only power is lost within a write");
 }
 
+bool Faults::DoesSomething(const Fault& fault) {
+  return fault.completion || fault.result || fault.delay.count() > 0 || fault.truncate ||
+         !fault.overwrite.empty() || fault.loss != Loss::kNothing || fault.corrupt;
+}
+
+std::string Faults::NameOf(const std::string& operation) {
+  const bool is_command = IsNumber(operation.substr(0, 1));
+  return is_command ? "firmware " + operation : operation;
+}
+
 void Faults::Add(Fault fault) {
   Check(fault);
   armed_.push_back({std::move(fault)});

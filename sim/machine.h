@@ -76,7 +76,9 @@ class Machine {
 // CMiraIntf. Sessions may be nested.
 class Session {
  public:
-  explicit Session(Machine& machine);
+  // With kGoesOn the library keeps what it has begun: for a session that starts within a call.
+  enum class Start { kForgets, kGoesOn };
+  explicit Session(Machine& machine, Start start = Start::kForgets);
   ~Session();
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
