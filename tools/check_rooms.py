@@ -72,6 +72,9 @@ def fault(source, included, public):
         return None
     if room in HOST_HEADERS.get(included, set()):
         return None
+    # An example that is several sources finds its own headers beside it.
+    if room == "examples" and (ROOT / source).with_name(included).is_file():
+        return None
     return f"{room}/ does not include {first}/"
 
 
