@@ -75,6 +75,7 @@ void Faults::Check(const Fault& fault) {
     if (!is_sound) throw std::invalid_argument(rule);
   };
   require(IsKnown(fault.operation), "no such operation: " + fault.operation);
+  require(fault.nth >= 0, "calls are counted from 1");
   const bool is_firmware = fault.operation.starts_with("firmware");
   const bool is_reply = fault.completion || fault.truncate || !fault.overwrite.empty();
   require(is_firmware || !is_reply, "only firmware calls have a reply");

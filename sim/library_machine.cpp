@@ -7,6 +7,7 @@
 #include <string>
 
 #include "sim/control.h"
+#include "sim/host_apartment.h"
 #include "sim/mira_sim.h"
 #include "sim/ole.h"
 
@@ -24,6 +25,8 @@ class LibraryMachine : public ControlHost {
 
   // What serves the library. Looks for a machine unless there is one.
   const ServiceTable& Services() noexcept;
+  // Initialises COM, where a host may have been before.
+  HRESULT InitializeCom(LPVOID reserved, DWORD flags) noexcept;
   // Why there is none.
   const std::string& Reason() const { return reason_; }
 
@@ -136,6 +139,17 @@ const ServiceTable& LibraryMachine::Services() noexcept {
   return services_ != nullptr ? *services_ : NoMachine();
 }
 
+HRESULT LibraryMachine::InitializeCom(LPVOID reserved, DWORD flags) noexcept {
+  const ServiceTable& services = Services();
+  const auto kind = machine_ ? HostApartment() : std::nullopt;
+  if (kind) machine_->GetMachine().HostEnters(*kind);
+  return services.CoInitializeEx(reserved, flags);
+}
+
+HRESULT WINAPI Initialize(LPVOID reserved, DWORD flags) {
+  return LibraryMachine::Get().InitializeCom(reserved, flags);
+}
+
 // A service that hands its call on to the one of the same name.
 template <auto service>
 struct HandOn;
@@ -148,7 +162,7 @@ struct HandOn<service> {
 };
 
 const ServiceTable kFound = {
-    .CoInitializeEx = HandOn<&ServiceTable::CoInitializeEx>::Call,
+    .CoInitializeEx = Initialize,
     .CoInitializeSecurity = HandOn<&ServiceTable::CoInitializeSecurity>::Call,
     .CoCreateInstance = HandOn<&ServiceTable::CoCreateInstance>::Call,
     .CoSetProxyBlanket = HandOn<&ServiceTable::CoSetProxyBlanket>::Call,

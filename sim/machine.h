@@ -43,6 +43,10 @@ class Machine {
   void OnRelease(std::function<void(bytes::ByteSpan)> observer) {
     state_->on_release = std::move(observer);
   }
+  // The calling thread's host has initialised COM by itself, where the machine does not see it.
+  void HostEnters(Apartments::Kind kind) {
+    if (!state_->apartments.HasEntered()) state_->apartments.Enter(kind);
+  }
   // Restarts the machine: what was pending comes into force. A process that read the machine before
   // does not see it until it asks again.
   // Throws StateError when the machine is kept and that failed.

@@ -140,10 +140,11 @@ class Machine {
   ~Machine() {
     const Answer left = Demand("{\"command\": \"machine.forget\", \"force\": true}");
     if (left.status != MIRA_SIM_DONE) return;
-    for (const char* const what :
-         {"references", "outlived", "strings", "arrays", "variants", "comInitialisations"}) {
+    for (const char* const what : {"references", "outlived", "strings", "arrays", "variants"}) {
       EXPECT_EQ(left.Number(what), 0) << "left by the host: " << what;
     }
+    // Below 0 where the library ended an initialisation of the host's own.
+    EXPECT_LE(left.Number("comInitialisations"), 0) << "left by the host";
     EXPECT_NE(left.document.find("\"objections\": []"), std::string::npos) << left.document;
   }
   Machine(const Machine&) = delete;
