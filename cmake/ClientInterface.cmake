@@ -23,6 +23,7 @@ endfunction()
 mira_c_objects(mira_c_objects ${MIRA_C_SOURCES})
 mira_compile_together(mira_c_objects)
 mira_c_objects(mira_c_simulated ${MIRA_C_SIMULATED})
+target_compile_definitions(mira_c_simulated PRIVATE MIRA_SIM_BUILDING)
 
 add_library(mira_c_interface STATIC EXCLUDE_FROM_ALL
   $<TARGET_OBJECTS:mira_c_objects> $<TARGET_OBJECTS:mira_c_simulated>)

@@ -5,8 +5,8 @@ else()
   list(FILTER MIRA_SOURCES EXCLUDE REGEX "_windows\\.cpp$")
 endif()
 file(GLOB_RECURSE MIRA_SIM_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/sim/*.cpp)
-# Belongs to the C interface.
-list(FILTER MIRA_SIM_SOURCES EXCLUDE REGEX "/sim/client_machine\\.cpp$")
+# Belong to the simulator's builds of the two DLLs.
+list(FILTER MIRA_SIM_SOURCES EXCLUDE REGEX "/sim/(client|library)_machine\\.cpp$")
 if(WIN32)
   list(FILTER MIRA_SIM_SOURCES EXCLUDE REGEX "_linux\\.cpp$")
 else()
@@ -106,4 +106,21 @@ if(WIN32)
   target_link_libraries(mira_sim_static PUBLIC mira_static mira_support ole32 oleaut32 wbemuuid)
 else()
   add_library(mira_sim_static ALIAS mira_sim)
+endif()
+
+# The simulator's build of the product, as sim/miraintf.dll: the same exports and mira_sim_control, with a
+# simulated machine below.
+add_library(mira_library_machine OBJECT ${CMAKE_SOURCE_DIR}/sim/library_machine.cpp)
+target_compile_definitions(mira_library_machine PRIVATE MIRA_STATIC MIRA_SIM_BUILDING)
+target_link_libraries(mira_library_machine PUBLIC mira_options)
+function(mira_simulated_library name folder)
+  add_library(${name} SHARED $<TARGET_OBJECTS:mira_objects> $<TARGET_OBJECTS:mira_sim_objects>
+    $<TARGET_OBJECTS:mira_library_machine> ${MIRA_SUPPORT_SOURCES})
+  target_link_libraries(${name} PRIVATE mira_options ${MIRA_SYSTEM_LIBRARIES})
+  set_target_properties(${name} PROPERTIES OUTPUT_NAME miraintf PREFIX "" IMPORT_PREFIX "lib"
+    RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin/${folder}
+    ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/${folder})
+endfunction()
+if(TARGET mira_sim_objects)
+  mira_simulated_library(miraintf_sim sim)
 endif()

@@ -44,6 +44,8 @@ if(CMAKE_SIZEOF_VOID_P EQUAL 4)
   endforeach()
   add_custom_command(TARGET miraintf_shared POST_BUILD
     COMMAND ${CMAKE_COMMAND} -E copy_if_different ${MIRA_RUNTIME_FILES} $<TARGET_FILE_DIR:miraintf_shared> VERBATIM)
+  mira_simulated_library(miraintf_shared_sim shared/sim)
+  set_target_properties(miraintf_shared_sim PROPERTIES MIRA_SHARED_RUNTIME ON)
   if(MIRA_TESTS)
     mira_runtime_host(runtime_host_shared miraintf_shared)
     set_target_properties(runtime_host_shared PROPERTIES MIRA_SHARED_RUNTIME ON

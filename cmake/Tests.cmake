@@ -29,6 +29,20 @@ target_compile_definitions(mira_api_tests PRIVATE
   MIRA_SOURCES="${CMAKE_SOURCE_DIR}")
 add_dependencies(mira_api_tests mira)
 
+# The simulator's build of the C++ classes, on Windows as an unmodified host has it: beside the program.
+file(GLOB MIRA_SIM_TESTS CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/sim/*.cpp)
+add_executable(mira_sim_tests ${MIRA_SIM_TESTS})
+target_include_directories(mira_sim_tests PRIVATE ${CMAKE_SOURCE_DIR}/sim)
+target_link_libraries(mira_sim_tests PRIVATE mira::api mira_quick ${MIRA_GTEST})
+if(TARGET miraintf_sim)
+  set_target_properties(mira_sim_tests PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin/sim)
+  add_dependencies(mira_sim_tests miraintf_sim)
+else()
+  target_sources(mira_sim_tests PRIVATE $<TARGET_OBJECTS:mira_library_machine>)
+  target_link_libraries(mira_sim_tests PRIVATE mira_sim)
+  target_compile_definitions(mira_sim_tests PRIVATE MIRA_SIM_STATIC)
+endif()
+
 # The C interface: linked in, or on Windows the DLL, loaded at run time.
 file(GLOB MIRA_C_TESTS CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/c/*.cpp)
 add_executable(mira_c_tests ${MIRA_C_TESTS})
@@ -48,10 +62,25 @@ else()
   target_link_libraries(mira_c_tests PRIVATE mira_c_interface)
 endif()
 
+# The suite of an application on simulated machines, as the SDK has it.
+set(MIRA_APPLICATION ${CMAKE_SOURCE_DIR}/examples/configuration)
+add_executable(configuration_test ${MIRA_APPLICATION}/configuration.cpp ${MIRA_APPLICATION}/configuration_test.cpp)
+target_include_directories(configuration_test PRIVATE ${CMAKE_SOURCE_DIR}/client/c ${CMAKE_SOURCE_DIR}/sim)
+target_link_libraries(configuration_test PRIVATE mira_options mira_quick ${MIRA_GTEST})
+if(TARGET miraintf_sim)
+  target_link_libraries(configuration_test PRIVATE miraclient)
+  set_target_properties(configuration_test PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin/sim)
+  add_dependencies(configuration_test miraclient_sim)
+else()
+  target_link_libraries(configuration_test PRIVATE mira_c_interface)
+  target_compile_definitions(configuration_test PRIVATE MIRA_SIM_STATIC)
+endif()
+
 # The examples at the top of the headers that hosts and tests include must compile; they are not run.
 find_package(Python3 REQUIRED COMPONENTS Interpreter)
 file(STRINGS ${CMAKE_SOURCE_DIR}/cmake/public_headers.txt MIRA_EXAMPLE_HEADERS REGEX "^[^#]")
 file(GLOB MIRA_SIM_HEADERS CONFIGURE_DEPENDS RELATIVE ${CMAKE_SOURCE_DIR} ${CMAKE_SOURCE_DIR}/sim/*.h)
+list(FILTER MIRA_SIM_HEADERS EXCLUDE REGEX "/mira_sim")
 set(MIRA_EXAMPLE_FILES ${MIRA_EXAMPLE_HEADERS})
 list(TRANSFORM MIRA_EXAMPLE_FILES PREPEND ${CMAKE_SOURCE_DIR}/src/)
 foreach(header ${MIRA_SIM_HEADERS})
@@ -84,12 +113,12 @@ target_precompile_headers(mira_api_tests PRIVATE <gtest/gtest.h> <nlohmann/json.
 
 # Whatever the library is built with: their own speed does not matter, the compiler's does.
 if(NOT MSVC)
-  foreach(target mira_unit_tests mira_api_tests mira_c_tests mira_header_examples)
+  foreach(target mira_unit_tests mira_api_tests mira_c_tests mira_sim_tests configuration_test mira_header_examples)
     target_compile_options(${target} PRIVATE -O0)
   endforeach()
 endif()
 
-foreach(test mira_unit_tests mira_api_tests mira_c_tests)
+foreach(test mira_unit_tests mira_api_tests mira_c_tests mira_sim_tests configuration_test)
   add_test(NAME ${test}
     COMMAND ${test} --gtest_output=json:results/${test}.json
     WORKING_DIRECTORY ${CMAKE_BINARY_DIR})
@@ -100,6 +129,37 @@ add_test(NAME schemas
   WORKING_DIRECTORY ${CMAKE_BINARY_DIR})
 set_tests_properties(mira_api_tests PROPERTIES FIXTURES_SETUP documents)
 set_tests_properties(schemas PROPERTIES FIXTURES_REQUIRED documents)
-add_test(NAME example_host COMMAND example_host)
+# The examples of hosts run as they are: on the simulator's build, which reaches a machine once MIRA_SIM names
+# one, and where there is a DLL of the product, on that.
+function(mira_host_test name machine)
+  set(test ${name}_${machine})
+  if(WIN32)
+    # The DLL that lies beside it makes the difference.
+    set(program ${CMAKE_BINARY_DIR}/bin/sim/${name}.exe)
+    add_test(NAME ${test} COMMAND ${CMAKE_CROSSCOMPILING_EMULATOR} ${program})
+  else()
+    add_test(NAME ${test} COMMAND ${name})
+  endif()
+  # The library keeps its structures to the end of the process.
+  set_tests_properties(${test} PROPERTIES ENVIRONMENT "MIRA_SIM=${machine};ASAN_OPTIONS=detect_leaks=0" ${ARGN})
+endfunction()
+foreach(name example_host sta_host)
+  mira_host_test(${name} laptop)
+  mira_host_test(${name} lapdog PASS_REGULAR_EXPRESSION "There is no simulated machine called 'lapdog'")
+  if(TARGET miraintf_sim)
+    add_custom_command(TARGET ${name} POST_BUILD
+      COMMAND ${CMAKE_COMMAND} -E copy $<TARGET_FILE:${name}> ${CMAKE_BINARY_DIR}/bin/sim/ VERBATIM)
+    add_dependencies(${name} miraintf_sim)
+  endif()
+endforeach()
+if(WIN32)
+  # Whatever it says, it is about this PC.
+  add_test(NAME example_host_product COMMAND example_host)
+  set_tests_properties(example_host_product PROPERTIES ENVIRONMENT MIRA_SIM=lapdog
+    PASS_REGULAR_EXPRESSION "Init failed with status|Token 0x" FAIL_REGULAR_EXPRESSION "lapdog")
+  add_test(NAME sta_host_product COMMAND sta_host)
+  set_tests_properties(sta_host_product PROPERTIES SKIP_RETURN_CODE 77 FAIL_REGULAR_EXPRESSION "lapdog")
+endif()
+add_test(NAME simulated_host COMMAND simulated_host)
 add_test(NAME tour COMMAND mira --sim tour)
 set_tests_properties(tour PROPERTIES ENVIRONMENT MIRA_SIM_STATE=)

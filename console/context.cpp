@@ -4,7 +4,6 @@
 #include <iterator>
 #include <string_view>
 
-#include "bytes/text.h"
 #include "console/command.h"
 #include "console/field.h"
 #include "console/hints.h"
@@ -12,23 +11,11 @@
 #include "console/profile_choice.h"
 #include "console/terminal.h"
 #include "facade/process_state.h"
+#include "sim/chosen_profile.h"
 #include "sim/clock.h"
 #include "support/files.h"
 
 namespace mira::console {
-namespace {
-
-// What a machine's file is called: machines of different files stay apart.
-std::string MachineName(const std::string& profile) {
-  if (!IsProfileFile(profile)) return profile;
-  const std::filesystem::path file = std::filesystem::absolute(ToPath(profile));
-  std::uint32_t hash = 2166136261;
-  for (const char c : PathText(file)) hash = (hash ^ static_cast<unsigned char>(c)) * 16777619;
-  return PathText(file.stem()) + "-" + bytes::HexNumber(hash, 8);
-}
-
-}  // namespace
-
 Context::Context(Options options, std::istream& in, std::ostream& out)
     : options_(std::move(options)), in_(in), out_(out) {
   if (!options_.simulated) return;
@@ -94,7 +81,7 @@ Context::~Context() {
 
 std::filesystem::path Context::MachineFile() const {
   if (!machine_ || options_.machines.empty()) return {};
-  return options_.machines / ToPath(MachineName(options_.profile) + ".machine");
+  return options_.machines / sim::KeptName(options_.profile);
 }
 
 void Context::CheckMachine() const {

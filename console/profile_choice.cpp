@@ -1,15 +1,12 @@
 #include "console/profile_choice.h"
 
-#include <string_view>
-
 #include "console/command.h"
 #include "console/hints.h"
+#include "sim/chosen_profile.h"
 #include "sim/profile_file.h"
 
 namespace mira::console {
 namespace {
-
-constexpr std::string_view kProfileFile = ".json";
 
 Error UnknownProfile(ExitStatus status, const std::string& name) {
   std::string known;
@@ -20,8 +17,6 @@ Error UnknownProfile(ExitStatus status, const std::string& name) {
 }
 
 }  // namespace
-
-bool IsProfileFile(const std::string& name) { return name.ends_with(kProfileFile); }
 
 sim::Profile LoadProfileFile(const std::string& path) {
   try {
@@ -35,14 +30,14 @@ sim::Profile LoadProfileFile(const std::string& path) {
 }
 
 void CheckProfileName(const std::string& name) {
-  if (sim::FindProfile(name) == nullptr && !IsProfileFile(name)) {
+  if (sim::FindProfile(name) == nullptr && !sim::IsProfileFile(name)) {
     throw UnknownProfile(kUsage, name);
   }
 }
 
 sim::Profile ChosenProfile(const std::string& name) {
   if (const sim::Profile* const profile = sim::FindProfile(name)) return *profile;
-  if (IsProfileFile(name)) return LoadProfileFile(name);
+  if (sim::IsProfileFile(name)) return LoadProfileFile(name);
   throw UnknownProfile(kNotFound, name);
 }
 

@@ -7,9 +7,6 @@
 
 namespace mira::console {
 
-// Whether a machine's name is that of a file that describes it.
-bool IsProfileFile(const std::string& name);
-
 // Throws Error (kUsage) where no machine has the name; a file is not looked into.
 void CheckProfileName(const std::string& name);
 

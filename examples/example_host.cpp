@@ -1,21 +1,13 @@
 // A host in its smallest form: start the library, dump the BIOS structure, make a call. It links
-// the import library only. With the argument --real it works on this PC, else on the simulated
-// machine.
+// the import library only. With the simulator's DLL beside it, it runs on the machine that the
+// environment variable MIRA_SIM names.
 
 #include <iostream>
-#include <memory>
-#include <string_view>
+#include <map>
 
 #include "facade/mira_intf.h"
-#include "sim/machine.h"
 
-int main(int argc, char** argv) {
-  mira::sim::Machine machine;
-  std::unique_ptr<mira::sim::Session> session;
-  if (argc < 2 || std::string_view(argv[1]) != "--real") {
-    session = std::make_unique<mira::sim::Session>(machine);
-  }
-
+int main() {
   CMiraIntf mira(std::cerr);
   if (const Status status = mira.Init(false, false, false); status != STATUS_SUCCESS) {
     std::cerr << "Init failed with status " << status << '\n';

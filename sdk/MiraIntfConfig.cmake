@@ -5,8 +5,8 @@
 #   MiraIntf::simulator   the simulated machine for C++ hosts: a static library
 #
 # MiraIntf_SHARED_RUNTIME, set before: 32-bit hosts with mingw's shared runtime (x86-shared).
-# MiraIntf_BIN and MiraIntf_SIM: the folders of the DLLs of the product, and of those that open simulated
-# machines.
+# MiraIntf_BIN and MiraIntf_SIM: the folders of the DLLs of the product, and of the builds of them that run on
+# simulated machines. MiraIntf_CPP_SIM: that of such a build of miraintf.dll, which fits the host's runtime.
 get_filename_component(_mira_root "${CMAKE_CURRENT_LIST_DIR}/../../.." ABSOLUTE)
 if(CMAKE_SIZEOF_VOID_P EQUAL 8)
   set(_mira_folder x64)
@@ -15,6 +15,7 @@ else()
 endif()
 set(MiraIntf_BIN "${_mira_root}/${_mira_folder}/bin")
 set(MiraIntf_SIM "${_mira_root}/${_mira_folder}/sim")
+set(MiraIntf_CPP_SIM "${MiraIntf_SIM}")
 
 if(NOT WIN32)
   set(MiraIntf_FOUND FALSE)
@@ -54,6 +55,7 @@ else()
   if(MiraIntf_SHARED_RUNTIME)
     set(_mira_cpp x86-shared)
     set(MiraIntf_BIN "${_mira_root}/${_mira_cpp}/bin")
+    set(MiraIntf_CPP_SIM "${_mira_root}/${_mira_cpp}/sim")
   endif()
   if(NOT TARGET MiraIntf::cpp)
     add_library(MiraIntf::cpp SHARED IMPORTED)

@@ -1,90 +1,114 @@
-// The machines that the simulator's build of the C interface opens: simulated ones, or this PC.
+// The machines that the simulator's build of the C interface opens: simulated ones, or this PC; and
+// how a program controls them.
 
-#include <filesystem>
 #include <memory>
 #include <string>
 
+#include "client/c/engine.h"
 #include "client/c/machine.h"
 #include "client/error.h"
+#include "sim/chosen_profile.h"
 #include "sim/clock.h"
-#include "sim/kept_machine.h"
+#include "sim/control.h"
 #include "sim/machine.h"
-#include "sim/profile_file.h"
+#include "sim/mira_sim.h"
+#include "sim/process_machine.h"
 
 namespace mira::client::c {
 namespace {
 
-std::filesystem::path ToPath(const std::string& utf8) {
-  return std::u8string(utf8.begin(), utf8.end());
+// The one that is open, if it is a simulated one. The engine's thread sets it while it opens and
+// closes; others look at it while the engine is still.
+sim::MachinePtr& Opened() {
+  static sim::MachinePtr& opened = *new sim::MachinePtr();
+  return opened;
 }
 
-sim::Profile Named(const std::string& name) {
-  if (const sim::Profile* const profile = sim::FindProfile(name)) return *profile;
-  if (name.ends_with(".json")) return sim::LoadProfile(ToPath(name));
+Error ErrorOf(const sim::ChoiceError& error) {
+  Error refusal(static_cast<ExitStatus>(error.status), error.name, error.what(), error.target);
+  if (refusal.name != "unknown-profile") return refusal;
   Json known = Json::array();
   for (const sim::Profile& profile : sim::Profiles()) known.push_back(profile.name);
-  throw Error(kNotFound, "unknown-profile", "There is no simulated machine called '" + name + "'.",
-              name)
-      .With("choices", std::move(known));
-}
-
-// A built-in machine, by its name; one that a file describes; or the description itself.
-sim::Profile Chosen(const Json& simulated) {
-  const std::string target = simulated.is_string() ? simulated.get<std::string>() : "simulated";
-  try {
-    return simulated.is_string() ? Named(target) : sim::ReadProfile(simulated.dump());
-  } catch (const sim::StateError& error) {
-    throw Error(kInvalidValue, "bad-profile",
-                Sentence("'" + target + "' describes no simulated machine: " + error.what()),
-                target);
-  }
+  refusal.With("choices", std::move(known));
+  return refusal;
 }
 
 class SimulatedMachine : public Machine {
  public:
-  SimulatedMachine(const Json& simulated, const std::string& state)
-      : name_(simulated.is_string() ? simulated.get<std::string>() : ""),
-        machine_(Chosen(simulated)) {
-    if (name_.empty()) name_ = machine_.GetProfile().name;
-    if (name_.empty()) name_ = "simulated";
-    if (!state.empty()) Keep(state);
-    session_ = std::make_unique<sim::Session>(machine_);
+  explicit SimulatedMachine(sim::MachinePtr machine)
+      : machine_(std::move(machine)),
+        session_(std::make_unique<sim::Session>(machine_->GetMachine())) {
+    Opened() = machine_;
+  }
+  ~SimulatedMachine() override {
+    session_.reset();
+    Opened().reset();
   }
 
   void Introduce(Session& session) const override {
-    session.SetSimulated(name_);
-    session.SetClock([this] { return sim::TimeOf(machine_.GetProfile()); });
+    session.SetSimulated(machine_->Name());
+    session.SetClock([this] { return sim::TimeOf(machine_->GetMachine().GetProfile()); });
   }
 
   void Check() const override {
-    if (!kept_ || kept_->Problem().empty()) return;
-    throw Error(kUnexpected, "machine-not-kept",
-                "The simulated machine could not be kept: " + kept_->Problem());
-  }
-
- private:
-  void Keep(const std::string& state) {
-    try {
-      kept_ = std::make_unique<sim::KeptMachine>(machine_, ToPath(state));
-    } catch (const sim::StateError& error) {
-      throw Error(kUnexpected, "machine-unreadable",
-                  "The simulated machine in '" + state + "' cannot be read: " + error.what(),
-                  state);
+    if (const std::string problem = machine_->Problem(); !problem.empty()) {
+      throw Error(kUnexpected, "machine-not-kept",
+                  "The simulated machine could not be kept: " + problem);
     }
   }
 
-  std::string name_;
-  sim::Machine machine_;
-  std::unique_ptr<sim::KeptMachine> kept_;
+ private:
+  sim::MachinePtr machine_;
   std::unique_ptr<sim::Session> session_;
+};
+
+// Null: this PC.
+sim::MachinePtr Wanted(const Json& options) {
+  const auto simulated = options.find("simulated");
+  if (simulated == options.end()) return sim::ProcessMachine::Get().Use();
+  const std::filesystem::path file = sim::FilePath(options.value("state", ""));
+  return simulated->is_string() ? sim::MakeNamed(simulated->get<std::string>(), file)
+                                : sim::MakeDescribed(simulated->dump(), file);
+}
+
+class EngineHost : public sim::ControlHost {
+ public:
+  sim::MachinePtr Machine() override {
+    return Opened() ? Opened() : sim::ProcessMachine::Get().Use();
+  }
+  // With its last handle the library has forgotten the machine.
+  void LetGo(bool) override {
+    if (!is_open_) return;
+    throw sim::ChoiceError(MIRA_SIM_BUSY, "busy", "The host has a machine open.");
+  }
+  bool WhileStill(const std::function<void()>& work) override {
+    return Engine::Get().WhileStill([&](bool is_open) {
+      is_open_ = is_open;
+      work();
+    });
+  }
+
+ private:
+  bool is_open_ = false;
 };
 
 }  // namespace
 
 std::unique_ptr<Machine> OpenMachine(const Json& options) {
-  const auto simulated = options.find("simulated");
-  if (simulated == options.end()) return std::make_unique<Machine>();
-  return std::make_unique<SimulatedMachine>(*simulated, options.value("state", ""));
+  try {
+    sim::MachinePtr machine = Wanted(options);
+    if (!machine) return std::make_unique<Machine>();
+    return std::make_unique<SimulatedMachine>(std::move(machine));
+  } catch (const sim::ChoiceError& error) {
+    throw ErrorOf(error);
+  }
 }
 
 }  // namespace mira::client::c
+
+MIRA_SIM_API int32_t MIRA_SIM_CALL mira_sim_control(const char* request, uint32_t size,
+                                                    const char** document,
+                                                    uint32_t* document_size) {
+  mira::client::c::EngineHost host;
+  return mira::sim::ControlForHost(request, size, document, document_size, host);
+}

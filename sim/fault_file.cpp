@@ -52,6 +52,30 @@ void Describe(Fields& fields, SharedFault& shared) {
   }
 }
 
+SharedFault AddTo(std::vector<SharedFault>& faults, const Fault& fault) {
+  if (faults.size() >= kMostFaults) throw StateError("there are too many faults already");
+  SharedFault added;
+  added.number = faults.empty() ? 1 : faults.back().number + 1;
+  added.fault = fault;
+  faults.push_back(added);
+  return added;
+}
+
+std::vector<Fault> HitOf(std::vector<SharedFault>& faults, std::string_view operation,
+                         bool& counted) {
+  std::vector<Fault> hit;
+  counted = false;
+  for (SharedFault& shared : faults) {
+    if (shared.fault.operation != operation) continue;
+    counted = true;
+    ++shared.calls;
+    if (shared.fault.nth != 0 && shared.fault.nth != shared.calls) continue;
+    ++shared.hits;
+    hit.push_back(shared.fault);
+  }
+  return hit;
+}
+
 bool FaultFile::IsThere() const {
   std::error_code error;
   return std::filesystem::exists(file_, error);
@@ -82,11 +106,7 @@ SharedFault FaultFile::Add(const Fault& fault) {
   const FileLock lock(file_);
   RemoveRemains(file_);
   std::vector<SharedFault> faults = Read();
-  if (faults.size() >= kMostFaults) throw StateError("there are too many faults already");
-  SharedFault added;
-  added.number = faults.empty() ? 1 : faults.back().number + 1;
-  added.fault = fault;
-  faults.push_back(added);
+  const SharedFault added = AddTo(faults, fault);
   Write(faults);
   return added;
 }
@@ -128,14 +148,7 @@ std::vector<Fault> FaultFile::Hit(std::string_view operation) {
     const FileLock lock(file_);
     std::vector<SharedFault> faults = Read();
     bool is_counted = false;
-    for (SharedFault& shared : faults) {
-      if (shared.fault.operation != operation) continue;
-      is_counted = true;
-      ++shared.calls;
-      if (shared.fault.nth != 0 && shared.fault.nth != shared.calls) continue;
-      ++shared.hits;
-      hit.push_back(shared.fault);
-    }
+    hit = HitOf(faults, operation, is_counted);
     if (is_counted) Write(faults);
   } catch (const std::exception&) {
     hit.clear();

@@ -27,6 +27,13 @@ struct SharedFault {
 };
 void Describe(Fields& fields, SharedFault& fault);
 
+// Adds a fault under a number of its own. Throws StateError when there are too many.
+SharedFault AddTo(std::vector<SharedFault>& faults, const Fault& fault);
+// Counts a call of the operation in the faults of it, and gives those that it hits; `counted` tells
+// whether there were any.
+std::vector<Fault> HitOf(std::vector<SharedFault>& faults, std::string_view operation,
+                         bool& counted);
+
 class FaultFile : public FaultSource {
  public:
   explicit FaultFile(std::filesystem::path file) : file_(std::move(file)) {}

@@ -75,6 +75,7 @@ void Faults::Check(const Fault& fault) {
     if (!is_sound) throw std::invalid_argument(rule);
   };
   require(IsKnown(fault.operation), "no such operation: " + fault.operation);
+  require(fault.nth >= 0, "calls are counted from 1");
   const bool is_firmware = fault.operation.starts_with("firmware");
   const bool is_reply = fault.completion || fault.truncate || !fault.overwrite.empty();
   require(is_firmware || !is_reply, "only firmware calls have a reply");
@@ -84,6 +85,16 @@ void Faults::Check(const Fault& fault) {
   require(is_firmware || fault.moment == Moment::kBefore, "only firmware calls have moments");
   require(fault.moment != Moment::kWithin || fault.loss == Loss::kPower,
           "only power is lost within a write");
+}
+
+bool Faults::DoesSomething(const Fault& fault) {
+  return fault.completion || fault.result || fault.delay.count() > 0 || fault.truncate ||
+         !fault.overwrite.empty() || fault.loss != Loss::kNothing || fault.corrupt;
+}
+
+std::string Faults::NameOf(const std::string& operation) {
+  const bool is_command = IsNumber(operation.substr(0, 1));
+  return is_command ? "firmware " + operation : operation;
 }
 
 void Faults::Add(Fault fault) {

@@ -76,6 +76,10 @@ class Faults {
   void Add(Fault fault);
   // The same check without adding.
   static void Check(const Fault& fault);
+  // Whether there is something that a call would notice.
+  static bool DoesSomething(const Fault& fault);
+  // The name of an operation that may be given as CLASS/SELECT alone.
+  static std::string NameOf(const std::string& operation);
   // Where further faults come from; null: from nowhere.
   void SetSource(FaultSource* source) { source_ = source; }
   // All of them, but for the firmware calls of single commands.
@@ -87,6 +91,8 @@ class Faults {
   }
   // How often an operation was called since the machine was made.
   int Calls(std::string_view operation) const;
+  // The same of every operation that was called.
+  const std::map<std::string, int, std::less<>>& AllCalls() const { return calls_; }
 
   // Counts a call of the operation and gives the faults that it hits, after their delays.
   std::vector<Fault> Hit(std::string_view operation);

@@ -47,9 +47,13 @@ HRESULT WINAPI ClearVariant(VARIANT* value) {
   if (value != nullptr && value->vt == VT_BSTR && value->bstrVal != nullptr) {
     current->Release(StringBytes(value->bstrVal));
     --current->live.strings;
+    current->Cleared(value->bstrVal);
   } else if (value != nullptr && (value->vt & VT_ARRAY) != 0 && value->parray != nullptr) {
     current->Release(ArrayBytes(value->parray));
     --current->live.arrays;
+    current->Cleared(value->parray);
+  } else if (value != nullptr && value->vt == VT_UNKNOWN) {
+    current->Cleared(value->punkVal);
   }
   return Ole().VariantClear(value);
 }
@@ -258,8 +262,9 @@ void Machine::LoadState(const Node& tree) {
 
 void Machine::RestoreState(std::string_view saved) { TakeState(ParseJson(saved)); }
 
-Session::Session(Machine& machine) : state_before_(current), services_before_(nullptr) {
-  ResetProcessState();
+Session::Session(Machine& machine, Start start)
+    : state_before_(current), services_before_(nullptr) {
+  if (start == Start::kForgets) ResetProcessState();
   current = machine.state_;
   services_before_ = platform::SetServices(&kServices);
 }

@@ -43,6 +43,10 @@ class Machine {
   void OnRelease(std::function<void(bytes::ByteSpan)> observer) {
     state_->on_release = std::move(observer);
   }
+  // The calling thread's host has initialised COM by itself, where the machine does not see it.
+  void HostEnters(Apartments::Kind kind) {
+    if (!state_->apartments.HasEntered()) state_->apartments.Enter(kind);
+  }
   // Restarts the machine: what was pending comes into force. A process that read the machine before
   // does not see it until it asks again.
   // Throws StateError when the machine is kept and that failed.
@@ -76,7 +80,9 @@ class Machine {
 // CMiraIntf. Sessions may be nested.
 class Session {
  public:
-  explicit Session(Machine& machine);
+  // With kGoesOn the library keeps what it has begun: for a session that starts within a call.
+  enum class Start { kForgets, kGoesOn };
+  explicit Session(Machine& machine, Start start = Start::kForgets);
   ~Session();
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;

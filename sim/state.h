@@ -8,6 +8,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <vector>
 
 #include "bytes/reader.h"
@@ -26,6 +27,7 @@ struct Live {
   int outlived = 0;    // of these, those that were there when COM ended in their apartment, in sum
   int strings = 0;     // BSTRs
   int arrays = 0;      // SAFEARRAYs
+  int variants = 0;    // VARIANTs that were filled with one of these, or with an object
   int com_scopes = 0;  // CoInitializeEx that succeeded, less CoUninitialize; may fall below 0
 };
 
@@ -50,6 +52,8 @@ struct State {
   Faults faults;
   Firmware firmware;
   Live live;
+  // What is in the VARIANTs that were filled, one entry each.
+  std::multiset<const void*> in_variants;
   DWORD last_error = 0;
   // Where the state is kept beyond the process, if it is.
   Storage* storage = nullptr;
@@ -82,6 +86,18 @@ struct State {
       return true;  // what cannot be looked at stays as it was
     }
     return firmware.IsOff();
+  }
+  // A VARIANT was filled with what `content` points to, or was cleared of it. One that the library
+  // has filled itself does not count.
+  void Filled(const void* content) {
+    in_variants.insert(content);
+    ++live.variants;
+  }
+  void Cleared(const void* content) {
+    const auto found = in_variants.find(content);
+    if (found == in_variants.end()) return;
+    in_variants.erase(found);
+    --live.variants;
   }
   void Release(bytes::ByteSpan bytes) const {
     if (on_release && !bytes.empty()) on_release(bytes);

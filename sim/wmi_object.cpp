@@ -127,6 +127,7 @@ HRESULT WmiObject::CopyOut(const Value& from, VARIANT& to) const {
     if (copy == nullptr) return E_OUTOFMEMORY;
     to.vt = VT_BSTR;
     to.bstrVal = copy;
+    state().Filled(copy);
   } else if (const auto* bytes = std::get_if<Bytes>(&from)) {
     SAFEARRAYBOUND bound{};
     bound.cElements = static_cast<ULONG>(bytes->size());
@@ -136,9 +137,11 @@ HRESULT WmiObject::CopyOut(const Value& from, VARIANT& to) const {
     std::copy(bytes->begin(), bytes->end(), static_cast<std::uint8_t*>(array->pvData));
     to.vt = static_cast<VARTYPE>(VT_ARRAY | VT_UI1);
     to.parray = array;
+    state().Filled(array);
   } else if (const auto* object = std::get_if<ObjectPtr>(&from); object != nullptr && *object) {
     to.vt = VT_UNKNOWN;
     to.punkVal = ObjectPtr(*object).Detach();
+    state().Filled(to.punkVal);
   } else {
     to.vt = VT_NULL;
   }

@@ -12,6 +12,8 @@ root=$PWD
 work=build/hosts/work
 windows_library="Z:$root/build/windows/bin/sim/miraclient.dll"
 linux_library="$root/build/hosts/bin/sim/libmiraclient.so"
+# The tours expect this machine.
+export MIRA_SIM=locked
 # Where a Linux program finds the library.
 beside="-Wl,-rpath,\$ORIGIN/../bin/sim"
 failed=""
@@ -86,7 +88,7 @@ csharp_linux() {
 
 exports() {
   [ "$(nm -D --defined-only "$linux_library" | awk '{print $3}' | LC_ALL=C sort)" = \
-    "$(sed -n 's/^  \(mira_.*\)/\1/p' client/c/miraclient.def | LC_ALL=C sort)" ]
+    "$({ sed -n 's/^  \(mira_.*\)/\1/p' client/c/miraclient.def; echo mira_sim_control; } | LC_ALL=C sort)" ]
 }
 
 if [ $# -gt 0 ]; then

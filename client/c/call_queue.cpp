@@ -51,6 +51,13 @@ bool CallQueue::IsInCallback() const {
   return callback_thread_ == std::this_thread::get_id();
 }
 
+bool CallQueue::WhileStill(const std::function<void()>& work) {
+  const std::scoped_lock lock(mutex_);
+  if (current_ != nullptr && !current_->asks) return false;
+  work();
+  return true;
+}
+
 void CallQueue::Serve(Session& session) {
   std::unique_lock lock(mutex_);
   for (;;) {

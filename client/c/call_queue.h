@@ -54,6 +54,10 @@ class CallQueue {
   // Whether the calling thread is answering `ask`.
   bool IsInCallback() const;
 
+  // Does `work` while nothing else can begin. False, without doing it, when a call is under way and
+  // not in its callback.
+  bool WhileStill(const std::function<void()>& work);
+
   // Does the work that is given, in its order, until it is stopped.
   void Serve(Session& session);
   // Whether the work that is being done goes on; for the serving thread.

@@ -191,6 +191,14 @@ Reply Engine::Run(std::uint32_t handle, const Work& work, const Ask& ask) {
   }
 }
 
+bool Engine::WhileStill(const std::function<void(bool is_open)>& work) {
+  const std::scoped_lock lock(mutex_);
+  if (is_changing_) return false;
+  if (server_ != nullptr) return server_->Queue().WhileStill([&work] { work(true); });
+  work(false);
+  return true;
+}
+
 bool Engine::IsSimulated() {
   const std::scoped_lock lock(mutex_);
   return server_ != nullptr && server_->IsSimulated();

@@ -10,6 +10,7 @@
 
 #include <condition_variable>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -35,6 +36,9 @@ class Engine {
   Reply Run(std::uint32_t handle, const Work& work, const Ask& ask);
   // Whether a simulated machine is open.
   bool IsSimulated();
+  // Does `work`, which is told whether a machine is open, while the machine's thread stands still.
+  // False, without doing it, when that thread is at work.
+  bool WhileStill(const std::function<void(bool is_open)>& work);
 
  private:
   class Server;

@@ -55,11 +55,7 @@ Enumeration Chosen(const std::string& name, std::initializer_list<const char*> c
 
 sim::Fault FaultOf(client::Request& request) {
   sim::Fault fault;
-  fault.operation = request.Text("operation");
-  // A class and a select alone name a firmware call.
-  if (!fault.operation.empty() && bytes::ParseDigits(fault.operation.substr(0, 1), 10)) {
-    fault.operation = "firmware " + fault.operation;
-  }
+  fault.operation = sim::Faults::NameOf(request.Text("operation"));
   fault.nth = static_cast<int>(request.Number("nth", 1));
   fault.completion = Signed32(request, "completion");
   fault.result = Signed32(request, "hresult");
@@ -72,10 +68,7 @@ sim::Fault FaultOf(client::Request& request) {
       Chosen(request.Text("lose"), {"nothing", "connection", "power"}, sim::Loss::kNothing);
   fault.moment =
       Chosen(request.Text("moment"), {"before", "within", "after"}, sim::Moment::kBefore);
-  const bool does_something = fault.completion || fault.result || fault.delay.count() > 0 ||
-                              fault.truncate || !fault.overwrite.empty() ||
-                              fault.loss != sim::Loss::kNothing;
-  if (!does_something) throw BadFault("operation", "The fault does nothing.");
+  if (!sim::Faults::DoesSomething(fault)) throw BadFault("operation", "The fault does nothing.");
   return fault;
 }
 

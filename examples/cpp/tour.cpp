@@ -1,6 +1,6 @@
-// miraclient from C++, whatever the compiler: lists the BIOS attributes of the simulated machine
-// "locked", changes one, is refused another change, and makes a firmware call of its own. Without
-// options it is this PC.
+// miraclient from C++, whatever the compiler: lists the BIOS attributes, changes one, is refused
+// another change, and makes a firmware call of its own. What it expects is the simulated machine
+// "locked": put the simulator's DLL beside it, and let it run with MIRA_SIM=locked.
 //
 //   c++ tour.cpp -lmiraclient
 
@@ -31,7 +31,7 @@ std::int32_t StatusOf(Work work) {
 }  // namespace
 
 int main() try {
-  const miraclient::Machine machine(R"({"simulated": "locked"})");
+  const miraclient::Machine machine;
   const std::vector<miraclient::Secret> password = {{"password", "setup1"}};
   const std::string set = R"({"command": "attr.set", "name": "FanFloor", "value": 30})";
 

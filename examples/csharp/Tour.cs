@@ -1,5 +1,6 @@
-// miraclient from C#: lists the BIOS attributes of the simulated machine "locked", changes one, is
-// refused another change, and makes a firmware call of its own. Without options it is this PC.
+// miraclient from C#: lists the BIOS attributes, changes one, is refused another change, and makes a
+// firmware call of its own. What it expects is the simulated machine "locked": put the simulator's
+// library beside it, and let it run with MIRA_SIM=locked.
 //
 //   mcs MiraClient.cs Tour.cs    (or csc)
 
@@ -38,7 +39,7 @@ public static class Tour
         const string list = "{\"command\": \"attr.list\"}";
         byte[] setup = Encoding.UTF8.GetBytes("setup1");
         var password = new Dictionary<string, byte[]> { { "password", setup } };
-        using (var machine = new Machine("{\"simulated\": \"locked\"}"))
+        using (var machine = new Machine())
         {
             Expect("the list of attributes", machine.Request(list).Contains("\"FanFloor\""));
             Expect("a request that is cancelled",

@@ -1,5 +1,6 @@
-// miraclient from Node.js: lists the BIOS attributes of the simulated machine "locked", changes one,
-// is refused another change, and makes a firmware call of its own. Without options it is this PC.
+// miraclient from Node.js: lists the BIOS attributes, changes one, is refused another change, and makes
+// a firmware call of its own. What it expects is the simulated machine "locked": give it the
+// simulator's library, and let it run with MIRA_SIM=locked.
 //
 //   npm install koffi
 //   node tour.js LIBRARY
@@ -25,7 +26,7 @@ function statusOf(work) {
   }
 }
 
-const machine = new Machine(process.argv[2], {simulated: 'locked'});
+const machine = new Machine(process.argv[2]);
 const secrets = {password: Buffer.from('setup1')};
 const change = (value, options) => machine.request('attr.set', {name: 'FanFloor', value}, options);
 

@@ -1,5 +1,6 @@
 # miraclient from PowerShell, by way of the C# class. UNTRIED: this script is read, not run, by those
-# who keep it. A 32-bit DLL needs the 32-bit PowerShell (SysWOW64).
+# who keep it. A 32-bit DLL needs the 32-bit PowerShell (SysWOW64). What it expects is the simulated
+# machine "locked": let it run with MIRA_SIM=locked.
 #
 #   powershell -File tour.ps1 -Library C:\mira\sim\miraclient.dll
 
@@ -18,7 +19,7 @@ function Send-MiraRequest($Machine, [hashtable]$Request, $Secrets) {
     ConvertFrom-Json $Machine.Request((ConvertTo-Json $Request -Depth 8), $Secrets, $null)
 }
 
-$machine = [MiraClient.Machine]::new('{"simulated": "locked"}')
+$machine = [MiraClient.Machine]::new()
 try {
     $list = Send-MiraRequest $machine @{ command = 'attr.list' }
     $list.attributes | Select-Object name, current | Format-Table

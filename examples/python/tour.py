@@ -1,5 +1,6 @@
-"""miraclient from Python: lists the BIOS attributes of the simulated machine "locked", changes one, is
-refused another change, and makes a firmware call of its own. Without options it is this PC.
+"""miraclient from Python: lists the BIOS attributes, changes one, is refused another change, and makes a
+firmware call of its own. What it expects is the simulated machine "locked": give it the simulator's
+library, and let it run with MIRA_SIM=locked.
 
 usage: tour.py LIBRARY
 """
@@ -27,7 +28,7 @@ def status_of(work):
 
 def main():
     password = {"password": bytearray(b"setup1")}
-    with miraclient.Machine(sys.argv[1], {"simulated": "locked"}) as machine:
+    with miraclient.Machine(sys.argv[1]) as machine:
 
         def change(value, secrets=None):
             return machine.request("attr.set", name="FanFloor", value=value, secrets=secrets)

@@ -6,6 +6,7 @@
 //
 //   void TagHandler::Keep(Fields& fields) {
 //     fields("assetTag", asset_tag_)("serviceTag", service_tag_);
+//     fields.Later("kioskTag", kiosk_tag_, "");   // kept since a later version
 //   }
 //
 // A value is a number, a flag, a text, bytes, a SecureString (which every other face masks), a
@@ -57,6 +58,14 @@ class Fields {
   Fields& Must(std::string_view name, T& value) {
     Member member(*this, name);
     Value(value);
+    return *this;
+  }
+  // A value that earlier versions did not keep: a state of theirs, which lacks it, stands for
+  // `otherwise`.
+  template <typename T>
+  Fields& Later(std::string_view name, T& value, const std::type_identity_t<T>& otherwise) {
+    if (Has(name)) return Must(name, value);
+    if (pass_ == Pass::kLoad) value = otherwise;
     return *this;
   }
   // An enumeration, by the names of its values from 0 on.

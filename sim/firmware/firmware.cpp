@@ -67,7 +67,7 @@ void Firmware::SetHandler(std::uint16_t cls, std::unique_ptr<CommandHandler> han
 }
 
 void Firmware::Keep(Fields& fields) {
-  fields("starts", boot_count_)("isOff", is_off_);
+  fields("starts", boot_count_).Later("isOff", is_off_, false);
   fields.Group("firmware", [&] {
     for (const auto& handler : handlers_) {
       if (handler) handler->Keep(fields);

@@ -5,12 +5,15 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "console/commands.h"
+#include "facade/mira_intf.h"
+#include "sim/control.h"
 #include "sim/machine.h"
 #include "tests/support/command_line.h"
 #include "tests/support/console_program.h"
@@ -190,6 +193,63 @@ ProgramResult RunLine(const std::string& machine, const char* line) {
   return Mira(taken.words, input);
 }
 
+// A machine that somebody has worked with, to be controlled.
+class UsedMachine : public sim::ControlHost {
+ public:
+  UsedMachine() : machine_(sim::MakeNamed("laptop", {})) {
+    const sim::Session session(machine_->GetMachine());
+    CMiraIntf mira(std::cerr);
+    EXPECT_EQ(mira.Init(false, false, false), STATUS_SUCCESS);
+  }
+  sim::MachinePtr Machine() override { return machine_; }
+  void LetGo(bool) override {}
+  bool WhileStill(const std::function<void()>& work) override {
+    work();
+    return true;
+  }
+
+ private:
+  sim::MachinePtr machine_;
+};
+
+// Requests of mira_sim_control, and their answers.
+void WriteControlDocuments(std::ostream& all) {
+  constexpr const char* kRequests[] = {
+      R"({"command": "machine.show"})",
+      R"({"command": "fault.add", "operation": "11/0", "nth": 0, "completion": -1, "delayMs": 5})",
+      R"({"command": "fault.add", "operation": "CoInitializeEx", "hresult": "0x80004005"})",
+      R"({"command": "fault.add", "operation": "firmware", "loses": "power", "moment": "after"})",
+      R"({"command": "fault.add", "operation": "5/4", "truncate": 40, "overwriteAt": 20,
+          "overwrite": "fdffffff"})",
+      R"({"command": "fault.list"})",
+      R"({"command": "fault.list", "number": 2})",
+      R"({"command": "fault.clear", "number": 2})",
+      R"({"command": "fault.clear", "number": 2})",
+      R"({"command": "fault.clear"})",
+      R"({"command": "journal.read"})",
+      R"({"command": "journal.read", "class": 10, "select": 11, "clear": true})",
+      R"({"command": "journal.read", "operation": "IWbemServices::ExecMethod"})",
+      R"({"command": "journal.clear"})",
+      R"({"command": "live"})",
+      R"({"command": "operations"})",
+      R"({"command": "machine.reboot", "powerLoss": true})",
+      R"({"command": "machine.forget", "force": true})",
+      R"({"command": "machine.choose", "machine": "lapdog"})",
+      R"({"command": "machine.choose", "machine": "locked", "force": true})",
+      R"({"command": "machine.choose", "machine": null})",
+  };
+  UsedMachine machine;
+  const auto write = [&all](const char* schema, const char* request, const std::string& text) {
+    const client::Json row = {
+        {"schema", schema}, {"line", request}, {"document", client::Json::parse(text)}};
+    all << row.dump() << '\n';
+  };
+  for (const char* const request : kRequests) {
+    write("control-request", request, request);
+    write("control", request, sim::Control(request, machine).document);
+  }
+}
+
 TEST(Documents, AreThereForEveryCommandOnEveryMachine) {
   const Files files;
   std::filesystem::create_directories("results");
@@ -217,6 +277,7 @@ TEST(Documents, AreThereForEveryCommandOnEveryMachine) {
     }
   }
   check("info", "", "info");
+  WriteControlDocuments(all);
   for (const Row& row : Rows()) {
     EXPECT_EQ(succeeded.count(row.command), 1U) << row.command << " succeeded on no machine";
   }
@@ -235,7 +296,8 @@ TEST(Documents, HaveASchemaEach) {
     const std::string name = entry.path().filename().string();
     if (name.ends_with(kEnd)) schemas.insert(name.substr(0, name.size() - kEnd.size()));
   }
-  expected.insert({"common", "profile", "state"});  // what is no command's document
+  // What is no command's document.
+  expected.insert({"common", "profile", "state", "control", "control-request"});
   EXPECT_EQ(schemas, expected);
 }
 

@@ -41,9 +41,9 @@ const ClientLibrary& Client() {
   static ClientModule module;
   return module.Functions();
 #else
-  static const ClientLibrary functions = {mira_abi,  mira_version, mira_status_name,
-                                          mira_open, mira_close,   mira_request,
-                                          mira_call, mira_cancel,  mira_free};
+  static const ClientLibrary functions = {
+      mira_abi,     mira_version, mira_status_name, mira_open, mira_close,
+      mira_request, mira_call,    mira_cancel,      mira_free, mira_sim_control};
   return functions;
 #endif
 }

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "client/c/mira_client.h"
+#include "sim/mira_sim.h"
 
 namespace mira::test {
 
@@ -23,6 +24,7 @@ struct ClientLibrary {
   decltype(&mira_call) call;
   decltype(&mira_cancel) cancel;
   decltype(&mira_free) free;
+  mira_sim_control_function control;  // null in the product
 };
 const ClientLibrary& Client();
 

@@ -19,15 +19,17 @@ class ClientModule {
   explicit ClientModule(Build build = Build::kSimulator)
       : module_(LoadLibraryW(Path(build).c_str())) {
     if (module_ == nullptr) throw std::runtime_error("miraclient.dll cannot be loaded");
-    functions_ = {Find<decltype(&mira_abi)>("mira_abi"),
-                  Find<decltype(&mira_version)>("mira_version"),
-                  Find<decltype(&mira_status_name)>("mira_status_name"),
-                  Find<decltype(&mira_open)>("mira_open"),
-                  Find<decltype(&mira_close)>("mira_close"),
-                  Find<decltype(&mira_request)>("mira_request"),
-                  Find<decltype(&mira_call)>("mira_call"),
-                  Find<decltype(&mira_cancel)>("mira_cancel"),
-                  Find<decltype(&mira_free)>("mira_free")};
+    functions_ = {
+        Find<decltype(&mira_abi)>("mira_abi"),
+        Find<decltype(&mira_version)>("mira_version"),
+        Find<decltype(&mira_status_name)>("mira_status_name"),
+        Find<decltype(&mira_open)>("mira_open"),
+        Find<decltype(&mira_close)>("mira_close"),
+        Find<decltype(&mira_request)>("mira_request"),
+        Find<decltype(&mira_call)>("mira_call"),
+        Find<decltype(&mira_cancel)>("mira_cancel"),
+        Find<decltype(&mira_free)>("mira_free"),
+        build == Build::kSimulator ? Find<mira_sim_control_function>("mira_sim_control") : nullptr};
   }
   ~ClientModule() { FreeLibrary(module_); }
   ClientModule(const ClientModule&) = delete;

@@ -322,6 +322,24 @@ TEST(SimulatedState, RefusesDocumentsThatAreNotItsOwn) {
   machine.RestoreState(state);
 }
 
+TEST(SimulatedState, TakesDocumentsOfEarlierVersions) {
+  sim::Machine machine;
+  Send(machine, {1, 0, {0x70, 7}});
+  const std::string state = StateOf(machine);
+  const std::string member = ",\n  \"isOff\": false";
+  std::string earlier = state;
+  const std::size_t place = earlier.find(member);
+  ASSERT_NE(place, std::string::npos) << state;
+  earlier.erase(place, member.size());
+  sim::Machine off;
+  off.GetFaults().Add({.operation = "firmware", .loss = sim::Loss::kPower});
+  std::vector<std::uint8_t> lost(44);
+  off.GetFirmware().Execute(lost, off.GetFaults());
+  ASSERT_TRUE(off.GetFirmware().IsOff());
+  off.RestoreState(earlier);
+  EXPECT_EQ(StateOf(off), state) << "machines were never off then";
+}
+
 TEST(SimulatedState, LeavesNoPasswordInFreedMemory) {
   if (!test::FreedMemoryWatch::IsAvailable()) GTEST_SKIP() << "needs the address sanitizer";
   sim::Profile profile;
