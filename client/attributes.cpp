@@ -8,6 +8,7 @@
 
 #include "bytes/text.h"
 #include "client/nearest.h"
+#include "client/snapshot/kept_attributes.h"
 
 namespace mira::client {
 namespace {
@@ -99,6 +100,11 @@ std::optional<std::size_t> PlaceOf(const std::vector<std::string>& choices, std:
 }
 
 Attributes::Attributes(Session& session, Session::Texts texts) : session_(session), texts_(texts) {
+  if (const Snapshot* const kept = session.Kept()) {
+    kept_ = KeptAttributes(*kept);
+    for (const KeptAttribute& attribute : kept_) entries_.push_back(attribute.entry);
+    return;
+  }
   std::list<std::pair<std::string, PLDM::ATTRIBUTE_TYPE>> names;
   std::list<std::pair<std::uint16_t, PLDM::ATTRIBUTE_TYPE>> handles;
   CMiraIntf& mira = Mira();
@@ -108,6 +114,13 @@ Attributes::Attributes(Session& session, Session::Texts texts) : session_(sessio
   for (const auto& [handle, type] : handles) {
     entries_.push_back({handle, type, ToUtf8((name++)->first)});
   }
+}
+
+const KeptAttribute* Attributes::Kept(const AttributeEntry& entry) const {
+  if (kept_.empty()) return nullptr;
+  const KeptAttribute& kept = kept_.at(static_cast<std::size_t>(&entry - entries_.data()));
+  if (kept.problem) throw *kept.problem;
+  return &kept;
 }
 
 const AttributeEntry* Attributes::FindHandle(std::uint64_t handle) const {
@@ -145,6 +158,9 @@ const AttributeEntry* Attributes::FindName(const std::string& name) const {
 std::string Attributes::FullName(const AttributeEntry& entry) {
   for (const auto read : {&Attributes::ReadAtBoot, &Attributes::ReadLive}) {
     try {
+      if (const KeptAttribute* const kept = Kept(entry)) {
+        return ToUtf8(TextFromJson(kept->item.at("name")) + TextFromJson(kept->item.at("suffix")));
+      }
       return (this->*read)(entry).Title();
     } catch (const Error&) {
       // Then by the other way, or not at all.

@@ -11,7 +11,7 @@ const std::vector<Face>& Faces() {
     std::vector<Face> list;
     for (const auto noun : {AttrFaces, BatteryFaces, BootFaces, CallFaces, CompletionFaces, IdFaces,
                             InfoFaces, InventoryFaces, ListFaces, PasswordFaces, SimControlFaces,
-                            SimFaces, SmbiosFaces, TagFaces, TokenFaces}) {
+                            SimFaces, SmbiosFaces, SnapshotFaces, TagFaces, TokenFaces}) {
       std::vector<Face> some = noun();
       std::move(some.begin(), some.end(), std::back_inserter(list));
     }
