@@ -1,6 +1,6 @@
 #include "client/attribute_file.h"
 #include "client/inventory.h"
-#include "smbios/table.h"
+#include "client/smbios.h"
 
 namespace mira::client {
 
@@ -20,8 +20,13 @@ Json UnreadAttributes::Finish(Json document, bool is_any_read) const {
   throw error;
 }
 
-Json MachineJson() {
-  const Inventory inventory = ReadInventory(smbios::ReadFirmwareTable());
+Json MachineJson(Session& session) {
+  Inventory inventory;
+  try {
+    inventory = ReadInventory(ReadTable(session));
+  } catch (const Error&) {
+    // Then it does not state anything.
+  }
   Json json = Json::object();
   const auto add = [&json](const char* name, const OptionalText& text) {
     if (text) json[name] = TextJson(*text);
@@ -44,15 +49,16 @@ Json ExportAttributes(Session& session) {
     session.Report("Reading attributes", done++, attributes.All().size());
     if (entry.IsPassword()) continue;
     try {
-      list.push_back(StoredJson(attributes, attributes.ReadLive(entry)));
+      list.push_back(ReadStored(attributes, entry));
     } catch (const Error& error) {
       unread.Add(error);
     }
   }
   const bool is_any_read = !list.empty();
-  return unread.Finish(
-      {{"createdAt", session.Now()}, {"machine", MachineJson()}, {"attributes", std::move(list)}},
-      is_any_read);
+  return unread.Finish({{"createdAt", session.Now()},
+                        {"machine", MachineJson(session)},
+                        {"attributes", std::move(list)}},
+                       is_any_read);
 }
 
 }  // namespace mira::client

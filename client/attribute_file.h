@@ -24,7 +24,7 @@ class UnreadAttributes {
 };
 
 // {"manufacturer", "product", "serialNumber", "biosVersion"}: of this machine what it states.
-Json MachineJson();
+Json MachineJson(Session& session);
 
 // {"createdAt", "machine", "attributes"}, without passwords: no value of theirs is ever shown.
 Json ExportAttributes(Session& session);

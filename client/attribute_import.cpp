@@ -12,8 +12,8 @@ constexpr std::uint64_t kFormat = 1;
 constexpr char kFile[] = "The file";
 
 // What a file may have: what is exported, and what the other documents have in addition.
-constexpr std::string_view kFileKeys[] = {"schemaVersion", "simulated",  "createdAt", "machine",
-                                          "attributes",    "unreadable", "error"};
+constexpr std::string_view kFileKeys[] = {"schemaVersion", "simulated",  "from",       "createdAt",
+                                          "machine",       "attributes", "unreadable", "error"};
 constexpr std::string_view kMachineKeys[] = {"manufacturer", "product", "serialNumber",
                                              "biosVersion"};
 constexpr std::string_view kEntryKeys[] = {"handle",
@@ -86,13 +86,13 @@ Json Entries(const Json& document) {
   return entries;
 }
 
-Json Warnings(const Json& document) {
+Json Warnings(Session& session, const Json& document) {
   Json warnings = Json::array();
   const auto there = document.find("machine");
   if (there == document.end()) return warnings;
   if (!there->is_object()) throw Malformed("has a \"machine\" that is not an object.");
   CheckKeys(*there, kMachineKeys, "The file's \"machine\"");
-  const Json here = MachineJson();
+  const Json here = MachineJson(session);
   struct Row {
     const char* key;
     const char* name;
@@ -139,7 +139,7 @@ class Importer {
 
   Plan MakePlan(const Json& document, OnError on_error) {
     const Json entries = Entries(document);
-    plan_.subject["warnings"] = Warnings(document);
+    plan_.subject["warnings"] = Warnings(session_, document);
     plan_.goes_on = on_error == OnError::kGoOn;
     plan_.checks_key = false;
     for (const Json& entry : entries) {

@@ -1,5 +1,7 @@
 #include "client/attribute_show.h"
 
+#include <algorithm>
+#include <iterator>
 #include <string>
 #include <utility>
 #include <vector>
@@ -23,6 +25,14 @@ bool IsOtherThanDefault(const Json& item) {
   return !item.at("default").is_null() && item.at("value") != item.at("default");
 }
 
+// Whether a value is another one than that at boot, or a mode is.
+bool Differs(const Json& item) {
+  if (item.at("atBoot") != item.at("value")) return true;
+  return std::any_of(std::begin(kBootModes), std::end(kBootModes), [&item](const ModeRow& row) {
+    return item.contains(row.name) && item[row.name] != item.at(row.name + std::string("AtBoot"));
+  });
+}
+
 }  // namespace
 
 Json ListAttributes(Request& request) {
@@ -37,7 +47,7 @@ Json ListAttributes(Request& request) {
   for (const AttributeEntry& entry : attributes.All()) {
     session.Report("Reading attributes", done++, attributes.All().size());
     try {
-      Json item = ToJson(attributes, attributes.ReadLive(entry));
+      Json item = ReadItem(attributes, entry);
       is_any_read = true;
       if (!IsNamed(item, part)) continue;
       if (request.Flag("changedFromDefault") && !IsOtherThanDefault(item)) continue;
@@ -63,7 +73,7 @@ Json ShowAttributes(Request& request) {
   UnreadAttributes unread;
   for (const AttributeEntry* const entry : entries) {
     try {
-      list.push_back(ToJson(attributes, attributes.ReadLive(*entry)));
+      list.push_back(ReadItem(attributes, *entry));
     } catch (const Error& error) {
       unread.Add(error);
     }
@@ -83,17 +93,9 @@ Json CompareAttributes(Request& request) {
     session.Report("Reading attributes", done++, attributes.All().size());
     if (entry.IsPassword()) continue;
     try {
-      const Setting live = attributes.ReadLive(entry);
-      const Setting start = attributes.ReadAtBoot(entry);
+      Json item = ReadDifference(attributes, entry);
       is_any_read = true;
-      Json item = NameJson(live);
-      item["atBoot"] = ValueJson(attributes, start);
-      item["value"] = ValueJson(attributes, live);
-      const Json modes = ModesJson(live);
-      const Json modes_at_boot = ModesJson(start);
-      if (item["atBoot"] == item["value"] && modes == modes_at_boot) continue;
-      item.update(modes);
-      for (const auto& [name, mode] : modes_at_boot.items()) item[name + "AtBoot"] = mode;
+      if (!Differs(item)) continue;
       list.push_back(std::move(item));
     } catch (const Error& error) {
       unread.Add(error);

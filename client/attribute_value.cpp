@@ -1,6 +1,7 @@
 #include "client/attribute_value.h"
 
 #include <algorithm>
+#include <initializer_list>
 #include <iterator>
 
 #include "bytes/text.h"
@@ -32,6 +33,14 @@ Json TextsJson(const Texts& texts) {
   return list;
 }
 
+Json Chosen(const Json& item, std::initializer_list<const char*> keys) {
+  Json chosen = Json::object();
+  for (const char* const key : keys) {
+    if (item.contains(key)) chosen[key] = item[key];
+  }
+  return chosen;
+}
+
 }  // namespace
 
 const char* TypeName(PLDM::ATTRIBUTE_TYPE type) {
@@ -39,6 +48,14 @@ const char* TypeName(PLDM::ATTRIBUTE_TYPE type) {
     if (row.type == PLDM::WritableForm(type)) return row.name;
   }
   return "unknown";
+}
+
+PLDM::ATTRIBUTE_TYPE TypeOfName(const std::string& name, bool is_read_only) {
+  constexpr std::uint32_t kNone = 0x7F;
+  const auto* const row = std::find_if(std::begin(kTypes), std::end(kTypes),
+                                       [&name](const TypeRow& r) { return r.name == name; });
+  const std::uint32_t type = row != std::end(kTypes) ? row->type : kNone;
+  return static_cast<PLDM::ATTRIBUTE_TYPE>(is_read_only ? type | PLDM::kReadOnlyBit : type);
 }
 
 Json ValueJson(const Attributes& attributes, const Setting& setting) {
@@ -176,6 +193,35 @@ Json ToJson(Attributes& attributes, const Setting& live) {
   if (!attribute.HelpText.empty()) json["help"] = ToUtf8(attribute.HelpText);
   json.update(LimitsJson(live));
   return json;
+}
+
+Json ReadStored(Attributes& attributes, const AttributeEntry& entry) {
+  const KeptAttribute* const kept = attributes.Kept(entry);
+  if (kept == nullptr) return StoredJson(attributes, attributes.ReadLive(entry));
+  return Chosen(kept->item, {"handle", "name", "suffix", "type", "readOnly", "value",
+                             "bootConfigType", "failThroughMode"});
+}
+
+Json ReadItem(Attributes& attributes, const AttributeEntry& entry) {
+  const KeptAttribute* const kept = attributes.Kept(entry);
+  return kept != nullptr ? kept->item : ToJson(attributes, attributes.ReadLive(entry));
+}
+
+Json ReadDifference(Attributes& attributes, const AttributeEntry& entry) {
+  if (const KeptAttribute* const kept = attributes.Kept(entry)) {
+    if (kept->at_boot_problem) throw *kept->at_boot_problem;
+    return Chosen(kept->item, {"handle", "name", "suffix", "atBoot", "value", "bootConfigType",
+                               "failThroughMode", "bootConfigTypeAtBoot", "failThroughModeAtBoot"});
+  }
+  const Setting live = attributes.ReadLive(entry);
+  const Setting start = attributes.ReadAtBoot(entry);
+  Json item = NameJson(live);
+  item["atBoot"] = ValueJson(attributes, start);
+  item["value"] = ValueJson(attributes, live);
+  item.update(ModesJson(live));
+  const Json modes_at_boot = ModesJson(start);
+  for (const auto& [name, mode] : modes_at_boot.items()) item[name + "AtBoot"] = mode;
+  return item;
 }
 
 }  // namespace mira::client

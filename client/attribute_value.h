@@ -51,6 +51,8 @@ inline constexpr ModeRow kBootModes[] = {
 
 // "enumeration", "string", …
 const char* TypeName(PLDM::ATTRIBUTE_TYPE type);
+// The type of such a name; one that no attribute has for "unknown".
+PLDM::ATTRIBUTE_TYPE TypeOfName(const std::string& name, bool is_read_only);
 
 // The value: a text, a number or a list, as the type has it; null for passwords.
 Json ValueJson(const Attributes& attributes, const Setting& setting);
@@ -70,6 +72,13 @@ Json StoredJson(const Attributes& attributes, const Setting& setting);
 // All about it: the same with {"default", "atBoot", "restartPending"}, the modes at boot and the
 // limits; display and help texts where they were fetched.
 Json ToJson(Attributes& attributes, const Setting& live);
+
+// The same of an attribute of the machine or of a snapshot, whichever it is. Throw Error where it
+// cannot be read.
+Json ReadStored(Attributes& attributes, const AttributeEntry& entry);
+Json ReadItem(Attributes& attributes, const AttributeEntry& entry);
+// NameJson with {"atBoot", "value"}, the modes and the modes at boot.
+Json ReadDifference(Attributes& attributes, const AttributeEntry& entry);
 
 }  // namespace mira::client
 

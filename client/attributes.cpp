@@ -8,6 +8,7 @@
 
 #include "bytes/text.h"
 #include "client/nearest.h"
+#include "client/snapshot/kept_attributes.h"
 
 namespace mira::client {
 namespace {
@@ -98,6 +99,11 @@ std::optional<std::size_t> PlaceOf(const std::vector<std::string>& choices, std:
 }
 
 Attributes::Attributes(Session& session, Session::Texts texts) : session_(session), texts_(texts) {
+  if (const Snapshot* const kept = session.Kept()) {
+    kept_ = KeptAttributes(*kept);
+    for (const KeptAttribute& attribute : kept_) entries_.push_back(attribute.entry);
+    return;
+  }
   std::list<std::pair<std::string, PLDM::ATTRIBUTE_TYPE>> names;
   std::list<std::pair<std::uint16_t, PLDM::ATTRIBUTE_TYPE>> handles;
   CMiraIntf& mira = Mira();
@@ -107,6 +113,13 @@ Attributes::Attributes(Session& session, Session::Texts texts) : session_(sessio
   for (const auto& [handle, type] : handles) {
     entries_.push_back({handle, type, ToUtf8((name++)->first)});
   }
+}
+
+const KeptAttribute* Attributes::Kept(const AttributeEntry& entry) const {
+  if (kept_.empty()) return nullptr;
+  const KeptAttribute& kept = kept_.at(static_cast<std::size_t>(&entry - entries_.data()));
+  if (kept.problem) throw *kept.problem;
+  return &kept;
 }
 
 const AttributeEntry* Attributes::FindHandle(std::uint64_t handle) const {
@@ -152,18 +165,29 @@ std::optional<Setting> Attributes::TryReadAny(const AttributeEntry& entry) {
 }
 
 std::string Attributes::FullName(const AttributeEntry& entry) {
+  if (const KeptAttribute* const kept = Kept(entry)) {
+    if (kept->problem) return "";
+    return ToUtf8(TextFromJson(kept->item.at("name")) + TextFromJson(kept->item.at("suffix")));
+  }
   const std::optional<Setting> setting = TryReadAny(entry);
   return setting ? setting->Title() : "";
+}
+
+std::string Attributes::DisplayName(const AttributeEntry& entry) {
+  if (const KeptAttribute* const kept = Kept(entry)) {
+    return kept->item.is_object() ? Readable(kept->item.value("displayName", Json())) : "";
+  }
+  const std::optional<Setting> setting = TryReadAny(entry);
+  return setting ? ToUtf8(setting->attribute->DisplayText) : "";
 }
 
 const AttributeEntry* Attributes::FindDisplayName(const std::string& text) {
   const AttributeEntry* found = nullptr;
   Json names = Json::array();
   for (const AttributeEntry& entry : entries_) {
-    const std::optional<Setting> setting = TryReadAny(entry);
-    if (!setting || !bytes::SameText(ToUtf8(setting->attribute->DisplayText), text)) continue;
+    if (!bytes::SameText(DisplayName(entry), text)) continue;
     found = &entry;
-    names.push_back(setting->Title());
+    names.push_back(FullName(entry));
   }
   if (names.size() <= 1) return found;
   throw Error(kNotFound, "ambiguous-name",

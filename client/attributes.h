@@ -30,6 +30,14 @@ struct AttributeEntry {
   std::string Title() const;
 };
 
+// An attribute of a snapshot.
+struct KeptAttribute {
+  AttributeEntry entry;
+  Json item;  // all about it
+  std::optional<Error> problem = std::nullopt;
+  std::optional<Error> at_boot_problem = std::nullopt;
+};
+
 // An attribute with a value.
 struct Setting {
   const AttributeEntry* entry = nullptr;  // lives as long as its Attributes
@@ -62,6 +70,9 @@ class Attributes {
   // The one that the library knows by the name, in any case of letters; null where there is none.
   const AttributeEntry* FindName(const std::string& name) const;
 
+  // Of a snapshot's attributes what was kept, with its problem thrown; null on a machine.
+  const KeptAttribute* Kept(const AttributeEntry& entry) const;
+
   // Throw Error.
   Setting ReadLive(const AttributeEntry& entry);
   Setting ReadAtBoot(const AttributeEntry& entry);
@@ -80,12 +91,15 @@ class Attributes {
   Setting Read(const AttributeEntry& entry, Status (CMiraIntf::*read)(PLDM::Attribute&));
   // The name with its suffix; empty where the attribute cannot be read.
   std::string FullName(const AttributeEntry& entry);
+  // What people read in its place; empty where there is none.
+  std::string DisplayName(const AttributeEntry& entry);
   // Null where no attribute is shown so. Throws Error where several are.
   const AttributeEntry* FindDisplayName(const std::string& text);
 
   Session& session_;
   Session::Texts texts_;
   std::vector<AttributeEntry> entries_;
+  std::vector<KeptAttribute> kept_;  // of a snapshot, for each entry
 };
 
 enum class Limits { kCheck, kIgnore };

@@ -7,6 +7,7 @@
 #include "buffers/received_data.h"
 #include "bytes/text.h"
 #include "client/call.h"
+#include "client/snapshot/snapshot.h"
 #include "smbios/bios_object.h"
 
 namespace mira::client {
@@ -23,6 +24,34 @@ struct Mode {
 constexpr Mode kModes[] = {
     {1, "standard"}, {2, "express"}, {3, "mains"}, {4, "adaptive"}, {5, "custom"},
 };
+
+Error NoBattery(std::uint16_t number, std::size_t listed) {
+  if (listed == 0) {
+    return Error(kNotFound, "no-batteries", "This machine has no batteries.", "battery")
+        .With("listed", listed);
+  }
+  return Error(kNotFound, "no-battery",
+               "The firmware does not know this battery; the machine lists " +
+                   std::to_string(listed) + ".",
+               BatteryName(number))
+      .With("listed", listed);
+}
+
+// The batteries of a snapshot.
+std::vector<Battery> KeptBatteries(const Snapshot& kept) {
+  return kept.List(kBatteriesSubject, "batteries", BatteryFromJson);
+}
+
+Battery KeptBattery(const Snapshot& kept, std::uint16_t number) {
+  const std::vector<Battery> batteries = KeptBatteries(kept);
+  const auto found = std::find_if(batteries.begin(), batteries.end(),
+                                  [number](const Battery& b) { return b.number == number; });
+  if (found == batteries.end()) throw NoBattery(number, batteries.size());
+  if (!found->charging && !found->peak_shift && found->charging_problem) {
+    throw *found->charging_problem;
+  }
+  return *found;
+}
 
 std::size_t ListedBatteries(Session& session) {
   constexpr unsigned char kPortableBattery = 22;
@@ -58,6 +87,13 @@ Json DaysJson(const BatteryDays& days) {
   Json list = Json::array();
   for (std::size_t day = 0; day < days.size(); ++day) list.push_back(DayJson(day, days[day]));
   return list;
+}
+
+BatteryDays DaysOf(const Json& schedule) {
+  const Json& list = schedule.at("days");
+  BatteryDays days{};
+  for (std::size_t day = 0; day < days.size(); ++day) days[day] = list.at(day).at("raw");
+  return days;
 }
 
 Json LifeJson(const BatteryLife& life) {
@@ -104,8 +140,12 @@ std::vector<std::uint16_t> FindBatteries(Session& session, const std::string& te
                 "battery")
         .With("argument", "battery");
   }
-  const std::size_t count = std::clamp<std::size_t>(ListedBatteries(session), 1, kHighestNumber);
   std::vector<std::uint16_t> numbers;
+  if (const Snapshot* const kept = session.Kept()) {
+    for (const Battery& battery : KeptBatteries(*kept)) numbers.push_back(battery.number);
+    return numbers;
+  }
+  const std::size_t count = std::clamp<std::size_t>(ListedBatteries(session), 1, kHighestNumber);
   for (std::size_t i = 1; i <= count; ++i) numbers.push_back(static_cast<std::uint16_t>(i));
   return numbers;
 }
@@ -130,6 +170,7 @@ BatteryPeakShift ReadPeakShift(Session& session, std::uint16_t number) {
 
 Battery ReadBattery(Session& session, std::uint16_t number) {
   constexpr std::int32_t kUnknownBattery = -1;
+  if (const Snapshot* const kept = session.Kept()) return KeptBattery(*kept, number);
   session.Ready();
   Battery battery;
   battery.number = number;
@@ -150,14 +191,9 @@ Battery ReadBattery(Session& session, std::uint16_t number) {
   const Error& problem = *battery.charging_problem;
   const std::size_t listed = ListedBatteries(session);
   if (problem.completion != kUnknownBattery || (number >= 1 && number <= listed)) throw problem;
-  Error unknown =
-      listed == 0 ? Error(kNotFound, "no-batteries", "This machine has no batteries.", "battery")
-                  : Error(kNotFound, "no-battery",
-                          "The firmware does not know this battery; the machine lists " +
-                              std::to_string(listed) + ".",
-                          BatteryName(number));
+  Error unknown = NoBattery(number, listed);
   unknown.completion = problem.completion;
-  throw std::move(unknown).With("listed", listed);
+  throw unknown;
 }
 
 Json ToJson(const BatteryCharging& charging) {
@@ -188,6 +224,33 @@ Json ToJson(const Battery& battery) {
   for (const BatteryLife& entry : battery.life) life.push_back(LifeJson(entry));
   json["life"] = std::move(life);
   return json;
+}
+
+Battery BatteryFromJson(const Json& json) {
+  Battery battery;
+  battery.number = json.at("battery");
+  if (const Json& charging = json.at("charging"); !charging.is_null()) {
+    battery.charging = BatteryCharging{charging.at("version").at("raw"), charging.at("modeCode"),
+                                       charging.at("startLimitPercent"),
+                                       charging.at("stopLimitPercent"), DaysOf(charging)};
+  }
+  if (const Json& peak = json.at("peakShift"); !peak.is_null()) {
+    battery.peak_shift =
+        BatteryPeakShift{peak.at("version").at("raw"),       peak.at("enabled"),
+                         peak.at("thresholdPercent"),        peak.at("lowestThresholdPercent"),
+                         peak.at("highestThresholdPercent"), DaysOf(peak)};
+  }
+  if (json.contains("chargingProblem")) {
+    battery.charging_problem = ErrorFromJson(json["chargingProblem"]);
+  }
+  if (json.contains("peakShiftProblem")) {
+    battery.peak_shift_problem = ErrorFromJson(json["peakShiftProblem"]);
+  }
+  for (const Json& life : json.at("life")) {
+    battery.life.push_back({life.at("chargeCycles"), life.at("designCapacityMilliwattHours"),
+                            life.at("fullChargeCapacityMilliwattHours")});
+  }
+  return battery;
 }
 
 }  // namespace mira::client

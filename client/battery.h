@@ -100,6 +100,7 @@ void PlanBattery(Session& session, std::uint16_t number, const BatteryEdit& edit
 Json ToJson(const Battery& battery);
 Json ToJson(const BatteryCharging& charging);
 Json ToJson(const BatteryPeakShift& peak_shift);
+Battery BatteryFromJson(const Json& json);
 
 }  // namespace mira::client
 

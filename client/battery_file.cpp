@@ -99,7 +99,7 @@ NumberedEdit EditOf(const Json& battery) {
 }  // namespace
 
 std::vector<NumberedEdit> BatteryEditsFromJson(const Json& document) {
-  RequireKeys(document, {"schemaVersion", "simulated", "batteries"}, "the batteries");
+  RequireKeys(document, {"schemaVersion", "simulated", "from", "batteries"}, "the batteries");
   if (const auto schema = document.find("schemaVersion"); schema != document.end()) {
     const auto number = ToNumber(*schema);
     if (!number || *number > kSchema) {

@@ -7,6 +7,7 @@
 #include "bytes/text.h"
 #include "bytes/utf16.h"
 #include "client/call.h"
+#include "client/snapshot/snapshot.h"
 
 namespace mira::client {
 namespace {
@@ -73,9 +74,45 @@ Json ProblemJson(const devicepath::Problem& problem) {
   return {{"offset", problem.offset}, {"message", problem.message}};
 }
 
+BootLists KeptBootLists(const Snapshot& kept, const std::string& kind) {
+  const BootLists lists = {.lists = kept.List(kBootSubject, "lists", BootListFromJson),
+                           .complete = kept.Value(kBootSubject).at("complete")};
+  for (const BootList& list : lists.lists) {
+    if (kind.empty() || list.is_uefi == (kind == "uefi")) continue;
+    throw NotInSnapshot("options of list " + std::to_string(list.number) + " as " + kind + " ones");
+  }
+  return lists;
+}
+
+BootOptions KeptBootOptions(const Snapshot& kept, const BootList& list) {
+  for (const Json& json : kept.Value(kBootSubject).at("lists")) {
+    if (json.at("list") != list.number) continue;
+    if (json.contains("error")) throw ErrorFromJson(json["error"]);
+    return BootOptionsFromJson(json);
+  }
+  throw NotInSnapshot("list " + std::to_string(list.number));
+}
+
+// What stands for bytes in documents. Throws Error.
+std::vector<std::uint8_t> BytesFromJson(const Json& json) {
+  if (auto bytes = FromHexText(json.get<std::string>())) return std::move(*bytes);
+  throw MalformedSnapshot("It has no bytes where they belong.");
+}
+
+devicepath::Problem ProblemFromJson(const Json& json) {
+  return {.offset = json.at("offset"), .message = json.at("message")};
+}
+
+devicepath::Path PathFromJson(const Json& json) {
+  devicepath::Path path{json.at("text"), BytesFromJson(json.at("bytes")), std::nullopt};
+  if (json.contains("problem")) path.problem = ProblemFromJson(json["problem"]);
+  return path;
+}
+
 }  // namespace
 
 BootLists ReadBootLists(Session& session, const std::string& kind) {
+  if (session.Kept() != nullptr) return KeptBootLists(*session.Kept(), kind);
   CUEFIBootList data;
   Execute(session, kReadLists, data, {.target = "boot lists"});
   BootLists lists;
@@ -111,6 +148,7 @@ BootList FindBootList(const BootLists& lists, const std::string& text) {
 }
 
 BootOptions ReadBootOptions(Session& session, const BootList& list) {
+  if (session.Kept() != nullptr) return KeptBootOptions(*session.Kept(), list);
   CUEFILOList data;
   data.ListEnum = list.number;
   data.IsUEFI = list.is_uefi;
@@ -203,6 +241,53 @@ Json ToJson(const BootOptions& options) {
   for (const BootOption& option : options.options) list.push_back(ToJson(option));
   json["options"] = std::move(list);
   return json;
+}
+
+std::u16string WideTextFromJson(const Json& json) {
+  if (json.is_string()) {
+    if (auto text = bytes::Utf16(json.get_ref<const std::string&>())) return std::move(*text);
+    throw MalformedSnapshot("It has a text that is no UTF-8.");
+  }
+  std::u16string text;
+  const std::vector<std::uint8_t> units = BytesFromJson(json.at("bytes"));
+  for (std::size_t i = 0; i + 1 < units.size(); i += 2) {
+    text += static_cast<char16_t>(units[i] | units[i + 1] << 8);
+  }
+  return text;
+}
+
+BootList BootListFromJson(const Json& json) {
+  return {.number = json.at("list"),
+          .name = WideTextFromJson(json.at("name")),
+          .is_uefi = json.at("kind") == "uefi"};
+}
+
+BootOption BootOptionFromJson(const Json& json) {
+  BootOption option;
+  if (json.contains("number")) option.number = json["number"].get<std::uint16_t>();
+  option.attributes = json.at("attributes");
+  option.description = WideTextFromJson(json.at("description"));
+  for (const Json& path : json.at("paths")) option.paths.push_back(PathFromJson(path));
+  if (json.contains("device")) {
+    const Json& device = json["device"];
+    option.device = BootDevice{device.at("type"), device.at("statusFlag"),
+                               TextFromJson(device.at("description"))};
+  }
+  option.optional_data = BytesFromJson(json.at("optionalData"));
+  if (json.contains("problem")) option.problem = ProblemFromJson(json["problem"]);
+  if (json.contains("variableAttributes")) option.variable_attributes = json["variableAttributes"];
+  return option;
+}
+
+BootOptions BootOptionsFromJson(const Json& json) {
+  BootOptions options;
+  options.list = BootListFromJson(json);
+  options.order = json.at("order").get<std::vector<std::uint16_t>>();
+  for (const Json& option : json.at("options")) {
+    options.options.push_back(BootOptionFromJson(option));
+  }
+  options.complete = json.at("complete");
+  return options;
 }
 
 }  // namespace mira::client

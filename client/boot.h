@@ -78,15 +78,21 @@ std::string BootDeviceName(std::uint16_t type);
 // A text in UTF-16: a string, or, where that cannot say it all, with its bytes (UTF-16LE).
 Json WideTextJson(std::u16string_view text);
 
+// The text of either form.
+std::u16string WideTextFromJson(const Json& json);
+
 // {"list", "name", "kind"}
 Json ToJson(const BootList& list);
+BootList BootListFromJson(const Json& json);
 // {"number", "active", "attributes", "description", "path", "paths", "device", "optionalData",
 // "optionalDataText", "problem"}
 Json ToJson(const BootOption& option);
+BootOption BootOptionFromJson(const Json& json);
 // {"text", "bytes", "problem"}
 Json ToJson(const devicepath::Path& path);
 // The list's fields with {"complete", "order", "options"}.
 Json ToJson(const BootOptions& options);
+BootOptions BootOptionsFromJson(const Json& json);
 
 }  // namespace mira::client
 

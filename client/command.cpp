@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "bytes/text.h"
+#include "client/snapshot/snapshot.h"
 #include "transport/com_error.h"
 
 namespace mira::client {
@@ -91,11 +92,40 @@ const Argument* FindArgument(const Command& command, const std::string& name) {
   return nullptr;
 }
 
+// Where a document's values come from, in front of them. A snapshot says it of itself.
+Json WithOrigin(const Snapshot& snapshot, const Json& document) {
+  if (Snapshot::IsOne(document)) return document;
+  Json whole = {{"simulated", snapshot.IsSimulated()},
+                {"from", {{"takenAt", snapshot.TakenAt()}, {"redacted", snapshot.IsRedacted()}}}};
+  whole.update(document);
+  return whole;
+}
+
+Json RunOffline(const Command& command, Request& request) {
+  if (request.Has("file")) {
+    throw Error(kUsage, "bad-argument", "A snapshot and another file exclude each other.", "file")
+        .With("argument", "file");
+  }
+  const Snapshot snapshot = Snapshot::FromText(request.Text(kSnapshotArgument.name));
+  const Session::Offline offline(request.GetSession(), snapshot);
+  try {
+    return WithOrigin(snapshot, command.run(request));
+  } catch (Error& error) {
+    error.document = WithOrigin(snapshot, error.document);
+    throw;
+  } catch (const Json::exception&) {
+    throw MalformedSnapshot("What it has of a subject is not what the subject consists of.");
+  }
+}
+
 }  // namespace
 
 const Argument kClass10 = {.name = "class10",
                            .type = Type::kFlag,
                            .help = "use the class-10 password although a class-9 one is installed"};
+
+const Argument kSnapshotArgument = {
+    .name = "from", .type = Type::kContent, .help = "a snapshot; shows what was there then"};
 
 Json CheckArguments(const Command& command, const Json& arguments) {
   if (!arguments.is_object()) {
@@ -104,6 +134,12 @@ Json CheckArguments(const Command& command, const Json& arguments) {
   Json checked = Json::object();
   for (const auto& [name, value] : arguments.items()) {
     const Argument* const argument = FindArgument(command, name);
+    if (argument == nullptr && name == kSnapshotArgument.name) {
+      throw Error(
+          kUsage, "snapshot-is-only-read",
+          std::string("A snapshot is only read: '") + command.name + "' works on a machine alone.",
+          name);
+    }
     if (argument == nullptr) {
       throw Error(kUsage, "unknown-argument",
                   std::string("'") + command.name + "' takes no '" + name + "'.", name)
@@ -185,7 +221,9 @@ Result Run(const Command& command, Json arguments, Request& request) {
   try {
     request.SetArguments(CheckArguments(command, arguments));
     Wipe(arguments);
-    result.document = command.run(request);
+    result.document = command.works_offline && request.Has(kSnapshotArgument.name)
+                          ? RunOffline(command, request)
+                          : command.run(request);
     return result;
   } catch (const Error& error) {
     result.error = error;

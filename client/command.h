@@ -47,6 +47,9 @@ struct Argument {
 // Of commands that change something under a BIOS password: which one that is.
 extern const Argument kClass10;
 
+// Of commands that read: a snapshot that stands for the machine.
+extern const Argument kSnapshotArgument;
+
 enum class Effect {
   kOffline,  // needs no machine
   kReads,
@@ -64,6 +67,7 @@ struct Command {
   Json (*run)(Request& request) = nullptr;
   // What the command is called without its last word: "id.mac.show" is also "id.mac".
   bool is_default = false;
+  bool works_offline = false;  // on a snapshot in "from"; all that only read do
 };
 
 // All commands of the client layer, by subject.

@@ -4,6 +4,16 @@
 #include <iterator>
 
 namespace mira::client {
+namespace {
+
+// What is asked of the firmware, and not read from it, no snapshot can answer.
+void TakeSnapshots(Command& command) {
+  if (command.effect != Effect::kReads || !command.secrets.empty()) return;
+  command.arguments.push_back(kSnapshotArgument);
+  command.works_offline = true;
+}
+
+}  // namespace
 
 const std::vector<Command>& Commands() {
   static const std::vector<Command> all = [] {
@@ -11,8 +21,10 @@ const std::vector<Command>& Commands() {
     for (const auto subject :
          {StartUpCommands, SmbiosCommands, InventoryCommands, TokenCommands, CallCommands,
           AttributeCommands, PasswordCommands, DriveCommands, TagCommands, IdentifierCommands,
-          BatteryCommands, FirmwareListCommands, BootCommands, LegacyBootCommands, ApplyCommands}) {
+          BatteryCommands, FirmwareListCommands, BootCommands, LegacyBootCommands, SnapshotCommands,
+          ApplyCommands}) {
       std::vector<Command> some = subject();
+      for (Command& command : some) TakeSnapshots(command);
       std::move(some.begin(), some.end(), std::back_inserter(list));
     }
     return list;

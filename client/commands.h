@@ -21,6 +21,7 @@ std::vector<Command> InventoryCommands();
 std::vector<Command> LegacyBootCommands();
 std::vector<Command> PasswordCommands();
 std::vector<Command> SmbiosCommands();
+std::vector<Command> SnapshotCommands();
 std::vector<Command> StartUpCommands();
 std::vector<Command> TagCommands();
 std::vector<Command> TokenCommands();

@@ -6,6 +6,7 @@
 #include "bytes/text.h"
 #include "client/commands.h"
 #include "client/password.h"
+#include "client/snapshot/snapshot.h"
 
 namespace mira::client {
 namespace {
@@ -129,6 +130,9 @@ const Argument kHandle = {.name = "handle",
 }  // namespace
 
 std::vector<Drive> ReadDrives(Session& session) {
+  if (const Snapshot* const kept = session.Kept()) {
+    return kept->List(kDrivesSubject, "drives", DriveFromJson);
+  }
   CHDDPwd data;
   Execute(session, {kDriveClass, kListSelect}, data, {.target = "drives"});
   std::vector<Drive> drives;
@@ -138,6 +142,10 @@ std::vector<Drive> ReadDrives(Session& session) {
 
 Json ToJson(const Drive& drive) {
   return {{"handle", drive.handle}, {"description", TextJson(drive.description)}};
+}
+
+Drive DriveFromJson(const Json& json) {
+  return {.handle = json.at("handle"), .description = TextFromJson(json.at("description"))};
 }
 
 bool WantsSetupPassword(Session& session, const Drive& drive) {

@@ -22,6 +22,7 @@ struct Drive {
 std::vector<Drive> ReadDrives(Session& session);
 // {"handle", "description"}
 Json ToJson(const Drive& drive);
+Drive DriveFromJson(const Json& json);
 
 struct DrivePasswords {
   bytes::SecureString current;  // empty: none is set

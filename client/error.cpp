@@ -50,6 +50,26 @@ Json ToJson(const Error& error) {
   return json;
 }
 
+Error ErrorFromJson(const Json& json) {
+  const auto code = json.at("code").get<int>();
+  const bool is_known = code > kDone && code <= kBusy;
+  Error error(is_known ? static_cast<ExitStatus>(code) : kUnexpected, json.at("name"),
+              json.at("message").get<std::string>(), json.value("target", ""));
+  for (const auto& [key, value] : json.items()) {
+    if (key == "step") {
+      error.step = value;
+    } else if (key == "hresult") {
+      error.hresult = value.get<std::uint32_t>();
+    } else if (key == "completion") {
+      error.completion = value.get<std::int32_t>();
+    } else if (key != "code" && key != "name" && key != "message" && key != "target" &&
+               key != "hint") {
+      error.details[key] = value;
+    }
+  }
+  return error;
+}
+
 const StatusText& Explain(Status status) {
   static constexpr StatusText kTexts[] = {
       {STATUS_SUCCESS, kDone, "success", "Everything is available."},

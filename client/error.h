@@ -71,6 +71,8 @@ struct Cancelled : std::runtime_error {
 // {"code", "name", "message", "target", "hint"}, and where they are known "step", "hresult",
 // "completion" and the details. The hint is empty: faces fill in their own.
 Json ToJson(const Error& error);
+// The error of such a document.
+Error ErrorFromJson(const Json& json);
 
 // What a status of the library means.
 struct StatusText {

@@ -1,18 +1,35 @@
 #include "client/firmware_list.h"
 
+#include <algorithm>
+#include <cmath>
 #include <iterator>
+#include <limits>
+#include <sstream>
 
 #include "client/call.h"
 #include "client/commands.h"
+#include "client/snapshot/snapshot.h"
 
 namespace mira::client {
 namespace {
 
-template <typename List>
-auto Read(Session& session, std::uint16_t select, const char* target) {
+constexpr double kTenths = 10;  // of a degree
+
+// One of the lists: what the firmware calls it, and its field in documents.
+struct ListName {
+  std::uint16_t select;
+  const char* target;
+  const char* field;
+};
+
+template <typename List, typename FromJson>
+std::vector<typename List::Entry> Read(Session& session, const ListName& name, FromJson from_json) {
   constexpr std::uint16_t kClass = 17;
+  if (const Snapshot* const kept = session.Kept()) {
+    return kept->List(kFirmwareListsSubject, name.field, from_json);
+  }
   List list;
-  Execute(session, {kClass, select}, list, {.target = target});
+  Execute(session, {kClass, name.select}, list, {.target = name.target});
   return std::move(list.Entries);
 }
 
@@ -45,19 +62,19 @@ Json ShowThermal(Request& request) {
 }  // namespace
 
 std::vector<CLogEntries::Entry> ReadLog(Session& session) {
-  return Read<CLogEntries>(session, 24, "log");
+  return Read<CLogEntries>(session, {24, "log", "entries"}, LogEntryFromJson);
 }
 
 std::vector<CFirmwareMessages::Entry> ReadMessages(Session& session) {
-  return Read<CFirmwareMessages>(session, 16, "messages");
+  return Read<CFirmwareMessages>(session, {16, "messages", "messages"}, MessageFromJson);
 }
 
 std::vector<CTabletScanCodes::Entry> ReadScanCodes(Session& session) {
-  return Read<CTabletScanCodes>(session, 18, "tablet scan codes");
+  return Read<CTabletScanCodes>(session, {18, "tablet scan codes", "scanCodes"}, ScanCodeFromJson);
 }
 
 std::vector<CThermalSensors::Entry> ReadThermalSensors(Session& session) {
-  return Read<CThermalSensors>(session, 22, "thermal sensors");
+  return Read<CThermalSensors>(session, {22, "thermal sensors", "sensors"}, ThermalSensorFromJson);
 }
 
 Json ToJson(const CLogEntries::Entry& e) {
@@ -84,11 +101,62 @@ Json ToJson(const CTabletScanCodes::Entry& e) {
 }
 
 Json ToJson(const CThermalSensors::Entry& e) {
-  constexpr double kTenths = 10;
   return {{"number", e.Number},
           {"location", TextJson(e.Location)},
           {"celsius", e.Temperature / kTenths},
           {"limitCelsius", e.Limit / kTenths}};
+}
+
+CLogEntries::Entry LogEntryFromJson(const Json& json) {
+  CLogEntries::Entry e;
+  std::istringstream time(json.at("time").get<std::string>());
+  unsigned parts[6] = {};
+  for (unsigned& part : parts) {
+    time >> part;
+    time.get();
+  }
+  const auto byte = [&parts](std::size_t i) { return static_cast<std::uint8_t>(parts[i]); };
+  e.Year = static_cast<std::uint16_t>(parts[0]);
+  e.Month = byte(1);
+  e.Day = byte(2);
+  e.Hour = byte(3);
+  e.Minute = byte(4);
+  e.Second = byte(5);
+  e.Severity = json.at("severityCode");
+  e.Code = json.at("code");
+  e.Text = TextFromJson(json.at("text"));
+  return e;
+}
+
+CFirmwareMessages::Entry MessageFromJson(const Json& json) {
+  CFirmwareMessages::Entry e;
+  e.Number = json.at("number");
+  e.Severity = json.at("severityCode");
+  e.Seen = json.at("seen").get<bool>() ? 1 : 0;
+  e.Text = TextFromJson(json.at("text"));
+  return e;
+}
+
+CTabletScanCodes::Entry ScanCodeFromJson(const Json& json) {
+  CTabletScanCodes::Entry e;
+  e.ScanCode = json.at("scanCode");
+  e.Button = TextFromJson(json.at("button"));
+  return e;
+}
+
+CThermalSensors::Entry ThermalSensorFromJson(const Json& json) {
+  const auto tenths = [&json](const char* key) {
+    const double lowest = std::numeric_limits<std::int16_t>::min();
+    const double highest = std::numeric_limits<std::int16_t>::max();
+    return static_cast<std::int16_t>(
+        std::clamp(std::round(json.at(key).get<double>() * kTenths), lowest, highest));
+  };
+  CThermalSensors::Entry e;
+  e.Number = json.at("number");
+  e.Temperature = tenths("celsius");
+  e.Limit = tenths("limitCelsius");
+  e.Location = TextFromJson(json.at("location"));
+  return e;
 }
 
 std::vector<Command> FirmwareListCommands() {

@@ -21,12 +21,16 @@ std::vector<CThermalSensors::Entry> ReadThermalSensors(Session& session);
 
 // {"time", "severity", "severityCode", "code", "text"}
 Json ToJson(const CLogEntries::Entry& entry);
+CLogEntries::Entry LogEntryFromJson(const Json& json);
 // {"number", "severity", "severityCode", "seen", "text"}
 Json ToJson(const CFirmwareMessages::Entry& entry);
+CFirmwareMessages::Entry MessageFromJson(const Json& json);
 // {"scanCode", "button"}
 Json ToJson(const CTabletScanCodes::Entry& entry);
+CTabletScanCodes::Entry ScanCodeFromJson(const Json& json);
 // {"number", "location", "celsius", "limitCelsius"}
 Json ToJson(const CThermalSensors::Entry& entry);
+CThermalSensors::Entry ThermalSensorFromJson(const Json& json);
 
 }  // namespace mira::client
 

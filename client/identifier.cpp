@@ -3,16 +3,14 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
-#include <memory>
 
 #include "buffers/aux_mac_buffer.h"
-#include "buffers/buffer_factory.h"
 #include "buffers/eppid_buffer.h"
 #include "buffers/tag_data.h"
-#include "bytes/reader.h"
 #include "bytes/text.h"
-#include "bytes/writer.h"
 #include "client/commands.h"
+#include "client/image_server.h"
+#include "client/snapshot/snapshot.h"
 #include "client/text_checks.h"
 
 namespace mira::client {
@@ -84,71 +82,11 @@ void WriteEppid(Session& session, const std::string& text) {
   Execute(session, {21, 2}, data, {.target = kEppid});
 }
 
-constexpr char kImageServer[] = "image server";
-
-// Only the console form of the request has room for the text: instead of answering its prompt, this
-// reads and writes the record.
-class ImageServerCall {
- public:
-  ImageServerCall(Session& session, std::uint16_t select)
-      : session_(session),
-        mira_(session.Ready()),
-        command_{kClass, select},
-        buffer_(CreateBuffer(kClass, select, mira_.GetACPIBufSize())) {
-    std::uint32_t size = 0;
-    record_ = buffer_ ? buffer_->PromptInputBuffer(0, size, false) : nullptr;
-  }
-
-  void SetText(const std::string& text) {
-    bytes::Writer out(buffer_->Record(), kText);
-    out.Text(text);
-    if (!out.Ok()) RequireLength(text, 0, kImageServer);
-  }
-  std::string Text() const {
-    bytes::Reader in(buffer_->Record(), kText);
-    return std::string(in.FixedText(in.Left()));
-  }
-
-  void Send() {
-    CCallingInterface* const calling = FindCallingInterface(mira_);
-    if (record_ == nullptr || !IsAnnounced(mira_, kClass)) {
-      throw ErrorOf(STATUS_NOT_SUPPORTED, kImageServer);
-    }
-    if (calling->Execute(*record_, mira_.GetACPIBufSize(), mira_.GetACPIInstanceName()) !=
-        CCallingInterface::STATUS_SUCCESS) {
-      throw CallError(session_, command_, STATUS_FAILURE, record_->cbRES1,
-                      {.target = kImageServer});
-    }
-  }
-
- private:
-  static constexpr std::uint16_t kClass = 11;
-  static constexpr std::size_t kText = 48;  // offset in the record
-
-  Session& session_;
-  CMiraIntf& mira_;
-  callif::Command command_;
-  std::unique_ptr<CBuffer> buffer_;
-  SMBiosCI* record_;
-};
-
-std::string ReadImageServer(Session& session) {
-  ImageServerCall call(session, 4);
-  call.Send();
-  return call.Text();
-}
-
 std::string CheckImageServer(std::string text) {
   constexpr std::size_t kLongest = 511;
   RequireAscii(text, kImageServer);
   RequireLength(text, kLongest, kImageServer);
   return text;
-}
-
-void WriteImageServer(Session& session, const std::string& text) {
-  ImageServerCall call(session, 5);
-  call.SetText(text);
-  call.Send();
 }
 
 constexpr char kThinClient[] = "thin client";
@@ -250,10 +188,21 @@ const std::vector<std::string>& IdentifierNames() {
 }
 
 Identifier ReadIdentifier(Session& session, const std::string& name) {
+  if (session.Kept() != nullptr) {
+    for (Identifier& identifier : ReadIdentifiers(session)) {
+      if (identifier.name != name) continue;
+      if (identifier.problem) throw *identifier.problem;
+      return std::move(identifier);
+    }
+    throw NotInSnapshot(FindItem(name).title);
+  }
   return {name, FindItem(name).read(session)};
 }
 
 std::vector<Identifier> ReadIdentifiers(Session& session) {
+  if (const Snapshot* const kept = session.Kept()) {
+    return kept->List(kIdentifiersSubject, "identifiers", IdentifierFromJson);
+  }
   session.Ready();
   std::vector<Identifier> list;
   for (const Item& item : kItems) {
@@ -285,6 +234,13 @@ Json ToJson(const Identifier& identifier) {
                {"value", identifier.text ? TextJson(*identifier.text) : Json()}};
   if (identifier.problem) json["problem"] = ToJson(*identifier.problem);
   return json;
+}
+
+Identifier IdentifierFromJson(const Json& json) {
+  Identifier identifier = {.name = json.at("item"), .text = std::nullopt};
+  if (!json.at("value").is_null()) identifier.text = TextFromJson(json.at("value"));
+  if (json.contains("problem")) identifier.problem = ErrorFromJson(json.at("problem"));
+  return identifier;
 }
 
 std::vector<Command> IdentifierCommands() {

@@ -32,6 +32,7 @@ Plan PlanIdentifier(Session& session, const std::string& name, const std::string
 
 // {"item", "value"}; "problem" of one that cannot be read.
 Json ToJson(const Identifier& identifier);
+Identifier IdentifierFromJson(const Json& json);
 
 }  // namespace mira::client
 

@@ -72,6 +72,11 @@ std::optional<std::string> BytesOfText(const Json& value) {
   return std::string(bytes->begin(), bytes->end());
 }
 
+std::string TextFromJson(const Json& value) {
+  if (auto text = BytesOfText(value)) return std::move(*text);
+  throw Error(kInvalidValue, "malformed-snapshot", "The snapshot has no text where one belongs.");
+}
+
 std::string Readable(const Json& value) {
   if (value.is_string()) return value.get<std::string>();
   if (value.is_null()) return "";

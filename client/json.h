@@ -39,6 +39,8 @@ Json TextJson(std::string_view bytes);
 // The bytes of a text in either form; nothing for anything else. A string stands for its UTF-8
 // bytes.
 std::optional<std::string> BytesOfText(const Json& value);
+// The same of a field that must have one. Throws Error (kInvalidValue).
+std::string TextFromJson(const Json& value);
 // What a person reads: the text of either form, numbers in decimal, lists with commas, "" for null.
 std::string Readable(const Json& value);
 

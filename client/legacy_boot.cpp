@@ -5,6 +5,7 @@
 #include "client/call.h"
 #include "client/commands.h"
 #include "client/order.h"
+#include "client/snapshot/snapshot.h"
 
 namespace mira::client {
 namespace {
@@ -24,17 +25,17 @@ constexpr CodeMeaning kLegacyMeanings[] = {
 using Priorities = std::vector<std::uint8_t>;
 
 // One of the two orders.
-struct Kind {
+struct PriorityKind {
   const char* argument;
   const char* target;
   Priorities LegacyBoot::*priorities;
 };
-constexpr Kind kKinds[] = {
+constexpr PriorityKind kKinds[] = {
     {"ipl", "IPL priority", &LegacyBoot::ipl},
     {"bcv", "BCV priority", &LegacyBoot::bcv},
 };
 
-Orderables DevicesOf(const LegacyBoot& boot, const Kind& kind) {
+Orderables DevicesOf(const LegacyBoot& boot, const PriorityKind& kind) {
   Orderables all{.things = {}, .what = "device", .highest = kHighestPlace};
   for (const std::uint8_t place : boot.*kind.priorities) {
     const bool is_listed = place < boot.devices.size();
@@ -46,7 +47,7 @@ Orderables DevicesOf(const LegacyBoot& boot, const Kind& kind) {
 
 std::vector<Json> ValuesOf(const LegacyBoot& boot) {
   std::vector<Json> values;
-  for (const Kind& kind : kKinds) values.emplace_back(boot.*kind.priorities);
+  for (const PriorityKind& kind : kKinds) values.emplace_back(boot.*kind.priorities);
   return values;
 }
 
@@ -74,6 +75,9 @@ Json SetLegacyBoot(Request& request) {
 }  // namespace
 
 LegacyBoot ReadLegacyBoot(Session& session) {
+  if (const Snapshot* const kept = session.Kept()) {
+    return LegacyBootFromJson(kept->Value(kLegacyBootSubject));
+  }
   CSimpleTokenData sizes;
   Execute(session, kReadSizes, sizes, {.target = kTarget});
   CLegacyBBSIPLPriority data;
@@ -94,7 +98,7 @@ Plan PlanLegacyBoot(Session& session, const std::vector<std::string>& ipl,
   const std::vector<std::string>* const given[] = {&ipl, &bcv};
   for (std::size_t i = 0; i < std::size(kKinds); ++i) {
     if (given[i]->empty()) continue;
-    const Kind& kind = kKinds[i];
+    const PriorityKind& kind = kKinds[i];
     const Orderables all = DevicesOf(before, kind);
     const std::vector<OrderEntry> entries = ParseOrder(*given[i], all);
     if (!force) RequirePermutation(entries, all, kind.target);
@@ -134,6 +138,15 @@ Json ToJson(const LegacyBoot& boot) {
                        {"expansion", device.expansion}});
   }
   return {{"devices", std::move(devices)}, {"iplPriority", boot.ipl}, {"bcvPriority", boot.bcv}};
+}
+
+LegacyBoot LegacyBootFromJson(const Json& json) {
+  LegacyBoot boot{{}, json.at("iplPriority"), json.at("bcvPriority")};
+  for (const Json& device : json.at("devices")) {
+    boot.devices.push_back({device.at("type"), device.at("statusFlags"), device.at("bootHandler"),
+                            device.at("descriptionAddress"), device.at("expansion")});
+  }
+  return boot;
 }
 
 std::vector<Command> LegacyBootCommands() {

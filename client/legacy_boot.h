@@ -41,6 +41,7 @@ Plan PlanLegacyBoot(Session& session, const std::vector<std::string>& ipl,
 
 // {"devices": [{"device", "type", "typeName", …}], "iplPriority", "bcvPriority"}
 Json ToJson(const LegacyBoot& boot);
+LegacyBoot LegacyBootFromJson(const Json& json);
 
 }  // namespace mira::client
 

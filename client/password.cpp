@@ -3,6 +3,7 @@
 #include "buffers/password_data.h"
 #include "callif/password.h"
 #include "client/commands.h"
+#include "client/snapshot/snapshot.h"
 
 namespace mira::client {
 namespace {
@@ -88,6 +89,9 @@ const Argument kPasswordClass = {.name = "class",
 }  // namespace
 
 std::vector<PasswordState> ReadPasswords(Session& session) {
+  if (const Snapshot* const kept = session.Kept()) {
+    return kept->List(kPasswordsSubject, "passwords", PasswordFromJson);
+  }
   PwdInfo info;
   if (!session.Ready().GetPwdInfo(info)) {
     throw Error(kNotSupported, "no-calling-interface", "This PC offers no calling interface.");
@@ -177,6 +181,13 @@ Json ToJson(const PasswordState& state) {
           {"installed", state.installed},
           {"maxLength", state.max_length},
           {"secondLength", state.second_length}};
+}
+
+PasswordState PasswordFromJson(const Json& json) {
+  return {.cls = json.at("class"),
+          .installed = json.at("installed"),
+          .max_length = json.at("maxLength"),
+          .second_length = json.at("secondLength")};
 }
 
 std::vector<Command> PasswordCommands() {

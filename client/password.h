@@ -42,6 +42,7 @@ Plan PlanPassword(Session& session, const PasswordState& state, const bytes::Sec
 
 // {"class", "installed", "maxLength", "secondLength"}
 Json ToJson(const PasswordState& state);
+PasswordState PasswordFromJson(const Json& json);
 
 }  // namespace mira::client
 

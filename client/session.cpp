@@ -4,6 +4,7 @@
 #include <chrono>
 
 #include "client/call.h"
+#include "client/snapshot/snapshot.h"
 #include "pldm/progress.h"
 #include "transport/com_error.h"
 
@@ -25,6 +26,9 @@ pldm::ProgressAnswer ShowTables(void* session, unsigned table, unsigned tables,
 Session::~Session() { Restart(); }
 
 Status Session::Open(bool attributes, bool texts) {
+  if (kept_ != nullptr) {
+    throw Error(kNotFound, "not-in-snapshot", "The snapshot does not hold what was asked for.");
+  }
   if (mira_ && has_attributes_ >= attributes && has_texts_ >= texts) return status_;
   Restart();
   mira_ = std::make_unique<CMiraIntf>(diagnostics_);
@@ -82,6 +86,7 @@ CMiraIntf& Session::WithAttributes(Texts texts) {
 }
 
 std::string Session::Now() const {
+  if (kept_ != nullptr) return kept_->TakenAt();
   if (clock_) return clock_();
   const auto now = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
   const auto today = std::chrono::floor<std::chrono::days>(now);

@@ -19,6 +19,8 @@
 
 namespace mira::client {
 
+class Snapshot;
+
 // How far a long operation is. False cancels it.
 using Progress = std::function<bool(const std::string& what, std::size_t done, std::size_t total)>;
 
@@ -78,6 +80,25 @@ class Session {
   // The error of an Init that failed.
   Error StartError() const;
 
+  // The snapshot that stands for the machine; null where the machine itself is asked.
+  const Snapshot* Kept() const { return kept_; }
+  // While an object of this class lives, the session's values come from a snapshot, and nothing is
+  // started.
+  class Offline {
+   public:
+    Offline(Session& session, const Snapshot& snapshot)
+        : session_(session), before_(session.kept_) {
+      session_.kept_ = &snapshot;
+    }
+    ~Offline() { session_.kept_ = before_; }
+    Offline(const Offline&) = delete;
+    Offline& operator=(const Offline&) = delete;
+
+   private:
+    Session& session_;
+    const Snapshot* before_;
+  };
+
   // Reports how far it is. False when nobody wants the rest.
   bool Continues(const std::string& what, std::size_t done, std::size_t total) const;
   // The same. Throws Cancelled then.
@@ -126,6 +147,7 @@ class Session {
   std::vector<std::string> start_lines_;
   int uninterrupted_ = 0;
   int changing_ = 0;
+  const Snapshot* kept_ = nullptr;
 };
 
 }  // namespace mira::client

@@ -7,6 +7,8 @@
 #include "bytes/text.h"
 #include "client/commands.h"
 #include "client/smbios_file.h"
+#include "client/snapshot/snapshot.h"
+#include "client/start_up.h"
 #include "client/structure_marks.h"
 #include "smbios/structure_factory.h"
 #include "smbios/table.h"
@@ -89,8 +91,8 @@ Json ShowSmbios(Request& request) {
       {"complete", list.is_complete},
       {"selection", ToJson(selection)}};
   // Init is asked only for what it says of the rest of the library.
-  if (!request.Has("file") && request.GetSession().Start() != STATUS_SUCCESS) {
-    document["limit"] = ToJson(request.GetSession().StartError());
+  if (!request.Has("file")) {
+    if (const auto limit = StartProblem(request.GetSession())) document["limit"] = ToJson(*limit);
   }
   if (request.Has("form")) {
     document["table"] = bytes::HexText(request.Text("form") == "dump" ? ToDump(table) : table);
@@ -188,13 +190,16 @@ void WriteDump(ByteSpan structure, const std::function<std::string(std::string_v
   out << std::dec;
 }
 
-std::vector<std::uint8_t> ReadTable(const Request& request) {
-  if (!request.Has("file")) {
-    std::vector<std::uint8_t> table = smbios::ReadFirmwareTable();
-    if (!table.empty()) return table;
-    throw Error(kTransportFailed, "smbios-failed",
-                "The system serves no SMBIOS table, or none that this user may read.");
-  }
+std::vector<std::uint8_t> ReadTable(Session& session) {
+  if (const Snapshot* const kept = session.Kept()) return kept->Table();
+  std::vector<std::uint8_t> table = smbios::ReadFirmwareTable();
+  if (!table.empty()) return table;
+  throw Error(kTransportFailed, "smbios-failed",
+              "The system serves no SMBIOS table, or none that this user may read.");
+}
+
+std::vector<std::uint8_t> ReadTable(Request& request) {
+  if (!request.Has("file")) return ReadTable(request.GetSession());
   const std::string content = request.Text("file");
   std::vector<std::uint8_t> table = TableFromFile(bytes::AsBytes(content));
   if (!table.empty()) return table;

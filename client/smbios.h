@@ -22,6 +22,7 @@
 namespace mira::client {
 
 class Request;
+class Session;
 
 struct StructureAttribute {
   std::string key;
@@ -67,9 +68,12 @@ Json ToJson(const StructureValue& structure);
 void WriteDump(bytes::ByteSpan structure, const std::function<std::string(std::string_view)>& shown,
                std::ostream& out);
 
+// The firmware's own table, in the form of the firmware table service. Throws Error when there is
+// none.
+std::vector<std::uint8_t> ReadTable(Session& session);
 // The table in the argument "file", else the firmware's own, in the form of the firmware table
 // service. Throws Error when there is none.
-std::vector<std::uint8_t> ReadTable(const Request& request);
+std::vector<std::uint8_t> ReadTable(Request& request);
 // The error of a table that could not be read to its end.
 Error MalformedTable(bool has_structures);
 

@@ -6,6 +6,7 @@
 #include "bytes/text.h"
 #include "client/call.h"
 #include "client/commands.h"
+#include "client/snapshot/snapshot.h"
 #include "smbios/table.h"
 #include "transport/operation_report.h"
 
@@ -195,7 +196,17 @@ void ReadTable(StartUp& start_up) {
   }
 }
 
+// The document as it was when the snapshot was taken: it says what happened then.
+Json KeptInfo(const Snapshot& kept) {
+  Json document = kept.Value(kStartUpSubject);
+  auto problem = kept.Problem(kStartUpSubject);
+  if (!problem) return document;
+  problem->document = std::move(document);
+  throw std::move(*problem);
+}
+
 Json Info(Request& request) {
+  if (const Snapshot* const kept = request.GetSession().Kept()) return KeptInfo(*kept);
   const StartUp start_up = ReadStartUp(request.GetSession());
   Json document = {{"version", MIRA_VERSION}};
   if (request.GetSession().IsSimulated()) document["profile"] = request.GetSession().Profile();
@@ -257,6 +268,15 @@ Json ToJson(const StartUp& start_up) {
       {"transferBufferSize", start_up.transfer_buffer_size},
       {"instanceKey", start_up.instance_key},
       {"announcedClasses", start_up.announced_classes}};
+}
+
+std::optional<Error> StartProblem(Session& session) {
+  if (const Snapshot* const kept = session.Kept()) {
+    const bool is_failed = kept->Value(kStartUpSubject).at("status") != STATUS_SUCCESS;
+    return is_failed ? kept->Problem(kStartUpSubject) : std::nullopt;
+  }
+  if (session.Start() == STATUS_SUCCESS) return std::nullopt;
+  return session.StartError();
 }
 
 std::vector<Command> StartUpCommands() {

@@ -37,6 +37,8 @@ struct StartUp {
 // Starts the library, and where that succeeds makes a call without effect.
 StartUp ReadStartUp(Session& session);
 Json ToJson(const StartUp& start_up);
+// The error of an Init that failed; nothing where it succeeded.
+std::optional<Error> StartProblem(Session& session);
 
 }  // namespace mira::client
 

@@ -5,6 +5,7 @@
 
 #include "buffers/tag_data.h"
 #include "client/commands.h"
+#include "client/snapshot/snapshot.h"
 #include "client/text_checks.h"
 
 namespace mira::client {
@@ -116,10 +117,27 @@ const std::vector<std::string>& TagKinds() {
 }
 
 Tag ReadTag(Session& session, const std::string& kind, std::uint32_t command) {
+  if (session.Kept() != nullptr) {
+    for (Tag& tag : ReadTags(session, command)) {
+      if (tag.kind != kind) continue;
+      if (tag.problem) throw *tag.problem;
+      return std::move(tag);
+    }
+    throw NotInSnapshot(kind + " tag");
+  }
   return {.kind = kind, .command = command, .text = ReadNamed(session, FindKind(kind), command)};
 }
 
 std::vector<Tag> ReadTags(Session& session, std::uint32_t command) {
+  if (const Snapshot* const kept = session.Kept()) {
+    std::vector<Tag> tags = kept->List(kTagsSubject, "tags", TagFromJson);
+    for (Tag& tag : tags) {
+      // Of the extended tags a snapshot holds the one of command 0.
+      if (tag.kind == "extended" && command != 0)
+        tag = {tag.kind, command, {}, NotInSnapshot(tag.kind)};
+    }
+    return tags;
+  }
   session.Ready();
   std::vector<Tag> tags;
   for (const Kind& kind : kTagKinds) {
@@ -164,6 +182,13 @@ Json ToJson(const Tag& tag) {
   json["value"] = tag.text ? TextJson(*tag.text) : Json();
   if (tag.problem) json["problem"] = ToJson(*tag.problem);
   return json;
+}
+
+Tag TagFromJson(const Json& json) {
+  Tag tag = {.kind = json.at("tag"), .command = json.value("command", 0U)};
+  if (!json.at("value").is_null()) tag.text = TextFromJson(json.at("value"));
+  if (json.contains("problem")) tag.problem = ErrorFromJson(json.at("problem"));
+  return tag;
 }
 
 std::vector<Command> TagCommands() {

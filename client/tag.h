@@ -20,8 +20,9 @@ const std::vector<std::string>& TagKinds();
 
 struct Tag {
   std::string kind;
-  std::uint32_t command = 0;        // of an extended tag
-  std::optional<std::string> text;  // as the firmware has it; nothing where it cannot be read
+  std::uint32_t command = 0;  // of an extended tag
+  std::optional<std::string> text =
+      std::nullopt;  // as the firmware has it; nothing where it cannot be read
   std::optional<Error> problem = std::nullopt;
 };
 
@@ -38,6 +39,7 @@ Plan PlanTag(Session& session, const std::string& kind, const std::string& text,
 
 // {"tag", "value"}; "command" of an extended tag, "problem" of one that cannot be read.
 Json ToJson(const Tag& tag);
+Tag TagFromJson(const Json& json);
 
 }  // namespace mira::client
 

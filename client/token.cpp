@@ -3,6 +3,7 @@
 #include <map>
 
 #include "client/commands.h"
+#include "client/snapshot/snapshot.h"
 
 namespace mira::client {
 namespace {
@@ -16,6 +17,9 @@ Json ShowTokens(Request& request) {
 }  // namespace
 
 std::vector<Token> ReadTokens(Session& session) {
+  if (const Snapshot* const kept = session.Kept()) {
+    return kept->List(kTokensSubject, "tokens", TokenFromJson);
+  }
   std::map<std::uint16_t, CDAToken> tokens;
   session.Ready().GetAllDATokens(tokens);
   std::vector<Token> list;
@@ -29,6 +33,10 @@ std::vector<Token> ReadTokens(Session& session) {
 
 Json ToJson(const Token& token) {
   return {{"id", token.id}, {"location", token.location}, {"value", token.value}};
+}
+
+Token TokenFromJson(const Json& json) {
+  return {.id = json.at("id"), .location = json.at("location"), .value = json.at("value")};
 }
 
 std::vector<Command> TokenCommands() {

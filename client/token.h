@@ -21,6 +21,7 @@ struct Token {
 std::vector<Token> ReadTokens(Session& session);
 // {"id", "location", "value"}
 Json ToJson(const Token& token);
+Token TokenFromJson(const Json& json);
 
 }  // namespace mira::client
 

@@ -9,6 +9,8 @@ file(GLOB MIRA_WHOLE_MACHINE_SOURCES CONFIGURE_DEPENDS
   ${CMAKE_SOURCE_DIR}/client/snapshot/*.cpp ${CMAKE_SOURCE_DIR}/client/state/*.cpp
   ${CMAKE_SOURCE_DIR}/client/report/*.cpp)
 list(APPEND MIRA_CLIENT_SOURCES ${MIRA_WHOLE_MACHINE_SOURCES})
+include(ReportPage)
+list(APPEND MIRA_CLIENT_SOURCES ${MIRA_PAGE_SOURCE})
 add_library(mira_client_objects OBJECT ${MIRA_CLIENT_SOURCES})
 target_compile_definitions(mira_client_objects PRIVATE
   MIRA_VERSION="${PROJECT_VERSION}" $<$<NOT:$<BOOL:${MSVC}>>:MIRA_STATIC>)

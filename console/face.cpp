@@ -12,7 +12,7 @@ const std::vector<Face>& Faces() {
     for (const auto noun :
          {ApplyFaces, AttrFaces, BatteryFaces, BootFaces, CallFaces, CompletionFaces, IdFaces,
           InfoFaces, InventoryFaces, ListFaces, PasswordFaces, SimControlFaces, SimFaces,
-          SmbiosFaces, TagFaces, TokenFaces}) {
+          SmbiosFaces, SnapshotFaces, TagFaces, TokenFaces}) {
       std::vector<Face> some = noun();
       std::move(some.begin(), some.end(), std::back_inserter(list));
     }

@@ -24,6 +24,9 @@ struct Face {
   // Of a command whose document goes to a file: the list that counts in it. `render` is given
   // {"file", "exported", "whatIf"}.
   const char* saves = nullptr;
+  // Such a document may say much about its owner: the file is for the user alone, and without its
+  // name the document goes to standard output.
+  bool is_private = false;
   // The field of bytes that the option --save writes to a file, and the option's help. The
   // command's argument "form" asks for the field.
   const char* save_field = nullptr;
@@ -50,6 +53,7 @@ std::vector<Face> PasswordFaces();
 std::vector<Face> SimControlFaces();
 std::vector<Face> SimFaces();
 std::vector<Face> SmbiosFaces();
+std::vector<Face> SnapshotFaces();
 std::vector<Face> TagFaces();
 std::vector<Face> TokenFaces();
 

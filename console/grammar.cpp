@@ -93,7 +93,13 @@ void AddLeaf(CLI::App& app, const client::Command& client_command, Command& comm
   if (const Face* const face = FindFace(client_command.name)) {
     SetFooter(app, std::string("Examples:\n") + face->examples);
     if (face->saves != nullptr) {
-      app.add_option("FILE", leaf->file, "the file, or - for standard output")->required();
+      CLI::Option* const file =
+          app.add_option("FILE", leaf->file, "the file, or - for standard output");
+      if (face->is_private) {
+        leaf->file = "-";
+      } else {
+        file->required();
+      }
     }
     if (face->logs) {
       app.add_option("--log", leaf->file,

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "bytes/text.h"
+#include "client/report/characters.h"
 
 namespace mira::console {
 namespace {
@@ -14,28 +15,6 @@ std::size_t Width(std::string_view utf8) {
   }));
 }
 
-char32_t CodePoint(std::string_view character) {
-  const auto first = static_cast<unsigned char>(character.front());
-  if (character.size() == 1) return first;
-  constexpr unsigned kFirstBits[] = {0, 0, 0x1F, 0x0F, 0x07};
-  char32_t code = first & kFirstBits[std::min<std::size_t>(character.size(), 4)];
-  for (const char c : character.substr(1)) code = code << 6 | (static_cast<unsigned>(c) & 0x3F);
-  return code;
-}
-
-bool IsHarmless(char32_t code) {
-  const bool is_control = code < 0x20 || (code >= 0x7F && code < 0xA0);
-  const bool turns_direction = code == 0x061C || code == 0x200E || code == 0x200F ||
-                               (code >= 0x202A && code <= 0x202E) ||
-                               (code >= 0x2066 && code <= 0x2069);
-  const bool breaks_line = code == 0x2028 || code == 0x2029;
-  return !is_control && !turns_direction && !breaks_line;
-}
-
-std::string EscapeOf(char32_t code) {
-  return code < 0x100 ? "\\x" + bytes::HexNumber(code, 2) : "\\u" + bytes::HexNumber(code, 4);
-}
-
 }  // namespace
 
 std::string Hex(std::uint64_t value, int digits) {
@@ -43,18 +22,9 @@ std::string Hex(std::uint64_t value, int digits) {
 }
 
 std::string Escaped(std::string_view text) {
-  const std::string utf8 = ToUtf8(text);
-  std::string escaped;
-  escaped.reserve(utf8.size());
-  for (std::size_t i = 0; i < utf8.size();) {
-    std::size_t end = i + 1;
-    while (end < utf8.size() && (static_cast<unsigned char>(utf8[end]) & 0xC0) == 0x80) ++end;
-    const std::string_view character = std::string_view(utf8).substr(i, end - i);
-    const char32_t code = CodePoint(character);
-    escaped += IsHarmless(code) ? std::string(character) : EscapeOf(code);
-    i = end;
-  }
-  return escaped;
+  return client::RewriteCharacters(text, [](std::string_view character, char32_t code) {
+    return client::DrivesDisplay(code) ? client::EscapeOf(code) : std::string(character);
+  });
 }
 
 std::filesystem::path ToPath(const std::string& utf8) {

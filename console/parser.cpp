@@ -41,6 +41,11 @@ std::vector<std::string> Keys(const Map& map) {
 }
 
 Error UnknownOption(const CLI::App& app, const std::string& option, const std::string& help) {
+  if (option == "--from" && Verbs(app).empty()) {
+    throw Error(kUsage, "snapshot-is-only-read",
+                "A snapshot is only read: '" + FullName(app) + "' works on a machine alone.",
+                option);
+  }
   std::vector<std::string> names = Keys(LongOptions(app));
   for (const GlobalOption& global : GlobalOptions()) names.push_back(global.name);
   return WithHint(Error(kUsage, "unknown-option",

@@ -72,7 +72,7 @@ WhatWasDone DoneBy(const Json& document) {
 // What there is to show although the command failed.
 void RenderRest(const client::Command& command, const Json& document, std::ostream& out) {
   Json rest = document;
-  rest.erase("error");
+  for (const char* const key : {"error", "from", "simulated"}) rest.erase(key);
   if (rest.empty()) return;
   const Face* const face = FindFace(command.name);
   if (face != nullptr && face->render != nullptr) {

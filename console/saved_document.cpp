@@ -7,10 +7,11 @@
 namespace mira::console {
 namespace {
 
-void Write(const std::string& path, const Json& document) {
+void Write(const std::string& path, const Json& document, support::FileAccess access) {
   Json whole = {{"schemaVersion", 1}};
   whole.update(document);
-  if (const std::error_code error = support::WriteFileSafely(ToPath(path), client::ToText(whole))) {
+  if (const std::error_code error =
+          support::WriteFileSafely(ToPath(path), client::ToText(whole), access)) {
     throw Error(kUnexpected, "not-written",
                 "The file '" + path + "' could not be written: " + error.message() + ".", path);
   }
@@ -36,7 +37,9 @@ ExitStatus SaveDocument(Context& context, const Face& face, const client::Result
       context.Print(content);
     }
   } else {
-    if (is_worth && !is_dry) Write(file, content);
+    const auto access =
+        face.is_private ? support::FileAccess::kPrivate : support::FileAccess::kUsual;
+    if (is_worth && !is_dry) Write(file, content, access);
     report = {{"file", file},
               {"exported", is_worth && list != content.end() ? list->size() : 0},
               {"whatIf", is_dry}};

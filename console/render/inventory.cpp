@@ -1,56 +1,14 @@
 #include <algorithm>
 #include <functional>
 
-#include "bytes/text.h"
+#include "client/report/quantity.h"
 #include "console/face.h"
 
 namespace mira::console {
 namespace {
 
-using client::Readable;
-
-// ---- Values as people write them ----
-
-std::string Plain(const Json& value) { return std::string(bytes::Trimmed(Readable(value), " ")); }
-
-// With one decimal where the number is no whole one.
-std::string Quotient(std::uint64_t value, std::uint64_t unit) {
-  const std::uint64_t tenths = (value * 10 + unit / 2) / unit;
-  const std::string decimal = tenths % 10 == 0 ? "" : "." + std::to_string(tenths % 10);
-  return std::to_string(tenths / 10) + decimal;
-}
-
-// In the largest of the units, each 1024 of the one before, that the size reaches.
-std::string Size(const Json& value, std::size_t unit) {
-  constexpr const char* kUnits[] = {" bytes", " KiB", " MiB", " GiB", " TiB"};
-  constexpr std::uint64_t kStep = 1024;
-  const auto number = client::ToNumber(value);
-  if (!number) return Plain(value);
-  std::uint64_t divisor = 1;
-  while (*number / divisor >= kStep && unit + 1 < std::size(kUnits)) {
-    divisor *= kStep;
-    ++unit;
-  }
-  return Quotient(*number, divisor) + kUnits[unit];
-}
-
-std::string Bytes(const Json& value) { return Size(value, 0); }
-std::string KiB(const Json& value) { return Size(value, 1); }
-std::string MiB(const Json& value) { return Size(value, 2); }
-
-std::string Thousands(const Json& value, const char* unit, const char* thousand) {
-  constexpr std::uint64_t kThousand = 1000;
-  const auto number = client::ToNumber(value);
-  if (!number) return Plain(value);
-  return *number < kThousand ? std::to_string(*number) + unit
-                             : Quotient(*number, kThousand) + thousand;
-}
-
-std::string MHz(const Json& value) { return Thousands(value, " MHz", " GHz"); }
-std::string Volts(const Json& value) { return Thousands(value, " mV", " V"); }
-std::string WattHours(const Json& value) { return Thousands(value, " mWh", " Wh"); }
-std::string Transfers(const Json& value) { return Plain(value) + " MT/s"; }
-std::string Units(const Json& value) { return Plain(value) + " U"; }
+using client::Plain;
+using client::Trimmed;
 
 // ---- Sections ----
 
@@ -145,16 +103,16 @@ void WriteProcessors(std::ostream& out, const Json& list) {
        OfFilled("Family", "family"),
        {"Cores", [](const Json& p) { return Enabled(p, "cores", "coresEnabled"); }, kRight},
        {"Threads", [](const Json& p) { return Enabled(p, "threads", "threadsEnabled"); }, kRight},
-       Of("Speed", "currentSpeedMHz", MHz, kRight),
-       Of("Highest", "maxSpeedMHz", MHz, kRight),
-       Of("Voltage", "voltageMv", Volts, kRight),
+       Of("Speed", "currentSpeedMHz", client::InMHz, kRight),
+       Of("Highest", "maxSpeedMHz", client::InMHz, kRight),
+       Of("Voltage", "voltageMv", client::InMillivolts, kRight),
        Of("Status", "status")});
 }
 
 std::string SlotSize(const Json& slot) {
   if (IsEmpty(slot)) return "(empty)";
-  const std::string size = Shown(slot, {"", "sizeMiB", MiB});
-  return size.empty() ? Shown(slot, {"", "sizeKiB", KiB}) : size;
+  const std::string size = Shown(slot, {"", "sizeMiB", client::InMiB});
+  return size.empty() ? Shown(slot, {"", "sizeKiB", client::InKiB}) : size;
 }
 
 // How much memory there is, in how many of the slots, and how much there can be.
@@ -170,39 +128,41 @@ void WriteMemoryTotal(std::ostream& out, const Json& document) {
     total += mib ? *mib * kKiBInMiB : kib.value_or(0);
   }
   if (slots.empty()) return;
-  out << "  Total: " << KiB(total) << " in " << filled << " of " << slots.size() << " slots";
+  out << "  Total: " << client::InKiB(total) << " in " << filled << " of " << slots.size()
+      << " slots";
   std::uint64_t most = 0;
   for (const Json& array : document.at("memoryArrays")) {
     most += client::ToNumber(array.value("maxCapacityKiB", Json())).value_or(0);
   }
-  if (most != 0) out << "; room for " << KiB(most);
+  if (most != 0) out << "; room for " << client::InKiB(most);
   out << '\n';
 }
 
 void WriteMemory(std::ostream& out, const Json& document) {
-  WriteObjects(out, "Memory", document.at("memorySlots"),
-               {Of("Slot", "locator"),
-                Of("Bank", "bankLocator"),
-                {"Size", SlotSize, kRight},
-                OfFilled("Type", "type"),
-                OfFilled("Form", "formFactor"),
-                {"Speed",
-                 [](const Json& slot) {
-                   if (IsEmpty(slot)) return std::string();
-                   const std::string now = Shown(slot, {"", "configuredSpeedMTs", Transfers});
-                   return now.empty() ? Shown(slot, {"", "speedMTs", Transfers}) : now;
-                 },
-                 kRight},
-                OfFilled("Manufacturer", "manufacturer"),
-                OfFilled("Part number", "partNumber"),
-                OfFilled("Serial number", "serialNumber")});
+  WriteObjects(
+      out, "Memory", document.at("memorySlots"),
+      {Of("Slot", "locator"),
+       Of("Bank", "bankLocator"),
+       {"Size", SlotSize, kRight},
+       OfFilled("Type", "type"),
+       OfFilled("Form", "formFactor"),
+       {"Speed",
+        [](const Json& slot) {
+          if (IsEmpty(slot)) return std::string();
+          const std::string now = Shown(slot, {"", "configuredSpeedMTs", client::InTransfers});
+          return now.empty() ? Shown(slot, {"", "speedMTs", client::InTransfers}) : now;
+        },
+        kRight},
+       OfFilled("Manufacturer", "manufacturer"),
+       OfFilled("Part number", "partNumber"),
+       OfFilled("Serial number", "serialNumber")});
   WriteMemoryTotal(out, document);
 }
 
 void WriteRest(std::ostream& out, const Json& document) {
   WriteObjects(out, "Caches", document.at("caches"),
                {Of("Level", "level", Plain, kRight), Of("Name", "designation"),
-                Of("Size", "installedSizeKiB", KiB, kRight), Of("Type", "type"),
+                Of("Size", "installedSizeKiB", client::InKiB, kRight), Of("Type", "type"),
                 Of("Associativity", "associativity"), Of("Error correction", "errorCorrection"),
                 Of("Mode", "mode")});
   WriteObjects(out, "Expansion slots", document.at("slots"),
@@ -212,18 +172,18 @@ void WriteRest(std::ostream& out, const Json& document) {
                {Of("Outside", "externalDesignator"), Of("Connector", "externalConnector"),
                 Of("Inside", "internalDesignator"), Of("Connector", "internalConnector"),
                 Of("Type", "type")});
-  WriteObjects(
-      out, "Batteries", document.at("batteries"),
-      {Of("Name", "name"), Of("Location", "location"), Of("Manufacturer", "manufacturer"),
-       Of("Chemistry", "chemistry"), Of("Capacity", "designCapacityMWh", WattHours, kRight),
-       Of("Voltage", "designVoltageMv", Volts, kRight), Of("Made", "manufactureDate"),
-       Of("Serial number", "serialNumber")});
+  WriteObjects(out, "Batteries", document.at("batteries"),
+               {Of("Name", "name"), Of("Location", "location"), Of("Manufacturer", "manufacturer"),
+                Of("Chemistry", "chemistry"),
+                Of("Capacity", "designCapacityMWh", client::InMilliwattHours, kRight),
+                Of("Voltage", "designVoltageMv", client::InMillivolts, kRight),
+                Of("Made", "manufactureDate"), Of("Serial number", "serialNumber")});
   WriteObjects(out, "Trusted platform modules", document.at("tpms"),
                {Of("Vendor", "vendor"), Of("TPM version", "specVersion"),
                 Of("Firmware", "firmwareVersion"), Of("Description", "description")});
   WriteObjects(out, "Firmware components", document.at("firmware"),
                {Of("Name", "name"), Of("Version", "version"), Of("Manufacturer", "manufacturer"),
-                Of("Date", "releaseDate"), Of("Size", "imageSizeBytes", Bytes, kRight),
+                Of("Date", "releaseDate"), Of("Size", "imageSizeBytes", client::InBytes, kRight),
                 Of("State", "state"), Of("Updatable", "updatable")});
   // Firmware leaves some of its strings blank: the document has them, the screen does not.
   bool has_any = false;
@@ -240,7 +200,7 @@ void ShowInventory(const Json& document, std::ostream& out) {
   const Json system = document.value("system", Json::object());
   const std::string maker = Shown(system, {"", "manufacturer"});
   const std::string product = Shown(system, {"", "productName"});
-  const std::string title = std::string(bytes::Trimmed(maker + " " + product, " "));
+  const std::string title = Trimmed(maker + " " + product);
   out << (title.empty() ? "A machine that does not say its name" : Escaped(title)) << '\n';
   WriteFields(out, "System", system,
               {{"Version", "version"},
@@ -255,7 +215,7 @@ void ShowInventory(const Json& document, std::ostream& out) {
                {"Date", "releaseDate"},
                {"Release", "release"},
                {"Embedded controller", "embeddedControllerRelease"},
-               {"ROM size", "romSizeKiB", KiB},
+               {"ROM size", "romSizeKiB", client::InKiB},
                {"UEFI", "uefi"},
                {"Virtual machine", "virtualMachine"}});
   for (const Json& chassis : document.at("chassis")) {
@@ -266,7 +226,7 @@ void ShowInventory(const Json& document, std::ostream& out) {
                  {"Serial number", "serialNumber"},
                  {"Asset tag", "assetTag"},
                  {"SKU", "skuNumber"},
-                 {"Height", "heightUnits", Units},
+                 {"Height", "heightUnits", client::InRackUnits},
                  {"Power cords", "powerCords"},
                  {"Lock", "lock"}});
   }

@@ -32,7 +32,7 @@ struct Row {
 
 const std::vector<Row>& Rows() {
   static const std::vector<Row> rows = {
-      {"info", {"info"}},
+      {"info", {"info", "info --from machine.snapshot"}},
       {"smbios",
        {"smbios", "smbios --attributes --type 17", "smbios --handle 0xFFFF",
         "smbios --type 0 --form=dump", "smbios --type 300", "smbios --save saved.tmp",
@@ -41,12 +41,12 @@ const std::vector<Row>& Rows() {
       {"inventory",
        {"inventory", "inventory --file table.tmp", "inventory --file cut.tmp",
         "inventory --file none.tmp"}},
-      {"tokens", {"tokens"}},
+      {"tokens", {"tokens", "tokens --from machine.snapshot"}},
       {"call",
        {"call 0 0 --arg1 0x70", "call 0 0 --arg1 1", "call 31 0",
         "call 1 0 --arg1 0x70 --arg2 7 --key-arg 3 --password-stdin --what-if < setup1",
         "call 1 0 --arg1 0x70 --arg2 7 --what-if"}},
-      {"password.status", {"password status"}},
+      {"password.status", {"password status", "password status --from machine.snapshot"}},
       {"password.verify",
        {"password verify --class 9 --password-stdin < setup1",
         "password verify --class 10 --password-stdin < wrong", "password verify --class 11"}},
@@ -79,8 +79,8 @@ const std::vector<Row>& Rows() {
       {"id.eppid.set", {"id eppid set CN0ABCDE1234567890ABA00 --yes", "id eppid set short"}},
       {"id.image-server.set", {"id image-server set images.example --yes"}},
       {"id.thin-client.set", {"id thin-client set lobby --what-if"}},
-      {"log", {"log", "log messages", "log scan-codes", "log book"}},
-      {"thermal", {"thermal"}},
+      {"log", {"log", "log --from machine.snapshot", "log messages", "log scan-codes", "log book"}},
+      {"thermal", {"thermal", "thermal --from machine.snapshot"}},
       {"attr.list",
        {"attr list", "attr list --changed-from-default", "attr list --pending", "attr list usb"}},
       {"attr.get", {"attr get WakeOnLan", "attr get BootOrder FanFloor", "attr get Nothing"}},
@@ -94,13 +94,14 @@ const std::vector<Row>& Rows() {
       {"attr.import",
        {"attr import attributes.tmp --yes", "attr import attributes.tmp --what-if",
         "attr import attributes.tmp --check", "attr import none.tmp"}},
-      {"attr.diff", {"attr diff"}},
+      {"attr.diff", {"attr diff", "attr diff --from machine.snapshot"}},
       {"apply",
        {"apply state.tmp --yes --write-secrets --secrets-file secrets.tmp",
         "apply state.tmp --check", "apply state.tmp --what-if", "apply none.tmp",
         "apply wrong.tmp --yes", "apply wrong.tmp --yes --partial", "apply state.tmp"}},
       {"boot.list", {"boot list"}},
-      {"boot.show", {"boot show", "boot show 0", "boot show 77"}},
+      {"boot.show",
+       {"boot show", "boot show --from machine.snapshot", "boot show 0", "boot show 77"}},
       {"boot.order",
        {"boot order 0 3,2,1,0 --yes", "boot order 0 3,2,1,0 --what-if", "boot order 0 3,3",
         "boot order 0 3,2,1,0 --force --yes"}},
@@ -118,6 +119,9 @@ const std::vector<Row>& Rows() {
        {"battery set --mode standard --yes", "battery set --mode custom --start 50 --stop 80 --yes",
         "battery set --mode express --what-if", "battery set --start 90 --yes",
         "battery set --day weekdays=08:00-17:30 --yes"}},
+      {"snapshot",
+       {"snapshot", "snapshot saved.tmp", "snapshot --from machine.snapshot",
+        "snapshot --from none.tmp"}},
       {"sim.show", {"sim show"}},
       {"sim.reboot", {"sim reboot --yes", "sim reboot --what-if", "sim reboot"}},
       {"sim.reset", {"sim reset --yes", "sim reset --what-if"}},
@@ -165,6 +169,7 @@ class Files {
     Write("machine.tmp", R"({"name": "kiosk", "base": "locked"})");
     // Attributes, the paths' length, a description, PciRoot(0x0), the path's end.
     Write("option.tmp", "01000000 1000 4400690073006b000000 02010c00d041030a00000000 7fff0400");
+    Write("machine.snapshot", Mira({"--sim=workstation", "snapshot"}).out);
     names_.emplace_back("saved.tmp");
   }
   ~Files() {

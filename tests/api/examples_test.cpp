@@ -84,6 +84,7 @@ class Place {
     Mira({"--sim", "smbios", "--save", "pc.rsmb"});
     Mira({"--sim", "attr", "export", "pc.json"});
     Mira({"--sim", "sim", "save", "before.state"});
+    Mira({"--sim", "snapshot", "pc.snapshot"});
     Write("battery.json", Mira({"--sim", "battery", "show", "--json"}).out);
     Write("option.hex", kOption);
     Write("Boot0001.bin", kOption);
