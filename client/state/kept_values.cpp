@@ -30,7 +30,7 @@ bool AreAlike(const Json& wanted, const Json& kept) {
 }  // namespace
 
 KeptValues::KeptValues(Session& session) : session_(session), memory_(session.Recall()) {
-  machine_ = MachineJson();
+  machine_ = MachineJson(session);
   const auto machines = memory_.find(kMachines);
   if (!memory_.is_object() || machines == memory_.end() || !machines->is_array()) {
     memory_ = {{"schemaVersion", 1}, {kMachines, Json::array()}};
