@@ -50,8 +50,8 @@ client::Session& Context::GetSession() {
 void Context::KeepMemory() {
   if (options_.machines.empty()) return;
   const std::filesystem::path file =
-      options_.machines /
-      ToPath(machine_ ? MachineName(options_.profile) + ".kept" : std::string("kept-values.json"));
+      options_.machines / (machine_ ? sim::KeptName(options_.profile).replace_extension(".kept")
+                                    : std::filesystem::path("kept-values.json"));
   client_->SetMemory({.load = [file]() -> Json {
                         std::ifstream in(file, std::ios::binary);
                         const std::string text{std::istreambuf_iterator<char>(in), {}};
