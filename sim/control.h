@@ -3,7 +3,9 @@
 
 // The requests of mira_sim_control(), for the DLLs that have it.
 //
-//   ControlAnswer answer = Control(R"({"command": "live"})", host);
+//   const auto live = [](ControlHost& process) {
+//     return Control(R"({"command": "live"})", process);
+//   };
 
 #include <cstdint>
 #include <functional>
