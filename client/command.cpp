@@ -131,7 +131,8 @@ Json CheckArguments(const Command& command, const Json& arguments) {
   if (!arguments.is_object()) {
     throw Error(kUsage, "bad-argument", "The arguments are not an object.", command.name);
   }
-  Json checked = Json::object();
+  // Beside its own arguments "whatIf", which may be added later.
+  Json checked = ObjectWithRoom(command.arguments.size() + 1);
   for (const auto& [name, value] : arguments.items()) {
     const Argument* const argument = FindArgument(command, name);
     if (argument == nullptr && name == kSnapshotArgument.name) {

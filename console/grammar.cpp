@@ -69,7 +69,8 @@ Json ValueOf(Context& context, const Bound& bound) {
 }
 
 ExitStatus RunLeaf(Context& context, const Leaf& leaf) {
-  Json arguments = Json::object();
+  // Beside the arguments "whatIf" and the form of what is saved.
+  Json arguments = client::ObjectWithRoom(leaf.arguments.size() + 2);
   for (const auto& bound : leaf.arguments) {
     if (bound->option->count() > 0) arguments[bound->argument->name] = ValueOf(context, *bound);
   }

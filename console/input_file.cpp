@@ -37,7 +37,11 @@ std::vector<std::uint8_t> ReadAll(std::istream& in) {
 
 std::vector<std::uint8_t> LoadFile(const std::string& path) {
   std::error_code error;
-  std::ifstream file(ToPath(path), std::ios::binary);
+  // The stream's buffer is wiped, too.
+  bytes::SecureString buffer(std::string(64 * 1024, '\0'));
+  std::ifstream file;
+  file.rdbuf()->pubsetbuf(buffer.str().data(), static_cast<std::streamsize>(buffer.size()));
+  file.open(ToPath(path), std::ios::binary);
   // A folder may be opened like a file, and fails only when it is read.
   if (!file || std::filesystem::is_directory(ToPath(path), error)) {
     throw Error(kNotFound, "no-file", "The file '" + path + "' cannot be read.", path);

@@ -158,6 +158,7 @@ void Describe(Fields& f, SetupAttribute& attribute) {
     f("valueAfterRestart", attribute.value_after_restart);
   }
   if (f.IsLoading() || attribute.norm != AttributeNorm()) f("normalizes", attribute.norm);
+  if (f.IsLoading() || !attribute.resets.empty()) f("resets", attribute.resets);
   f.Require(attribute.upper >= attribute.lower, "the limits are 0 at least, and in order");
 }
 

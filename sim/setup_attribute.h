@@ -57,6 +57,7 @@ struct SetupAttribute {
   AttributeLock unless = {};         // beside it, read_only does not count
   bool value_after_restart = false;  // a new value shows at the next start
   AttributeNorm norm = {};
+  std::vector<std::string> resets = {};  // attributes that a new value of it gives their defaults
 };
 
 }  // namespace mira::sim

@@ -18,7 +18,12 @@ std::string ArrowText(const Json& change, const char* after) {
 }
 
 std::string ProblemText(const Json& change) {
-  return change.contains("error") ? ": " + Escaped(Readable(change["error"].at("message"))) : "";
+  if (!change.contains("error")) return "";
+  // Many messages begin with what they are about, which stands in front already.
+  const std::string start = Readable(change.at("target")) + ": ";
+  std::string message = Readable(change["error"].at("message"));
+  if (message.starts_with(start)) message.erase(0, start.size());
+  return ": " + Escaped(message);
 }
 
 // What became of an entry, behind its target.

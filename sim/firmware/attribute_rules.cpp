@@ -24,6 +24,9 @@ void AttributeHandler::CheckRules() {
       Encode(attribute, written);
       Encode(attribute, kept);
     }
+    for (const std::string& other : setup.resets) {
+      if (HandleOf(other) == 0) RefuseRule(setup, "resets an attribute that there is not");
+    }
     if (setup.unless.attribute.empty()) continue;
     has_locks_ = true;
     const Stored* const key = Find(HandleOf(setup.unless.attribute));
@@ -69,6 +72,14 @@ AttributeHandler::Value AttributeHandler::Normal(const Stored& attribute,
 
 void AttributeHandler::Store(Stored& attribute, bytes::ByteSpan value) {
   Value kept = Normal(attribute, value);
+  if (kept != attribute.value) {
+    for (Stored& other : attributes_) {
+      const auto& resets = attribute.setup.resets;
+      const bool is_reset =
+          std::find(resets.begin(), resets.end(), other.setup.name) != resets.end();
+      if (is_reset) other.value = Encode(other, other.setup.default_value);
+    }
+  }
   if (!attribute.setup.value_after_restart) {
     attribute.value = std::move(kept);
   } else if (kept == attribute.value) {

@@ -14,6 +14,14 @@
 #include "client/state/pattern.h"
 #include "client/state/secret_text.h"
 #include "tests/support/console_program.h"
+#include "tests/support/freed_memory.h"
+
+#if !defined(_WIN32)
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#endif
 
 namespace mira {
 namespace {
@@ -39,6 +47,8 @@ constexpr char kBench[] = R"({
      "normalizes": {"letters": "upper"}},
     {"kind": "integer", "name": "Rounded", "value": "0", "default": "0", "upper": 100,
      "normalizes": {"step": 10}},
+    {"kind": "enumeration", "name": "Preset", "choices": ["Own", "Plain"], "value": "Own",
+     "default": "Own", "lower": 1, "upper": 1, "resets": ["Rounded"]},
     {"kind": "integer", "name": "Fixed", "value": "5", "default": "5", "upper": 9, "readOnly": true},
     {"kind": "integer", "name": "Huge", "value": "0", "default": "0",
      "upper": "18446744073709551615"},
@@ -146,7 +156,9 @@ TEST(Apply, RefusesWhatIsNoStateByItsPath) {
     const Json document = bench.Apply(c.state);
     EXPECT_EQ(document.at("status"), 6);
     EXPECT_EQ(document["error"]["name"], c.error);
-    if (*c.target != 0) EXPECT_EQ(document["error"]["target"], c.target);
+    if (*c.target != 0) {
+      EXPECT_EQ(document["error"]["target"], c.target);
+    }
   }
 }
 
@@ -334,217 +346,299 @@ TEST(Apply, KeepsNumbersExact) {
 }
 
 TEST(Apply, OrdersBootOptionsByDescription) {
-  const Bench bench(R"({"name": "bench", "bootLists": [
+  const Bench bench(R"json({"name": "bench", "bootLists": [
     {"value": 1, "name": "UEFI", "order": [0, 1, 2, 3], "options": [
       {"number": 0, "description": "Disk", "path": "PciRoot(0x0)/Pci(0x1,0x0)"},
       {"number": 1, "description": "Network", "path": "PciRoot(0x0)/Pci(0x2,0x0)"},
       {"number": 2, "description": "USB stick", "path": "PciRoot(0x0)/Pci(0x3,0x0)"},
-      {"number": 3, "description": "Network", "path": "PciRoot(0x0)/Pci(0x4,0x0)"}]
-}]
-})");
+      {"number": 3, "description": "Network", "path": "PciRoot(0x0)/Pci(0x4,0x0)"}]}]})json");
   struct Case {
-  const char* boot;
-  int status;
-  const char* after;
-};
+    std::string boot;
+    int status;
+    std::string after;
+  };
   const Case cases[] = {
       {R"({"first": ["disk"]})", 0, "[0,1,2,3]"},
       {R"({"first": ["usb*", "Disk"]})", 0, "[2,0,1,3]"},
       {R"({"first": ["Network"]})", 6, ""},
       {R"({"first": ["2"]})", 3, ""},
       {R"({"order": ["Disk", "USB stick"]})", 6, ""},
-      {R"({"first": [{"value": "Network", "path": "PciRoot(0x0)/Pci(0x4,0x0)"},
-                     {"value": "Tape", "optional": true}]})",
-       0, "[3,2,0,1]"
-  }
-  ,
-  }
-  ;
+      {R"json({"first": [{"value": "Network", "path": "PciRoot(0x0)/Pci(0x4,0x0)"},
+                         {"value": "Tape", "optional": true}]})json",
+       0, "[3,2,0,1]"},
+  };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.boot);
-    const Json document = bench.Apply(std::string(R"({"boot": {"uefi": )") + c.boot + "}}");
+    const Json document = bench.Apply(R"({"boot": {"uefi": )" + c.boot + "}}");
     EXPECT_EQ(document["status"], c.status) << document;
-    if (c.status == 0) EXPECT_EQ(document["changes"][0]["after"].dump(), c.after);
+    if (c.status == 0) {
+      EXPECT_EQ(document["changes"][0]["after"].dump(), c.after);
+    }
   }
-  }
+}
 
-  TEST(Apply, BringsAllSubjectsThere) {
-    const Bench bench("{\"name\": \"bench\"}");
-    const std::string state = R"({
+TEST(Apply, BringsAllSubjectsThere) {
+  const Bench bench("{\"name\": \"bench\"}");
+  const std::string state = R"({
     "attributes": {"FanFloor": "30", "BootOrder": {"value": ["UEFI USB Device"], "failThroughMode": 1}},
     "tags": {"asset": "NF-1", "ownership": "Annex", "extended": {"1": "Desk"}},
     "batteries": [{"battery": 1, "charging": {"mode": "express"}, "peakShift": {"enabled": true}}],
     "legacyBoot": {"ipl": ["CD-ROM", "hard disk", "floppy", "network"]}})";
-    const Json first = bench.Apply(state);
-    EXPECT_EQ(first["status"], 0) << first;
-    for (const Json& change : first["changes"]) {
-      EXPECT_EQ(change["outcome"], change["target"] == "BCV priority" ? "already-so" : "changed")
-          << change;
-    }
-    EXPECT_EQ(first["changes"].size(), 10u) << first;
-    const Json again = bench.Apply(state);
-    EXPECT_EQ(again["status"], 0);
-    EXPECT_EQ(again["changed"], false);
-    const Json missing =
-        bench.Apply(R"({"batteries": [{"battery": 3, "charging": {"mode": "express"}}]})");
-    EXPECT_EQ(missing["status"], 3);
-    const Json optional = bench.Apply(
-        R"({"batteries": [{"battery": 3, "optional": true, "charging": {"mode": "express"}}]})");
-    EXPECT_EQ(optional["status"], 0) << optional;
+  const Json first = bench.Apply(state);
+  EXPECT_EQ(first["status"], 0) << first;
+  for (const Json& change : first["changes"]) {
+    EXPECT_EQ(change["outcome"], change["target"] == "BCV priority" ? "already-so" : "changed")
+        << change;
   }
+  EXPECT_EQ(first["changes"].size(), 10u) << first;
+  const Json again = bench.Apply(state);
+  EXPECT_EQ(again["status"], 0);
+  EXPECT_EQ(again["changed"], false);
+  const Json missing =
+      bench.Apply(R"({"batteries": [{"battery": 3, "charging": {"mode": "express"}}]})");
+  EXPECT_EQ(missing["status"], 3);
+  const Json optional = bench.Apply(
+      R"({"batteries": [{"battery": 3, "optional": true, "charging": {"mode": "express"}}]})");
+  EXPECT_EQ(optional["status"], 0) << optional;
+}
 
-  TEST(Apply, VerifiesThePasswordOnceBeforeAnyWrite) {
-    const Bench bench(R"({"name": "bench", "base": "locked"})");
-    const std::string state = R"({"attributes": {"FanFloor": 30}, "tags": {"asset": "NF-1"}})";
-    const auto with = [&state](const std::string& secrets) {
-      return R"({"state": )" + state + R"(, "secrets": )" + secrets + "}";
-    };
-    EXPECT_EQ(bench.Apply(state)["status"], 5);
-    const Json wrong = bench.Apply(with(R"({"password": "wrong1"})"));
-    EXPECT_EQ(wrong["status"], 5);
-    EXPECT_EQ(wrong["error"]["name"], "password-wrong");
-    EXPECT_EQ(Outcomes(wrong)["FanFloor"], "not-tried");
-    EXPECT_EQ(bench.Writes(), 0u);
-    EXPECT_EQ(bench.Apply(with(R"({"password": "setup1"})"))["status"], 0);
-    // Neither is what is so already in want of it.
-    EXPECT_EQ(bench.Apply(state)["status"], 0);
-  }
+TEST(Apply, VerifiesThePasswordOnceBeforeAnyWrite) {
+  const Bench bench(R"({"name": "bench", "base": "locked"})");
+  const std::string state = R"({"attributes": {"FanFloor": 30}, "tags": {"asset": "NF-1"}})";
+  const auto with = [&state](const std::string& secrets) {
+    return R"({"state": )" + state + R"(, "secrets": )" + secrets + "}";
+  };
+  EXPECT_EQ(bench.Apply(state)["status"], 5);
+  const Json wrong = bench.Apply(with(R"({"password": "wrong1"})"));
+  EXPECT_EQ(wrong["status"], 5);
+  EXPECT_EQ(wrong["error"]["name"], "password-wrong");
+  EXPECT_EQ(Outcomes(wrong)["FanFloor"], "not-tried");
+  EXPECT_EQ(bench.Writes(), 0u);
+  EXPECT_EQ(bench.Apply(with(R"({"password": "setup1"})"))["status"], 0);
+  // Neither is what is so already in want of it.
+  EXPECT_EQ(bench.Apply(state)["status"], 0);
+}
 
-  TEST(Apply, WritesSecretsOnlyWhereToldTo) {
-    const Bench bench;
-    const std::string state =
-        R"({"state": {"attributes": {"Owner": {"secret": "owner"}, "Master": "On"}},
+TEST(Apply, WritesSecretsOnlyWhereToldTo) {
+  const Bench bench;
+  const std::string state =
+      R"({"state": {"attributes": {"Owner": {"secret": "owner"}, "Master": "On"}},
           "secrets": {"owner": "pass\u0077ord \"1\""}})";
-    const Json without = bench.Apply(state);
-    EXPECT_EQ(without["status"], 0) << without;
-    EXPECT_EQ(Outcomes(without), (Expected{{"Owner", "not-tried"}, {"Master", "changed"}}));
+  const Json without = bench.Apply(state);
+  EXPECT_EQ(without["status"], 0) << without;
+  EXPECT_EQ(Outcomes(without), (Expected{{"Owner", "not-tried"}, {"Master", "changed"}}));
+  const std::string log = bench.File("apply.log");
+  const Json with = bench.Apply(state, {"--yes", "--write-secrets", "--log", log});
+  EXPECT_EQ(with["status"], 0) << with;
+  EXPECT_EQ(Outcomes(with)["Owner"], "unknown");
+  EXPECT_EQ(with["changed"], false);
+  std::ifstream in(log, std::ios::binary);
+  const std::string lines{std::istreambuf_iterator<char>(in), {}};
+  EXPECT_NE(lines.find("\"written\""), std::string::npos);
+  EXPECT_EQ((lines + with.dump()).find("password"), std::string::npos);
+  const test::TemporaryFile secrets(R"({"owner": "abc"})");
+  const Json shorter = bench.Apply(R"({"attributes": {"Owner": {"secret": "owner"}}})",
+                                   {"--yes", "--write-secrets", "--secrets-file", secrets.path()});
+  EXPECT_EQ(shorter["status"], 6) << shorter;
+  const Json missing = bench.Apply(R"({"attributes": {"Owner": {"secret": "nobody"}}})",
+                                   {"--yes", "--write-secrets"});
+  EXPECT_EQ(missing["status"], 5);
+  EXPECT_EQ(missing["error"]["slot"], "nobody");
+}
+
+TEST(Apply, ReportsWhatIsTrueAfterFaults) {
+  const std::string state =
+      R"({"attributes": {"Master": "On", "UsbFront": "On", "UsbRear": "On"}})";
+  struct Case {
+    Words fault;
+    int status;
+    Expected outcomes;
+  };
+  const Case cases[] = {
+      {{"5/6", "--nth", "2", "--completion=-1"},
+       10,
+       {{"Master", "changed"}, {"UsbFront", "refused"}, {"UsbRear", "changed"}}},
+      {{"5/6", "--nth", "2", "--hresult", "0x80041001"},
+       10,
+       {{"Master", "changed"}, {"UsbFront", "failed"}, {"UsbRear", "changed"}}},
+      {{"5/6", "--nth", "2", "--lose", "connection", "--moment", "after"},
+       0,
+       {{"Master", "changed"}, {"UsbFront", "changed"}, {"UsbRear", "changed"}}},
+      {{"5/6", "--nth", "2", "--lose", "connection"},
+       10,
+       {{"Master", "changed"}, {"UsbFront", "failed"}, {"UsbRear", "changed"}}},
+      {{"5/6", "--nth", "2", "--lose", "power", "--moment", "after"},
+       10,
+       {{"Master", "changed"}, {"UsbFront", "unknown"}, {"UsbRear", "not-tried"}}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(Json(c.fault).dump());
+    const Bench bench;
+    bench.Fault(c.fault);
     const std::string log = bench.File("apply.log");
-    const Json with = bench.Apply(state, {"--yes", "--write-secrets", "--log", log});
-    EXPECT_EQ(with["status"], 0) << with;
-    EXPECT_EQ(Outcomes(with)["Owner"], "unknown");
-    EXPECT_EQ(with["changed"], false);
+    const Json document = bench.Apply(state, {"--yes", "--log", log});
+    EXPECT_EQ(document["status"], c.status) << document;
+    EXPECT_EQ(Outcomes(document), c.outcomes);
+    // Whatever happened: once the machine runs again, running it again finishes.
+    bench.Run({"sim", "fault", "clear"});
+    bench.Restart();
+    const Json again = bench.Apply(state);
+    EXPECT_EQ(again["status"], 0) << again;
+    for (const char* const name : {"Master", "UsbFront", "UsbRear"}) {
+      EXPECT_EQ(bench.Value(name), "On\n") << name;
+    }
+  }
+}
+
+TEST(Apply, ReportsWhatALaterWriteUndid) {
+  const Bench bench;
+  const std::string state = R"({"attributes": {"Rounded": 20, "Preset": "Plain"}})";
+  const Json first = bench.Apply(state);
+  EXPECT_EQ(first["status"], 10);
+  EXPECT_EQ(Outcomes(first), (Expected{{"Rounded", "failed"}, {"Preset", "changed"}}));
+  EXPECT_EQ(first["changes"][0]["error"]["name"], "undone");
+  EXPECT_EQ(first["changes"][0]["after"], 0);
+  EXPECT_EQ(first["changes"][0]["wanted"], 20);
+  EXPECT_EQ(bench.Apply(state)["status"], 0);
+  EXPECT_EQ(bench.Apply(state)["changed"], false);
+}
+
+TEST(Apply, LogsEachWriteBeforeAndAfterIt) {
+  const Bench bench;
+  const std::string log = bench.File("apply.log");
+  const std::string state = R"({"attributes": {"Master": "On", "Site": "a"}})";
+  EXPECT_EQ(bench.Apply(state, {"--yes", "--log", log})["status"], 0);
+  std::ifstream in(log, std::ios::binary);
+  std::string events;
+  for (std::string line; std::getline(in, line);) {
+    const Json json = Json::parse(line);
+    events += json.at("event").get<std::string>() + " ";
+    if (json["event"] == "written" && json["entry"] == 2) {
+      EXPECT_EQ(json["changes"][0]["after"], "A");
+    }
+  }
+  EXPECT_EQ(events, "begin write written write written end ");
+  const Json refused = bench.Apply(R"({"attributes": {"Site": "b"}})",
+                                   {"--yes", "--log", bench.File("no folder/apply.log")});
+  EXPECT_EQ(refused["status"], 1);
+  EXPECT_EQ(refused["error"]["name"], "log-not-written");
+  EXPECT_EQ(bench.Value("Site"), "A\n");
+}
+
+TEST(Apply, NeedsConsent) {
+  const Bench bench;
+  const ProgramResult result = bench.Run({"apply", "-"}, R"({"attributes": {"Master": "On"}})");
+  EXPECT_EQ(result.status, 8);
+  EXPECT_EQ(bench.Writes(), 0u);
+}
+
+#if !defined(_WIN32)
+
+// The program in a process of its own, which a signal ends while the second write is under way.
+int SignalInTheSecondWrite(const Bench& bench, int signal, const std::string& log) {
+  bench.Fault({"5/6", "--nth", "2", "--delay", "700"});
+  const std::string state = bench.File("state.json");
+  std::ofstream(state) << R"({"attributes": {"Master": "On", "UsbFront": "On", "UsbRear": "On"}})";
+  const pid_t program = fork();
+  if (program == 0) {
+    const ProgramResult result = bench.Run({"apply", state, "--yes", "--json", "--log", log});
+    std::ofstream(bench.File("out.json")) << result.out;
+    _exit(result.status);
+  }
+  const auto has_begun = [&log] {
     std::ifstream in(log, std::ios::binary);
     const std::string lines{std::istreambuf_iterator<char>(in), {}};
-    EXPECT_NE(lines.find("\"written\""), std::string::npos);
-    EXPECT_EQ((lines + with.dump()).find("password"), std::string::npos);
-    const test::TemporaryFile secrets(R"({"owner": "abc"})");
-    const Json shorter =
-        bench.Apply(R"({"attributes": {"Owner": {"secret": "owner"}}})",
-                    {"--yes", "--write-secrets", "--secrets-file", secrets.path()});
-    EXPECT_EQ(shorter["status"], 6) << shorter;
-    const Json missing = bench.Apply(R"({"attributes": {"Owner": {"secret": "nobody"}}})",
-                                     {"--yes", "--write-secrets"});
-    EXPECT_EQ(missing["status"], 5);
-    EXPECT_EQ(missing["error"]["slot"], "nobody");
-  }
+    return lines.find("UsbFront") != std::string::npos;
+  };
+  for (int i = 0; i < 3000 && !has_begun(); ++i) usleep(10000);
+  kill(program, signal);
+  int status = 0;
+  waitpid(program, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
 
-  TEST(Apply, ReportsWhatIsTrueAfterFaults) {
-    const std::string state =
-        R"({"attributes": {"Master": "On", "UsbFront": "On", "UsbRear": "On"}})";
-    struct Case {
-      Words fault;
-      int status;
-      Expected outcomes;
-    };
-    const Case cases[] = {
-        {{"5/6", "--nth", "2", "--completion=-1"},
-         10,
-         {{"Master", "changed"}, {"UsbFront", "refused"}, {"UsbRear", "changed"}}},
-        {{"5/6", "--nth", "2", "--hresult", "0x80041001"},
-         10,
-         {{"Master", "changed"}, {"UsbFront", "failed"}, {"UsbRear", "changed"}}},
-        {{"5/6", "--nth", "2", "--lose", "connection", "--moment", "after"},
-         0,
-         {{"Master", "changed"}, {"UsbFront", "changed"}, {"UsbRear", "changed"}}},
-        {{"5/6", "--nth", "2", "--lose", "connection"},
-         10,
-         {{"Master", "changed"}, {"UsbFront", "failed"}, {"UsbRear", "changed"}}},
-        {{"5/6", "--nth", "2", "--lose", "power", "--moment", "after"},
-         10,
-         {{"Master", "changed"}, {"UsbFront", "unknown"}, {"UsbRear", "not-tried"}}},
-    };
-    for (const Case& c : cases) {
-      SCOPED_TRACE(Json(c.fault).dump());
-      const Bench bench;
-      bench.Fault(c.fault);
-      const std::string log = bench.File("apply.log");
-      const Json document = bench.Apply(state, {"--yes", "--log", log});
-      EXPECT_EQ(document["status"], c.status) << document;
-      EXPECT_EQ(Outcomes(document), c.outcomes);
-      // Whatever happened: once the machine runs again, running it again finishes.
-      bench.Run({"sim", "fault", "clear"});
-      bench.Restart();
-      const Json again = bench.Apply(state);
-      EXPECT_EQ(again["status"], 0) << again;
-      for (const char* const name : {"Master", "UsbFront", "UsbRear"}) {
-        EXPECT_EQ(bench.Value(name), "On\n") << name;
-      }
-    }
-  }
+TEST(Apply, IsFinishedByARunAfterAKill) {
+  const Bench bench;
+  const std::string log = bench.File("apply.log");
+  EXPECT_EQ(SignalInTheSecondWrite(bench, SIGKILL, log), -1);
+  std::ifstream in(log, std::ios::binary);
+  std::string last;
+  for (std::string line; std::getline(in, line);) last = line;
+  EXPECT_EQ(Json::parse(last)["event"], "write") << "how far it came";
+  bench.Run({"sim", "fault", "clear"});
+  const Json document = bench.Apply(std::string(R"({"attributes": {"Usb*": "On"}})"));
+  EXPECT_EQ(document["status"], 0) << document;
+  EXPECT_EQ(bench.Value("Master") + bench.Value("UsbFront") + bench.Value("UsbRear"),
+            "On\nOn\nOn\n");
+}
 
-  TEST(Apply, LogsEachWriteBeforeAndAfterIt) {
-    const Bench bench;
-    const std::string log = bench.File("apply.log");
-    const std::string state = R"({"attributes": {"Master": "On", "Site": "a"}})";
-    EXPECT_EQ(bench.Apply(state, {"--yes", "--log", log})["status"], 0);
-    std::ifstream in(log, std::ios::binary);
-    std::string events;
-    for (std::string line; std::getline(in, line);) {
-      const Json json = Json::parse(line);
-      events += json.at("event").get<std::string>() + " ";
-      if (json["event"] == "written" && json["entry"] == 2) {
-        EXPECT_EQ(json["changes"][0]["after"], "A");
-      }
-    }
-    EXPECT_EQ(events, "begin write written write written end ");
-    const Json refused = bench.Apply(R"({"attributes": {"Site": "b"}})",
-                                     {"--yes", "--log", bench.File("no folder/apply.log")});
-    EXPECT_EQ(refused["status"], 1);
-    EXPECT_EQ(refused["error"]["name"], "log-not-written");
-    EXPECT_EQ(bench.Value("Site"), "A\n");
-  }
+TEST(Apply, FinishesTheWriteUnderWayWhenItIsInterrupted) {
+  const Bench bench;
+  const std::string log = bench.File("apply.log");
+  EXPECT_EQ(SignalInTheSecondWrite(bench, SIGINT, log), 13);
+  std::ifstream in(bench.File("out.json"));
+  const Json document = Json::parse(in);
+  EXPECT_EQ(document["error"]["name"], "cancelled");
+  EXPECT_EQ(Outcomes(document),
+            (Expected{{"Master", "changed"}, {"UsbFront", "changed"}, {"UsbRear", "not-tried"}}));
+  EXPECT_EQ(bench.Value("UsbFront") + bench.Value("UsbRear"), "On\nOff\n");
+}
 
-  TEST(Apply, NeedsConsent) {
-    const Bench bench;
-    const ProgramResult result = bench.Run({"apply", "-"}, R"({"attributes": {"Master": "On"}})");
-    EXPECT_EQ(result.status, 8);
-    EXPECT_EQ(bench.Writes(), 0u);
-  }
+#endif
 
-  TEST(Patterns, FitWholeTexts) {
-    struct Case {
-      const char* pattern;
-      const char* text;
-      bool fits;
-    };
-    const Case cases[] = {
-        {"", "", true},
-        {"*", "", true},
-        {"?", "", false},
-        {"a*c", "abbc", true},
-        {"a*c", "abcb", false},
-        {"*a*b*", "xaxb", true},
-        {"?\?", "\xC3\xA9x", true},
-        {"A*", "ab", false},
-        {"a**", "a", true},
-        {"*.1", "1.1.1", true},
-    };
-    for (const Case& c : cases) {
-      EXPECT_EQ(client::FitsPattern(c.pattern, c.text), c.fits) << c.pattern << " " << c.text;
-    }
-  }
+TEST(Apply, LeavesNoSecretInFreedMemory) {
+  if (!test::FreedMemoryWatch::IsAvailable()) GTEST_SKIP() << "needs AddressSanitizer";
+  const std::string secret = "Vault-Passphrase-77";
+  const Bench bench;
+  const test::TemporaryFile file(
+      R"({"state": {"attributes": {"Owner": {"secret": "owner"}}}, "secrets": {"owner": ")" +
+      secret + R"("}})");
+  const test::TemporaryFile apart(R"({"owner": ")" + secret + R"("})");
+  const test::TemporaryFile state(R"({"attributes": {"Owner": {"secret": "owner"}}})");
+  const test::FreedMemoryWatch watch(secret);
+  EXPECT_EQ(bench.Run({"apply", file.path(), "--yes", "--write-secrets"}).status, 0);
+  EXPECT_EQ(watch.Finds(), 0);
+  const Words words = {"apply",           state.path(),     "--yes",
+                       "--write-secrets", "--secrets-file", apart.path()};
+  EXPECT_EQ(bench.Run(words).status, 0);
+  EXPECT_EQ(watch.Finds(), 0);
+  EXPECT_GT(watch.Blocks(), 0);
+}
 
-  TEST(Secrets, AreTakenOutOfAText) {
-    std::string text =
-        R"({"a": ["}", {"secrets": {"x": "y"}}], "secrets" : {"p": "q\n\u00e9\ud83d\ude00"}})";
-    const auto taken = client::TakeSecretsBeside(text);
-    ASSERT_TRUE(taken);
-    EXPECT_EQ(taken->at("p").str(), "q\n\xC3\xA9\xF0\x9F\x98\x80");
-    EXPECT_EQ(taken->size(), 1u);
-    EXPECT_EQ(Json::parse(text)["secrets"]["p"].get<std::string>().find_first_not_of(' '),
-              std::string::npos);
-    EXPECT_EQ(Json::parse(text)["a"][1]["secrets"]["x"], "y");
+TEST(Patterns, FitWholeTexts) {
+  struct Case {
+    const char* pattern;
+    const char* text;
+    bool fits;
+  };
+  const Case cases[] = {
+      {"", "", true},
+      {"*", "", true},
+      {"?", "", false},
+      {"a*c", "abbc", true},
+      {"a*c", "abcb", false},
+      {"*a*b*", "xaxb", true},
+      {"?\?", "\xC3\xA9x", true},
+      {"A*", "ab", false},
+      {"a**", "a", true},
+      {"*.1", "1.1.1", true},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(client::FitsPattern(c.pattern, c.text), c.fits) << c.pattern << " " << c.text;
   }
+}
 
-  }  // namespace
-  }  // namespace mira
+TEST(Secrets, AreTakenOutOfAText) {
+  std::string text =
+      R"({"a": ["}", {"secrets": {"x": "y"}}], "secrets" : {"p": "q\n\u00e9\ud83d\ude00"}})";
+  const auto taken = client::TakeSecretsBeside(text);
+  ASSERT_TRUE(taken);
+  EXPECT_EQ(taken->at("p").str(), "q\n\xC3\xA9\xF0\x9F\x98\x80");
+  EXPECT_EQ(taken->size(), 1u);
+  EXPECT_EQ(Json::parse(text)["secrets"]["p"].get<std::string>().find_first_not_of(' '),
+            std::string::npos);
+  EXPECT_EQ(Json::parse(text)["a"][1]["secrets"]["x"], "y");
+}
+
+}  // namespace
+}  // namespace mira

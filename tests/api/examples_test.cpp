@@ -89,6 +89,9 @@ class Place {
     Write("option.hex", kOption);
     Write("Boot0001.bin", kOption);
     Write("kiosk.json", R"({"name": "kiosk", "base": "locked"})");
+    Write("state.json", R"({"attributes": {"FanFloor": 30}, "tags": {"asset": "NF-004712"}})");
+    Write("state-with-secrets.json",
+          R"({"state": {"attributes": {"FanFloor": 30}}, "secrets": {"password": "setup1"}})");
     Write("owner.txt", "Secret1234\n");
     Write("old.txt", "setup1\n");
     Write("secret.txt", "drive1\n");
