@@ -21,8 +21,8 @@ const std::vector<Command>& Commands() {
     for (const auto subject :
          {StartUpCommands, SmbiosCommands, InventoryCommands, TokenCommands, CallCommands,
           AttributeCommands, PasswordCommands, DriveCommands, TagCommands, IdentifierCommands,
-          BatteryCommands, FirmwareListCommands, BootCommands, LegacyBootCommands,
-          SnapshotCommands}) {
+          BatteryCommands, FirmwareListCommands, BootCommands, LegacyBootCommands, SnapshotCommands,
+          ReportCommands}) {
       std::vector<Command> some = subject();
       for (Command& command : some) TakeSnapshots(command);
       std::move(some.begin(), some.end(), std::back_inserter(list));

@@ -9,9 +9,10 @@ namespace {
 const std::vector<Face>& Faces() {
   static const std::vector<Face> all = [] {
     std::vector<Face> list;
-    for (const auto noun : {AttrFaces, BatteryFaces, BootFaces, CallFaces, CompletionFaces, IdFaces,
-                            InfoFaces, InventoryFaces, ListFaces, PasswordFaces, SimControlFaces,
-                            SimFaces, SmbiosFaces, SnapshotFaces, TagFaces, TokenFaces}) {
+    for (const auto noun :
+         {AttrFaces, BatteryFaces, BootFaces, CallFaces, CompletionFaces, IdFaces, InfoFaces,
+          InventoryFaces, ListFaces, PasswordFaces, ReportFaces, SimControlFaces, SimFaces,
+          SmbiosFaces, SnapshotFaces, TagFaces, TokenFaces}) {
       std::vector<Face> some = noun();
       std::move(some.begin(), some.end(), std::back_inserter(list));
     }
