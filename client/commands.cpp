@@ -22,7 +22,7 @@ const std::vector<Command>& Commands() {
          {StartUpCommands, SmbiosCommands, InventoryCommands, TokenCommands, CallCommands,
           AttributeCommands, PasswordCommands, DriveCommands, TagCommands, IdentifierCommands,
           BatteryCommands, FirmwareListCommands, BootCommands, LegacyBootCommands, SnapshotCommands,
-          ApplyCommands}) {
+          ReportCommands, ApplyCommands}) {
       std::vector<Command> some = subject();
       for (Command& command : some) TakeSnapshots(command);
       std::move(some.begin(), some.end(), std::back_inserter(list));

@@ -20,6 +20,7 @@ std::vector<Command> IdentifierCommands();
 std::vector<Command> InventoryCommands();
 std::vector<Command> LegacyBootCommands();
 std::vector<Command> PasswordCommands();
+std::vector<Command> ReportCommands();
 std::vector<Command> SmbiosCommands();
 std::vector<Command> SnapshotCommands();
 std::vector<Command> StartUpCommands();

@@ -25,6 +25,7 @@ const std::vector<Noun>& Nouns() {
       {"thermal", "Show the thermal sensors", nullptr},
       {"boot", "Show and change the boot order, decode load options", nullptr},
       {"snapshot", "Keep all that can be read of a machine in one document", nullptr},
+      {"report", "Show all that can be read of a machine on one page for people", nullptr},
       {"sim", "Control the simulated machine: restarts, faults, journal, states, profiles",
        nullptr},
       {"completion", "Write completion scripts for shells, and the manual page", nullptr},

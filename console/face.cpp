@@ -11,8 +11,8 @@ const std::vector<Face>& Faces() {
     std::vector<Face> list;
     for (const auto noun :
          {ApplyFaces, AttrFaces, BatteryFaces, BootFaces, CallFaces, CompletionFaces, IdFaces,
-          InfoFaces, InventoryFaces, ListFaces, PasswordFaces, SimControlFaces, SimFaces,
-          SmbiosFaces, SnapshotFaces, TagFaces, TokenFaces}) {
+          InfoFaces, InventoryFaces, ListFaces, PasswordFaces, ReportFaces, SimControlFaces,
+          SimFaces, SmbiosFaces, SnapshotFaces, TagFaces, TokenFaces}) {
       std::vector<Face> some = noun();
       std::move(some.begin(), some.end(), std::back_inserter(list));
     }

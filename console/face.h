@@ -31,6 +31,10 @@ struct Face {
   // command's argument "form" asks for the field.
   const char* save_field = nullptr;
   const char* save_help = "";
+  // Another name for --save. A field of text, not of bytes, is written as it is; without a file,
+  // and with "-", it stays in the document.
+  const char* save_option = "--save";
+  bool saves_text = false;
   // Whether the document answers a question although the command may change something: --value is
   // for such, too.
   bool answers = false;
@@ -50,6 +54,7 @@ std::vector<Face> InfoFaces();
 std::vector<Face> InventoryFaces();
 std::vector<Face> ListFaces();
 std::vector<Face> PasswordFaces();
+std::vector<Face> ReportFaces();
 std::vector<Face> SimControlFaces();
 std::vector<Face> SimFaces();
 std::vector<Face> SmbiosFaces();

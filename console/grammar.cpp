@@ -106,7 +106,10 @@ void AddLeaf(CLI::App& app, const client::Command& client_command, Command& comm
       app.add_option("--log", leaf->file,
                      "append a line for each write to a file, before and after it");
     }
-    if (face->save_field != nullptr) app.add_option("--save", leaf->file, face->save_help);
+    if (face->save_field != nullptr) {
+      app.add_option(face->save_option, leaf->file, face->save_help);
+      if (face->saves_text) leaf->file = "-";
+    }
   }
   command.Run(app, [leaf](Context& context) { return RunLeaf(context, *leaf); });
 }

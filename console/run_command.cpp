@@ -106,7 +106,7 @@ ExitStatus RunCommand(Context& context, const client::Command& command, Json arg
   FillHints(result.document, options);
   if (face != nullptr && face->saves != nullptr) return SaveDocument(context, *face, result, file);
   if (face != nullptr && face->save_field != nullptr && !file.empty()) {
-    SaveField(options, face->save_field, file, result.document);
+    SaveField(options, *face, file, result.document);
   }
   if (result.error) {
     if (!options.IsForPrograms()) RenderRest(command, result.document, context.Out());

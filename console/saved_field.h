@@ -4,13 +4,15 @@
 #include <string>
 
 #include "console/command.h"
+#include "console/face.h"
 
 namespace mira::console {
 
-// Moves the bytes in a document's field to a file: in the field's place the document says where
-// they are ("savedTo", "savedBytes"), and whether they would be there but for --what-if ("whatIf").
-// Does nothing without the field. Throws Error when the file cannot be written.
-void SaveField(const Options& options, const char* field, const std::string& file, Json& document);
+// Moves what is in a document's field to a file: in the field's place the document says where it is
+// ("savedTo", "savedBytes"), and whether it would be there but for --what-if ("whatIf"). Does
+// nothing without the field, nor where text goes to standard output. Throws Error when the file
+// cannot be written.
+void SaveField(const Options& options, const Face& face, const std::string& file, Json& document);
 
 }  // namespace mira::console
 

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that a task needs, and nothing that is there already.
-# Usage: tools/setup.sh native|windows|windows64|bench|fuzz|hosts|package|reference|format|check ...
+# Usage: tools/setup.sh native|windows|windows64|bench|fuzz|hosts|package|reference|report|fleet|format|check ...
 set -euo pipefail
 
 declare -A packages=(
@@ -12,6 +12,8 @@ declare -A packages=(
   [hosts]="g++ clang lld llvm cmake ninja-build git libcli11-dev nlohmann-json3-dev mono-mcs mono-runtime libmono-system-core4.0-cil python3 npm"
   [package]="git llvm python3 cmake ninja-build"
   [reference]="doxygen python3"
+  [report]="chromium fonts-ipafont-gothic nodejs"
+  [fleet]="ansible-core openssh-client openssh-server python3"
   [format]="clang-format git"
   [check]="python3"
 )
@@ -24,6 +26,7 @@ done
 
 # Node.js from elsewhere brings npm along, and Debian's does not go with it.
 is_installed() {
+  [ "$1" != nodejs ] || ! command -v node >/dev/null || return 0
   [ "$1" != npm ] || ! command -v npm >/dev/null || return 0
   [ "$(dpkg-query -W -f='${Status}' "$1" 2>/dev/null)" = "install ok installed" ]
 }

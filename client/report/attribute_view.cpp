@@ -76,15 +76,15 @@ Json ItemView(const Json& item) {
   return view;
 }
 
-struct Group {
+struct AttributeGroup {
   std::string title;
   std::size_t count = 0;
   Json blocks = Json::array();
 };
 
-void AddTo(std::vector<Group>& groups, const std::string& title, Json item) {
-  auto group =
-      std::find_if(groups.begin(), groups.end(), [&](const Group& g) { return g.title == title; });
+void AddToGroup(std::vector<AttributeGroup>& groups, const std::string& title, Json item) {
+  auto group = std::find_if(groups.begin(), groups.end(),
+                            [&](const AttributeGroup& g) { return g.title == title; });
   if (group == groups.end()) group = groups.insert(groups.end(), {title});
   if (group->count++ % kItemsInBlock == 0) group->blocks.push_back({{"items", Json::array()}});
   Json& block = group->blocks.back();
@@ -96,20 +96,21 @@ void AddTo(std::vector<Group>& groups, const std::string& title, Json item) {
 
 Json AttributesView(const Json& attributes) {
   const Json& list = ListAt(attributes, "attributes");
-  std::vector<Group> groups;
+  std::vector<AttributeGroup> groups;
   std::size_t changed = 0;
   std::size_t pending = 0;
   for (const Json& attribute : list) {
     Json item = ItemView(attribute);
     changed += IsTrueAt(item, "isChanged") ? 1U : 0U;
     pending += IsTrueAt(item, "isPending") ? 1U : 0U;
-    AddTo(groups, TopicOf(PlainAt(attribute, "name")), std::move(item));
+    AddToGroup(groups, TopicOf(PlainAt(attribute, "name")), std::move(item));
   }
-  std::stable_sort(groups.begin(), groups.end(), [](const Group& a, const Group& b) {
-    return PlaceOfTopic(a.title) < PlaceOfTopic(b.title);
-  });
+  std::stable_sort(groups.begin(), groups.end(),
+                   [](const AttributeGroup& a, const AttributeGroup& b) {
+                     return PlaceOfTopic(a.title) < PlaceOfTopic(b.title);
+                   });
   Json shown = Json::array();
-  for (Group& group : groups) {
+  for (AttributeGroup& group : groups) {
     shown.push_back({{"title", std::move(group.title)},
                      {"count", group.count},
                      {"blocks", std::move(group.blocks)}});

@@ -3,8 +3,6 @@
 namespace mira::client {
 namespace {
 
-constexpr bool kIsNumber = true;
-
 bool IsEmptySocket(const Json& processor) { return At(processor, "populated") == false; }
 
 // "8", or "6 of 8" where some are switched off.
@@ -21,58 +19,58 @@ std::string ProcessorName(const Json& processor) {
   return version.empty() ? PlainAt(processor, "family") : version;
 }
 
-void AddGroup(Json& groups, const char* title, const Json& object,
-              const std::vector<ViewField>& fields) {
+void AddHardwareGroup(Json& groups, const char* title, const Json& object,
+                      const std::vector<ViewField>& fields) {
   Json view = FieldsView(object, fields);
   if (!view.empty()) groups.push_back({{"title", title}, {"fields", std::move(view)}});
 }
 
-Json Groups(const Json& inventory) {
+Json HardwareGroups(const Json& inventory) {
   Json groups = Json::array();
-  AddGroup(groups, "System", At(inventory, "system"),
-           {{"Manufacturer", "manufacturer"},
-            {"Product", "productName"},
-            {"Version", "version"},
-            {"Serial number", "serialNumber"},
-            {"UUID", "uuid"},
-            {"SKU", "skuNumber"},
-            {"Family", "family"},
-            {"Started by", "wakeUpType"}});
-  AddGroup(groups, "Firmware", At(inventory, "bios"),
-           {{"Vendor", "vendor"},
-            {"Version", "version"},
-            {"Date", "releaseDate"},
-            {"Release", "release"},
-            {"Embedded controller", "embeddedControllerRelease"},
-            {"ROM size", "romSizeKiB", InKiB},
-            {"UEFI", "uefi"},
-            {"Virtual machine", "virtualMachine"}});
+  AddHardwareGroup(groups, "System", At(inventory, "system"),
+                   {{"Manufacturer", "manufacturer"},
+                    {"Product", "productName"},
+                    {"Version", "version"},
+                    {"Serial number", "serialNumber"},
+                    {"UUID", "uuid"},
+                    {"SKU", "skuNumber"},
+                    {"Family", "family"},
+                    {"Started by", "wakeUpType"}});
+  AddHardwareGroup(groups, "Firmware", At(inventory, "bios"),
+                   {{"Vendor", "vendor"},
+                    {"Version", "version"},
+                    {"Date", "releaseDate"},
+                    {"Release", "release"},
+                    {"Embedded controller", "embeddedControllerRelease"},
+                    {"ROM size", "romSizeKiB", InKiB},
+                    {"UEFI", "uefi"},
+                    {"Virtual machine", "virtualMachine"}});
   for (const Json& chassis : ListAt(inventory, "chassis")) {
-    AddGroup(groups, "Chassis", chassis,
-             {{"Type", "type"},
-              {"Manufacturer", "manufacturer"},
-              {"Version", "version"},
-              {"Serial number", "serialNumber"},
-              {"Asset tag", "assetTag"},
-              {"SKU", "skuNumber"},
-              {"Lock", "lock"},
-              {"Height", "heightUnits", InRackUnits},
-              {"Power cords", "powerCords"}});
+    AddHardwareGroup(groups, "Chassis", chassis,
+                     {{"Type", "type"},
+                      {"Manufacturer", "manufacturer"},
+                      {"Version", "version"},
+                      {"Serial number", "serialNumber"},
+                      {"Asset tag", "assetTag"},
+                      {"SKU", "skuNumber"},
+                      {"Lock", "lock"},
+                      {"Height", "heightUnits", InRackUnits},
+                      {"Power cords", "powerCords"}});
   }
   for (const Json& board : ListAt(inventory, "boards")) {
-    AddGroup(groups, "Board", board,
-             {{"Type", "type"},
-              {"Manufacturer", "manufacturer"},
-              {"Product", "product"},
-              {"Version", "version"},
-              {"Serial number", "serialNumber"},
-              {"Asset tag", "assetTag"},
-              {"Location", "location"}});
+    AddHardwareGroup(groups, "Board", board,
+                     {{"Type", "type"},
+                      {"Manufacturer", "manufacturer"},
+                      {"Product", "product"},
+                      {"Version", "version"},
+                      {"Serial number", "serialNumber"},
+                      {"Asset tag", "assetTag"},
+                      {"Location", "location"}});
   }
   return groups;
 }
 
-Json Processors(const Json& list) {
+Json ProcessorTable(const Json& list) {
   const auto of_filled = [](const char* heading, const char* name) {
     return ViewColumn{heading, [=](const Json& p) {
                         return IsEmptySocket(p) ? std::string() : PlainAt(p, name);
@@ -101,7 +99,7 @@ Json HardwareView(const Json& inventory) {
   };
   Json tables = Json::array();
   for (Json table :
-       {Processors(list("processors")),
+       {ProcessorTable(list("processors")),
         TableView("Caches", list("caches"),
                   {ColumnOf("Level", "level", Plain, kIsNumber), ColumnOf("Name", "designation"),
                    ColumnOf("Size", "installedSizeKiB", InKiB, kIsNumber), ColumnOf("Type", "type"),
@@ -128,7 +126,7 @@ Json HardwareView(const Json& inventory) {
         TableView("Strings of the manufacturer", list("oemStrings"), {{"String", Plain}})}) {
     if (!table.is_null()) tables.push_back(std::move(table));
   }
-  return {{"groups", Groups(inventory)}, {"tables", std::move(tables)}};
+  return {{"groups", HardwareGroups(inventory)}, {"tables", std::move(tables)}};
 }
 
 }  // namespace mira::client

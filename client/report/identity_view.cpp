@@ -6,8 +6,6 @@
 namespace mira::client {
 namespace {
 
-constexpr bool kFieldIsNumber = true;
-
 struct NameText {
   const char* name;
   const char* text;

@@ -1,47 +1,49 @@
+#include "client/error.h"
 #include "client/report/view.h"
+#include "client/snapshot/snapshot.h"
+#include "client/snapshot/subjects.h"
 
 namespace mira::client {
 namespace {
 
-struct SubjectTitle {
+struct ListTitle {
   const char* name;
   const char* title;
-  const char* section;  // where the page shows it
 };
 
-constexpr SubjectTitle kSubjectTitles[] = {
-    {"startUp", "Start-up", "start-up"},
-    {"inventory", "Inventory", "hardware"},
-    {"table", "SMBIOS table", "hardware"},
-    {"tokens", "Tokens", "tokens"},
-    {"passwords", "Passwords", "access"},
-    {"drives", "Drives", "access"},
-    {"tags", "Tags", "identity"},
-    {"identifiers", "Identifiers", "identity"},
-    {"batteries", "Batteries", "batteries"},
-    {"boot", "Boot lists", "boot"},
-    {"legacyBoot", "Legacy boot priorities", "boot"},
-    {"attributes", "BIOS attributes", "attributes"},
-    {"firmwareLists", "Firmware lists", "lists"},
+constexpr ListTitle kListTitles[] = {
+    {"entries", "Firmware log"},
+    {"messages", "Firmware messages"},
+    {"scanCodes", "Scan codes"},
+    {"sensors", "Thermal sensors"},
 };
 
-constexpr SubjectTitle kListTitles[] = {
-    {"entries", "Firmware log", "lists"},
-    {"messages", "Firmware messages", "lists"},
-    {"scanCodes", "Scan codes", "lists"},
-    {"sensors", "Thermal sensors", "lists"},
-};
-
-Json MissingOf(const SubjectTitle& subject, const Json& error, bool is_partial) {
-  return {{"subject", subject.title},
-          {"section", subject.section},
-          {"message", PlainAt(error, "message")},
-          {"hint", PlainAt(error, "hint")},
-          {"isPartial", is_partial}};
+// What a machine of this kind does not have is told, but is no failure.
+bool IsAbsence(const Json& error) {
+  const auto code = ToNumber(At(error, "code"));
+  return code == kNotFound || code == kNotSupported;
 }
 
-Json Tile(const char* label, const std::string& value, const std::string& detail,
-          const char* section) {
+// Subjects that are missing for one reason stand together.
+void AddMissing(Json& list, const char* title, const Json& error, bool is_partial) {
+  Json entry = {{"subject", title},
+                {"kind", is_partial         ? "partial"
+                         : IsAbsence(error) ? "absent"
+                                            : "missing"},
+                {"what", is_partial         ? " could be read in part only"
+                         : IsAbsence(error) ? ""
+                                            : " could not be read"},
+                {"message", PlainAt(error, "message")}};
+  for (Json& known : list) {
+    if (known["message"] != entry["message"] || known["kind"] != entry["kind"]) continue;
+    known["subject"] = PlainAt(known, "subject") + ", " + title;
+    return;
+  }
+  list.push_back(std::move(entry));
+}
+
+Json GlanceTile(const char* label, const std::string& value, const std::string& detail,
+                const char* section) {
   if (value.empty()) return nullptr;
   return {{"label", label}, {"value", value}, {"detail", detail}, {"section", section}};
 }
@@ -62,9 +64,10 @@ Json ProcessorTile(const Json& inventory) {
   if (names.empty()) return nullptr;
   const bool has_several = names.size() > 1;
   if (has_several && !detail.empty()) detail += " each";
-  return Tile("Processor",
-              (has_several ? std::to_string(names.size()) + " × " : std::string()) + names.front(),
-              detail, "hardware");
+  return GlanceTile(
+      "Processor",
+      (has_several ? std::to_string(names.size()) + " × " : std::string()) + names.front(), detail,
+      "hardware");
 }
 
 Json BootTile(const Json& boot) {
@@ -83,7 +86,7 @@ Json BootTile(const Json& boot) {
     }
   }
   if (first == nullptr) return nullptr;
-  return Tile("Starts first", PlainAt(*first, "description"), "in " + list_name, "boot");
+  return GlanceTile("Starts first", PlainAt(*first, "description"), "in " + list_name, "boot");
 }
 
 Json BatteryTile(const Json& batteries) {
@@ -92,10 +95,12 @@ Json BatteryTile(const Json& batteries) {
       const std::string health = Shown(life, {"", "healthPercent", InPercent});
       const std::string cycles = PlainAt(life, "chargeCycles");
       if (!health.empty()) {
-        return Tile("Battery", health + " of its capacity", cycles + " charge cycles", "batteries");
+        return GlanceTile("Battery", health + " of its capacity", cycles + " charge cycles",
+                          "batteries");
       }
     }
-    return Tile("Battery", PlainAt(At(battery, "charging"), "mode"), "charging mode", "batteries");
+    return GlanceTile("Battery", PlainAt(At(battery, "charging"), "mode"), "charging mode",
+                      "batteries");
   }
   return nullptr;
 }
@@ -107,18 +112,18 @@ Json PasswordTile(const Json& passwords) {
     if (IsTrueAt(password, "isSet")) set.push_back(PlainAt(password, "title"));
   }
   if (view.empty()) return nullptr;
-  return Tile("BIOS passwords",
-              set.empty() ? "None is set" : Counted(set.size(), "is set", "are set"), Joined(set),
-              "access");
+  return GlanceTile("BIOS passwords",
+                    set.empty() ? "None is set" : Counted(set.size(), "is set", "are set"),
+                    Joined(set), "access");
 }
 
 Json AttributeTile(const Json& attributes) {
   const Json view = AttributesView(attributes);
   if (view.is_null()) return nullptr;
-  return Tile("BIOS attributes", PlainAt(view, "count"),
-              PlainAt(view, "changed") + " changed from the default, " + PlainAt(view, "pending") +
-                  " waiting for a restart",
-              "attributes");
+  return GlanceTile("BIOS attributes", PlainAt(view, "count"),
+                    PlainAt(view, "changed") + " changed from the default, " +
+                        PlainAt(view, "pending") + " waiting for a restart",
+                    "attributes");
 }
 
 }  // namespace
@@ -134,11 +139,11 @@ Json GlanceView(const Json& snapshot) {
   Json tiles = Json::array();
   for (Json tile :
        {ProcessorTile(inventory),
-        Tile("Memory", memory.size, Joined({memory.slots, memory.room}), "memory"),
-        Tile("Firmware", PlainAt(bios, "version"), released.empty() ? "" : "of " + released,
-             "hardware"),
-        Tile("Drives", drives.empty() ? "" : std::to_string(drives.size()), Joined(drive_names),
-             "access"),
+        GlanceTile("Memory", memory.size, Joined({memory.slots, memory.room}), "memory"),
+        GlanceTile("Firmware", PlainAt(bios, "version"), released.empty() ? "" : "of " + released,
+                   "hardware"),
+        GlanceTile("Drives", drives.empty() ? "" : std::to_string(drives.size()),
+                   Joined(drive_names), "access"),
         BootTile(SubjectValue(snapshot, "boot")), BatteryTile(SubjectValue(snapshot, "batteries")),
         PasswordTile(SubjectValue(snapshot, "passwords")),
         AttributeTile(SubjectValue(snapshot, "attributes"))}) {
@@ -149,19 +154,22 @@ Json GlanceView(const Json& snapshot) {
 
 Json MissingView(const Json& snapshot) {
   Json list = Json::array();
-  for (const SubjectTitle& subject : kSubjectTitles) {
+  for (const Subject& subject : Subjects()) {
     const Json& read = At(At(snapshot, "subjects"), subject.name);
     const Json& error = At(read, "error");
+    // Why start-up failed is shown step by step.
+    const bool is_shown =
+        subject.name == std::string_view(kStartUpSubject) && At(read, "value").is_object();
     if (read.is_null()) {
-      list.push_back(MissingOf(subject, {{"message", "The snapshot does not hold it."}}, false));
-    } else if (error.is_object()) {
-      list.push_back(MissingOf(subject, error, read.contains("value")));
+      AddMissing(list, subject.title, {{"message", "The snapshot does not hold it."}}, false);
+    } else if (error.is_object() && !is_shown) {
+      AddMissing(list, subject.title, error, read.contains("value"));
     }
   }
   const Json& problems = At(SubjectValue(snapshot, "firmwareLists"), "problems");
-  for (const SubjectTitle& subject : kListTitles) {
-    const Json& error = At(problems, subject.name);
-    if (error.is_object()) list.push_back(MissingOf(subject, error, false));
+  for (const ListTitle& part : kListTitles) {
+    const Json& error = At(problems, part.name);
+    if (error.is_object()) AddMissing(list, part.title, error, false);
   }
   return list;
 }
@@ -184,7 +192,6 @@ Json StartUpView(const Json& start_up) {
   const std::string problem = PlainAt(At(start_up, "error"), "message");
   return {{"message", problem.empty() ? PlainAt(start_up, "message") : problem},
           {"isBad", !problem.empty() || At(start_up, "status") != 0},
-          {"hint", PlainAt(At(start_up, "error"), "hint")},
           {"steps", std::move(steps)},
           {"diagnostics", std::move(diagnostics)},
           {"fields", FieldsView(start_up, {{"SMBIOS version", "smbiosVersion"},

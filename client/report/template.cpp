@@ -17,7 +17,7 @@ struct Template::Part {
 
 namespace {
 
-using Part = Template::Part;
+using TemplatePart = Template::Part;
 
 std::string_view WithoutIndent(std::string_view line) {
   const std::size_t from = line.find_first_not_of(" \t\r");
@@ -50,8 +50,8 @@ class TemplateParser {
   TemplateParser(std::string_view name, Template::Files files)
       : name_(name), text_(Condensed(files(name))), files_(files) {}
 
-  std::vector<Part> Parse() {
-    std::vector<Part> parts = ParseUntil("");
+  std::vector<TemplatePart> Parse() {
+    std::vector<TemplatePart> parts = ParseUntil("");
     return parts;
   }
 
@@ -60,12 +60,12 @@ class TemplateParser {
     throw std::logic_error("The template " + std::string(name_) + ": " + why);
   }
 
-  std::vector<Part> ParseUntil(const std::string& section) {
-    std::vector<Part> parts;
+  std::vector<TemplatePart> ParseUntil(const std::string& section) {
+    std::vector<TemplatePart> parts;
     while (true) {
       const std::size_t open = text_.find("{{", at_);
       if (const std::string text = text_.substr(at_, open - at_); !text.empty()) {
-        parts.push_back({Part::Kind::kText, text});
+        parts.push_back({TemplatePart::Kind::kText, text});
         Follow(text);
       }
       if (open == std::string::npos) {
@@ -84,25 +84,27 @@ class TemplateParser {
     }
   }
 
-  void Add(const std::string& tag, std::vector<Part>& parts) {
+  void Add(const std::string& tag, std::vector<TemplatePart>& parts) {
     const std::string name = tag.empty() ? tag : tag.substr(1);
     switch (tag.empty() ? '\0' : tag.front()) {
       case '\0':
         Fail("a tag is empty.");
       case '#':
-        parts.push_back({Part::Kind::kSection, name, ParseUntil(name)});
+        parts.push_back({TemplatePart::Kind::kSection, name, ParseUntil(name)});
         return;
       case '^':
-        parts.push_back({Part::Kind::kInverted, name, ParseUntil(name)});
+        parts.push_back({TemplatePart::Kind::kInverted, name, ParseUntil(name)});
         return;
       case '>':
-        for (Part& part : TemplateParser(name, files_).Parse()) parts.push_back(std::move(part));
+        for (TemplatePart& part : TemplateParser(name, files_).Parse())
+          parts.push_back(std::move(part));
         return;
       case '&':
-        parts.push_back({Part::Kind::kText, std::string(files_(name))});
+        parts.push_back({TemplatePart::Kind::kText, std::string(files_(name))});
         return;
       default:
-        parts.push_back({is_plain_ ? Part::Kind::kAttribute : Part::Kind::kElement, tag});
+        parts.push_back(
+            {is_plain_ ? TemplatePart::Kind::kAttribute : TemplatePart::Kind::kElement, tag});
     }
   }
 
@@ -158,40 +160,40 @@ class Filler {
  public:
   explicit Filler(const Json& values) : values_{&values} {}
 
-  void Fill(const std::vector<Part>& parts) {
-    for (const Part& part : parts) Fill(part);
+  void Fill(const std::vector<TemplatePart>& parts) {
+    for (const TemplatePart& part : parts) Fill(part);
   }
   std::string Take() { return std::move(text_); }
 
  private:
-  void Fill(const Part& part) {
-    if (part.kind == Part::Kind::kText) {
+  void Fill(const TemplatePart& part) {
+    if (part.kind == TemplatePart::Kind::kText) {
       text_ += part.text;
       return;
     }
     const Json* const value = Find(part.text);
     switch (part.kind) {
-      case Part::Kind::kSection:
+      case TemplatePart::Kind::kSection:
         FillSection(part, value);
         break;
-      case Part::Kind::kInverted:
+      case TemplatePart::Kind::kInverted:
         if (!Says(value)) Fill(part.parts);
         break;
       default:
         if (value == nullptr) return;
-        text_ += RewriteCharacters(Readable(*value), part.kind == Part::Kind::kElement
+        text_ += RewriteCharacters(Readable(*value), part.kind == TemplatePart::Kind::kElement
                                                          ? EscapedInElement
                                                          : EscapedInAttribute);
     }
   }
 
-  void FillSection(const Part& part, const Json* value) {
+  void FillSection(const TemplatePart& part, const Json* value) {
     if (!Says(value)) return;
     if (!value->is_array()) return FillWith(part, *value);
     for (const Json& entry : *value) FillWith(part, entry);
   }
 
-  void FillWith(const Part& part, const Json& value) {
+  void FillWith(const TemplatePart& part, const Json& value) {
     values_.push_back(&value);
     Fill(part.parts);
     values_.pop_back();

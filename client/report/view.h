@@ -34,6 +34,9 @@ std::string Shown(const Json& object, const ViewField& field);
 // [{"label", "value"}]; what is not there is left out.
 Json FieldsView(const Json& object, const std::vector<ViewField>& fields);
 
+// For ViewColumn::is_number, and the last argument of ColumnOf.
+inline constexpr bool kIsNumber = true;
+
 struct ViewColumn {
   const char* heading;
   std::function<std::string(const Json& object)> show;
@@ -64,7 +67,7 @@ Json IdentityView(const Json& tags, const Json& identifiers);
 Json FirmwareListsView(const Json& lists);
 Json StartUpView(const Json& start_up);
 Json TokensView(const Json& tokens);
-// [{"subject", "id", "message", "hint"}]: what could not be read, or only in part.
+// [{"subject", "kind", "what", "message"}]: what could not be read, or only in part.
 Json MissingView(const Json& snapshot);
 
 // How much memory there is, and in how many slots.
