@@ -86,6 +86,7 @@ Key ObtainKey(Session& session, SecretProvider& secrets, bool wants_class10, Che
   CMiraIntf& mira = session.Ready();
   PwdInfo info;
   mira.GetPwdInfo(info);
+  CheckAnswered(session, "");
   Key key;
   key.type = KeyType(info, wants_class10);
   const bool is_installed = (info.installed & key.type) != 0;
@@ -102,6 +103,12 @@ Key ObtainKey(Session& session, SecretProvider& secrets, bool wants_class10, Che
     throw KeyError();
   }
   return key;
+}
+
+void CheckAnswered(Session& session, const std::string& target) {
+  const CallReport& lost = CMiraIntf::GetLastOperation().unanswered;
+  if (lost.failure.step == mira::Step::kNone) return;
+  throw TransportError(session, {lost.cls, lost.select}, lost, target);
 }
 
 bool IsLockedOut(callif::Command command, std::int32_t completion) {
@@ -127,6 +134,11 @@ Error KeyError() {
 Error CallError(Session& session, callif::Command command, Status status, std::int32_t completion,
                 const CallOptions& options) {
   const OperationReport& report = CMiraIntf::GetLastOperation();
+  // Behind a question that got no answer, a refusal only says what the call lacked.
+  const CallReport& lost = report.unanswered;
+  if (lost.failure.step != mira::Step::kNone && status != STATUS_SUCCESS) {
+    return TransportError(session, {lost.cls, lost.select}, lost, options.target);
+  }
   if (status == STATUS_SECURITY_KEY_FAILED) {
     Error error = KeyError();
     error.target = options.target;

@@ -43,6 +43,9 @@ enum class Check { kNo, kYes };
 // is installed. `check` has the firmware verify it before anything else. Throws Error.
 Key ObtainKey(Session& session, SecretProvider& secrets, bool wants_class10, Check check);
 
+// Throws the error of the last operation's first call that the firmware did not answer, if there is
+// one: what the operation found out then is not the firmware's word.
+void CheckAnswered(Session& session, const std::string& target);
 // What it means that firmware refuses to verify a password.
 inline constexpr char kLockedOut[] =
     "The firmware verifies no password: after several wrong ones it verifies none until the "

@@ -96,6 +96,7 @@ std::vector<PasswordState> ReadPasswords(Session& session) {
   if (!session.Ready().GetPwdInfo(info)) {
     throw Error(kNotSupported, "no-calling-interface", "This PC offers no calling interface.");
   }
+  CheckAnswered(session, "passwords");
   const auto state = [&info](std::uint16_t cls, PwdInfo::PWDTYPE bit, std::uint32_t longest,
                              std::uint32_t second) {
     return PasswordState{.cls = cls,

@@ -69,11 +69,17 @@ CMiraIntf& Session::WithAttributes(Texts texts) {
   // Where the firmware does not announce the class, there are none.
   constexpr std::uint16_t kAttributeClass = 5;
   if (tables.outcome == StepOutcome::kFailed && IsAnnounced(*mira_, kAttributeClass)) {
-    Error error(tables.code_kind == CodeKind::kHresult ? kTransportFailed : kRefused,
-                "attributes-unreadable", "The tables of BIOS attributes could not be read.");
+    // A question that got no answer counts more than what the firmware said of the next.
+    const StepResult& lost = CMiraIntf::GetLastOperation().unanswered.failure;
+    const bool is_lost = tables.code_kind == CodeKind::kHresult || lost.step != mira::Step::kNone;
+    Error error(is_lost ? kTransportFailed : kRefused, "attributes-unreadable",
+                "The tables of BIOS attributes could not be read.");
     error.step = StepName(tables.step);
-    if (tables.code_kind == CodeKind::kHresult) {
-      error.hresult = static_cast<std::uint32_t>(tables.code);
+    if (is_lost) {
+      const StepResult& failure = lost.step != mira::Step::kNone ? lost : tables;
+      if (failure.code_kind == CodeKind::kHresult) {
+        error.hresult = static_cast<std::uint32_t>(failure.code);
+      }
     } else if (tables.code_kind == CodeKind::kCompletionCode) {
       error.completion = tables.code;
     }

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that a task needs, and nothing that is there already.
-# Usage: tools/setup.sh native|windows|windows64|bench|fuzz|hosts|package|reference|report|fleet|format|check ...
+# Usage: tools/setup.sh native|windows|windows64|bench|fuzz|hosts|package|reference|report|fleet|format|tidy|clang|check ...
 set -euo pipefail
 
 declare -A packages=(
@@ -15,6 +15,8 @@ declare -A packages=(
   [report]="chromium fonts-ipafont-gothic nodejs"
   [fleet]="ansible-core openssh-client openssh-server python3"
   [format]="clang-format git"
+  [tidy]="clang clang-tidy libclang-rt-14-dev"
+  [clang]="clang libclang-rt-14-dev lld cmake ninja-build git python3 python3-jsonschema googletest libcli11-dev nlohmann-json3-dev"
   [check]="python3"
 )
 

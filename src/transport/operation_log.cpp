@@ -123,6 +123,11 @@ void OperationLog::BeginCall(std::uint16_t cls, std::uint16_t select) noexcept {
 void OperationLog::FailCall(CodeKind kind, std::int32_t code) noexcept {
   StepResult& failure = operation_.call.failure;
   failure = {failure.step, StepOutcome::kFailed, kind, code};
+  // What failed before is the request's fault, not the connection's.
+  const bool is_lost =
+      operation_.call.delivery != Delivery::kAnswered && failure.step >= Step::kWmiObjects;
+  if (is_lost && operation_.unanswered.failure.step == Step::kNone)
+    operation_.unanswered = operation_.call;
 }
 
 void OperationLog::AnswerCall(std::int32_t completion) noexcept {

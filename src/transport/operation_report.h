@@ -103,6 +103,10 @@ struct OperationReport {
   // The last call that the operation made or tried: with a password or a probe an operation makes
   // several. Class and select 0 and "not sent" when it made none.
   CallReport call;
+  // The first call of the operation that failed on its way to the firmware or back. Its failure's
+  // step is kNone where the firmware answered every call: what the operation found out on the way,
+  // such as the size of an answer, then is the firmware's word.
+  CallReport unanswered;
 };
 
 // The steps of the last Init in their order.
