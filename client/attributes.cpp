@@ -9,6 +9,7 @@
 #include "bytes/text.h"
 #include "client/nearest.h"
 #include "client/snapshot/kept_attributes.h"
+#include "transport/com_error.h"
 
 namespace mira::client {
 namespace {
@@ -22,22 +23,30 @@ std::string HandleText(std::uint16_t handle) { return "0x" + bytes::HexNumber(ha
 // The error of the facade's operation that has just failed.
 Error OperationError(Session& session, Status status, const std::string& title) {
   const OperationReport& report = CMiraIntf::GetLastOperation();
+  // Behind a question that got no answer, a refusal only says what the write lacked: its key, say.
+  const CallReport& lost = report.unanswered;
+  const bool is_lost = lost.failure.step != mira::Step::kNone;
   const bool is_call = report.call.cls == kAttributeClass;
-  const bool is_lost = is_call && report.call.delivery == Delivery::kNoAnswer;
+  const bool is_sent = lost.delivery == Delivery::kNoAnswer && lost.cls == kAttributeClass;
   const Error plain = ErrorOf(status, title);
   std::string message = title + ": " + plain.what();
-  if (is_lost) {
+  if (is_sent) {
     message = title + ": " + NoAnswerText(session, "The call");
+  } else if (is_lost) {
+    message = title + ": a call that it takes did not reach the firmware, or its answer was lost.";
   }
   for (const std::string& line : session.TakeDiagnostics()) message += " (" + line + ")";
-  Error error(is_lost ? kTransportFailed : plain.status, is_lost ? "no-answer" : plain.name,
+  Error error(is_lost ? kTransportFailed : plain.status,
+              is_sent   ? "no-answer"
+              : is_lost ? "call-not-made"
+                        : plain.name,
               message, title);
-  const StepResult& failure = report.failure;
+  const StepResult& failure = is_lost ? lost.failure : report.failure;
   if (failure.step != mira::Step::kNone) error.step = StepName(failure.step);
   if (failure.code_kind == CodeKind::kHresult) {
     error.hresult = static_cast<std::uint32_t>(failure.code);
   }
-  if (is_call && report.call.delivery == Delivery::kAnswered) {
+  if (!is_lost && is_call && report.call.delivery == Delivery::kAnswered) {
     error.completion = report.call.completion;
   }
   return error;
@@ -231,13 +240,28 @@ const AttributeEntry& Attributes::Find(const std::string& text) {
       .With("unknown", Json::array({text}));
 }
 
+namespace {
+
+// Runs an operation of the facade. The one exception that leaves it becomes an error, so that what
+// was done before is reported.
+template <typename Operation>
+Status InMemory(const std::string& title, Operation operation) {
+  try {
+    return operation();
+  } catch (const transport::ComError&) {
+    throw Error(kUnexpected, "out-of-memory", "The system ran out of memory.", title);
+  }
+}
+
+}  // namespace
+
 Setting Attributes::Read(const AttributeEntry& entry, Status (CMiraIntf::*read)(PLDM::Attribute&)) {
   CMiraIntf& mira = Mira();
   Setting setting;
   setting.entry = &entry;
   setting.attribute = PLDM::MakeAttribute(entry.type);
   setting.attribute->Handle = entry.handle;
-  const Status status = (mira.*read)(*setting.attribute);
+  const Status status = InMemory(entry.Title(), [&] { return (mira.*read)(*setting.attribute); });
   // The first read fetches the texts.
   const StepResult& failure = CMiraIntf::GetLastOperation().failure;
   if (status != STATUS_SUCCESS && failure.outcome == StepOutcome::kCancelled) throw Cancelled();
@@ -270,7 +294,10 @@ void Attributes::Write(const Setting& setting, std::uint32_t security_key) {
   PLDM::Attribute& attribute = *setting.attribute;
   const std::string name = std::exchange(attribute.Name, "");
   attribute.Type = PLDM::WritableForm(attribute.Type);
-  const Status status = Mira().SetAttributeValue(attribute, "", PwdInfo::PWD_NONE, security_key);
+  CMiraIntf& mira = Mira();
+  const Status status = InMemory(setting.Title(), [&] {
+    return mira.SetAttributeValue(attribute, "", PwdInfo::PWD_NONE, security_key);
+  });
   attribute.Name = name;
   if (status != STATUS_SUCCESS) throw OperationError(session_, status, setting.Title());
 }

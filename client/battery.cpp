@@ -63,12 +63,13 @@ std::size_t ListedBatteries(Session& session) {
   return count;
 }
 
-// Empty where the firmware does not say.
+// Empty where the firmware does not say. Throws Error where it was not heard.
 std::vector<BatteryLife> ReadLife(Session& session, std::uint16_t number) {
   CExtBatteryLife data;
   try {
     Execute(session, kReadLife, data, {.target = BatteryName(number)});
-  } catch (const Error&) {
+  } catch (const Error& error) {
+    if (error.status == kTransportFailed || error.status == kUnexpected) throw;
     return {};
   }
   std::vector<BatteryLife> life;
@@ -185,7 +186,11 @@ Battery ReadBattery(Session& session, std::uint16_t number) {
     battery.peak_shift_problem = error;
   }
   if (battery.charging || battery.peak_shift) {
-    battery.life = ReadLife(session, number);
+    try {
+      battery.life = ReadLife(session, number);
+    } catch (const Error& error) {
+      battery.life_problem = error;
+    }
     return battery;
   }
   const Error& problem = *battery.charging_problem;
@@ -223,6 +228,7 @@ Json ToJson(const Battery& battery) {
   Json life = Json::array();
   for (const BatteryLife& entry : battery.life) life.push_back(LifeJson(entry));
   json["life"] = std::move(life);
+  if (battery.life_problem) json["lifeProblem"] = ToJson(*battery.life_problem);
   return json;
 }
 
@@ -246,6 +252,7 @@ Battery BatteryFromJson(const Json& json) {
   if (json.contains("peakShiftProblem")) {
     battery.peak_shift_problem = ErrorFromJson(json["peakShiftProblem"]);
   }
+  if (json.contains("lifeProblem")) battery.life_problem = ErrorFromJson(json["lifeProblem"]);
   for (const Json& life : json.at("life")) {
     battery.life.push_back({life.at("chargeCycles"), life.at("designCapacityMilliwattHours"),
                             life.at("fullChargeCapacityMilliwattHours")});

@@ -51,6 +51,8 @@ struct Battery {
   std::optional<Error> charging_problem;
   std::optional<BatteryPeakShift> peak_shift;
   std::optional<Error> peak_shift_problem;
+  std::optional<Error>
+      life_problem;  // it was not heard; a firmware that says nothing is no problem
   // Empty where the firmware does not say. Its layout is an assumption of this library.
   std::vector<BatteryLife> life;
 };

@@ -80,7 +80,8 @@ void AddPeakShift(const Json& peak_shift, const std::string& target, BatteryEdit
 
 NumberedEdit EditOf(const Json& battery) {
   RequireKeys(battery,
-              {"battery", "charging", "chargingProblem", "peakShift", "peakShiftProblem", "life"},
+              {"battery", "charging", "chargingProblem", "peakShift", "peakShiftProblem", "life",
+               "lifeProblem"},
               "a battery");
   const auto number =
       ByteOf(battery, "battery", "a battery", std::numeric_limits<std::uint8_t>::max());

@@ -86,19 +86,17 @@ Json FirmwareListsView(const Json& lists) {
   for (Json table :
        {TableView("Log", ListAt(lists, "entries"),
                   {ColumnOf("Time", "time"), ColumnOf("Severity", "severity"),
-                   ColumnOf("Code", "code", HexOf, kFieldIsNumber), ColumnOf("Text", "text")}),
+                   ColumnOf("Code", "code", HexOf, kIsNumber), ColumnOf("Text", "text")}),
+        TableView("Messages", ListAt(lists, "messages"),
+                  {ColumnOf("Number", "number", Plain, kIsNumber), ColumnOf("Severity", "severity"),
+                   ColumnOf("Seen", "seen"), ColumnOf("Text", "text")}),
+        TableView("Thermal sensors", ListAt(lists, "sensors"),
+                  {ColumnOf("Sensor", "number", Plain, kIsNumber), ColumnOf("Place", "location"),
+                   ColumnOf("Temperature", "celsius", Temperature, kIsNumber),
+                   ColumnOf("Limit", "limitCelsius", Temperature, kIsNumber)}),
         TableView(
-            "Messages", ListAt(lists, "messages"),
-            {ColumnOf("Number", "number", Plain, kFieldIsNumber), ColumnOf("Severity", "severity"),
-             ColumnOf("Seen", "seen"), ColumnOf("Text", "text")}),
-        TableView(
-            "Thermal sensors", ListAt(lists, "sensors"),
-            {ColumnOf("Sensor", "number", Plain, kFieldIsNumber), ColumnOf("Place", "location"),
-             ColumnOf("Temperature", "celsius", Temperature, kFieldIsNumber),
-             ColumnOf("Limit", "limitCelsius", Temperature, kFieldIsNumber)}),
-        TableView("Scan codes", ListAt(lists, "scanCodes"),
-                  {ColumnOf("Button", "button"),
-                   ColumnOf("Scan code", "scanCode", HexOf, kFieldIsNumber)})}) {
+            "Scan codes", ListAt(lists, "scanCodes"),
+            {ColumnOf("Button", "button"), ColumnOf("Scan code", "scanCode", HexOf, kIsNumber)})}) {
     if (!table.is_null()) tables.push_back(std::move(table));
   }
   return tables;
@@ -106,9 +104,9 @@ Json FirmwareListsView(const Json& lists) {
 
 Json TokensView(const Json& tokens) {
   return TableView("Tokens", ListAt(tokens, "tokens"),
-                   {ColumnOf("Token", "id", HexOf, kFieldIsNumber),
-                    ColumnOf("Location", "location", HexOf, kFieldIsNumber),
-                    ColumnOf("Value", "value", HexOf, kFieldIsNumber)});
+                   {ColumnOf("Token", "id", HexOf, kIsNumber),
+                    ColumnOf("Location", "location", HexOf, kIsNumber),
+                    ColumnOf("Value", "value", HexOf, kIsNumber)});
 }
 
 }  // namespace mira::client

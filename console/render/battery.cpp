@@ -72,6 +72,9 @@ void ShowBatteries(const Json& document, std::ostream& out) {
     const Json* const peak_shift = Part(battery, "peakShift", "Peak shift", rows);
     if (peak_shift != nullptr) AddPeakShift(*peak_shift, rows);
     for (const Json& life : battery.at("life")) AddLife(life, rows);
+    if (const auto problem = battery.find("lifeProblem"); problem != battery.end()) {
+      rows.push_back({"Life", "(" + Readable(problem->at("message")) + ")"});
+    }
     WriteTable(out, rows);
     if (charging == nullptr && peak_shift == nullptr) continue;
     out << '\n';
