@@ -187,8 +187,8 @@ def main():
     parser.add_argument("programs", type=pathlib.Path)
     parser.add_argument("--against", type=pathlib.Path, help="the folder of another commit's benchmarks")
     parser.add_argument("--console", type=pathlib.Path, help="the program mira")
-    parser.add_argument("--seconds", default="0.05", help="for each benchmark and repetition")
-    parser.add_argument("--repetitions", type=int, default=5)
+    parser.add_argument("--seconds", default="0.02", help="for each benchmark and repetition")
+    parser.add_argument("--repetitions", type=int, default=3)
     arguments = parser.parse_args()
     folder = arguments.programs
     if arguments.against is not None:
