@@ -1,7 +1,7 @@
 #ifndef MIRA_SMBIOS_STRUCTURE_COPY_H_
 #define MIRA_SMBIOS_STRUCTURE_COPY_H_
 
-// The one way to make the bytes that a structure object takes over.
+// The one way for hosts to make the bytes that a structure object takes over.
 //
 //   CBIOSObject* object = new CBIOSObject(mira::smbios::CopyStructure(bytes));
 
