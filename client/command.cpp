@@ -131,8 +131,10 @@ Json CheckArguments(const Command& command, const Json& arguments) {
   if (!arguments.is_object()) {
     throw Error(kUsage, "bad-argument", "The arguments are not an object.", command.name);
   }
-  // Beside its own arguments "whatIf", which may be added later.
-  Json checked = ObjectWithRoom(command.arguments.size() + 1);
+  // An object that grows leaves copies of its values behind, which may hold secrets; beside the
+  // command's own arguments there may be "whatIf".
+  Json checked = Json::object();
+  checked.get_ref<Json::object_t&>().reserve(command.arguments.size() + 1);
   for (const auto& [name, value] : arguments.items()) {
     const Argument* const argument = FindArgument(command, name);
     if (argument == nullptr && name == kSnapshotArgument.name) {

@@ -152,12 +152,6 @@ std::string ToText(const Json& document) {
   return document.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
 }
 
-Json ObjectWithRoom(std::size_t members) {
-  Json object = Json::object();
-  object.get_ref<Json::object_t&>().reserve(members);
-  return object;
-}
-
 void Wipe(Json& value) noexcept {
   if (value.is_string()) bytes::Wipe(value.get_ref<std::string&>());
   if (value.is_structured()) {

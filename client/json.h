@@ -56,9 +56,6 @@ std::string PlainUtf8(std::string_view text);
 // The document as text, two blanks a level, with a line end.
 std::string ToText(const Json& document);
 
-// An empty object with room for members: one that grows leaves copies of its values behind.
-Json ObjectWithRoom(std::size_t members);
-
 // Overwrites every string in the value before it goes.
 void Wipe(Json& value) noexcept;
 

@@ -69,8 +69,10 @@ Json ValueOf(Context& context, const Bound& bound) {
 }
 
 ExitStatus RunLeaf(Context& context, const Leaf& leaf) {
-  // Beside the arguments "whatIf" and the form of what is saved.
-  Json arguments = client::ObjectWithRoom(leaf.arguments.size() + 2);
+  // An object that grows leaves copies of its values behind, which may hold secrets; beside the
+  // arguments there may be "whatIf" and the form of what is saved.
+  Json arguments = Json::object();
+  arguments.get_ref<Json::object_t&>().reserve(leaf.arguments.size() + 2);
   for (const auto& bound : leaf.arguments) {
     if (bound->option->count() > 0) arguments[bound->argument->name] = ValueOf(context, *bound);
   }

@@ -180,8 +180,9 @@ void StatePlanner::PlanAttributes(const std::vector<const StateItem*>& items) {
   }
   std::size_t done = 0;
   for (const Wish& wish : wishes) {
-    session_.Report("Reading attributes", done++, wishes.size());
+    ++done;
     for (const AttributeEntry* const entry : wish.matches) {
+      session_.Report("Reading attributes", done - 1, wishes.size());
       const std::vector<const Wish*>& all = wanted[entry->handle];
       if (all.front() != &wish) continue;
       const auto other = std::find_if(all.begin(), all.end(), [&wish](const Wish* w) {
