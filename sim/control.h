@@ -3,7 +3,7 @@
 
 // The requests of mira_sim_control(), for the DLLs that have it.
 //
-//   ControlAnswer answer = Control(R"({"command": "live"})", host);
+//   const auto live = [](ControlHost& dll) { return Control(R"({"command": "live"})", dll); };
 
 #include <cstdint>
 #include <functional>
