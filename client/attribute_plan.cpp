@@ -39,11 +39,12 @@ void AttributeWriter::Write(const Setting& setting, const Key& key) {
   if (!security_key_) {
     security_key_ = 0;
     if (!key.text.empty()) {
-      security_key_ = session_.Ready().ValidatePwd(key.text.str(), key.type);
-      if (security_key_ == CPwdContext::kNoKey) {
+      try {
+        security_key_ = SecurityKeyOf(session_, key);
+      } catch (const Error& error) {
         security_key_.reset();
-        key_error_ = KeyError();
-        throw *key_error_;
+        key_error_ = error;
+        throw;
       }
     }
   }

@@ -98,11 +98,15 @@ Key ObtainKey(Session& session, SecretProvider& secrets, bool wants_class10, Che
     throw Error(kPassword, "password-needed", "A password is needed.").With("slot", "password");
   }
   key.text = std::move(*text);
-  if (check == Check::kYes && is_installed &&
-      mira.ValidatePwd(key.text.str(), key.type) == CPwdContext::kNoKey) {
-    throw KeyError();
-  }
+  if (check == Check::kYes && is_installed) SecurityKeyOf(session, key);
   return key;
+}
+
+std::uint32_t SecurityKeyOf(Session& session, const Key& key) {
+  const std::uint32_t word = session.Ready().ValidatePwd(key.text.str(), key.type);
+  CheckAnswered(session, "");
+  if (word == CPwdContext::kNoKey) throw KeyError();
+  return word;
 }
 
 void CheckAnswered(Session& session, const std::string& target) {

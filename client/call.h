@@ -43,6 +43,10 @@ enum class Check { kNo, kYes };
 // is installed. `check` has the firmware verify it before anything else. Throws Error.
 Key ObtainKey(Session& session, SecretProvider& secrets, bool wants_class10, Check check);
 
+// What the firmware hands out for the password; 0 where it needs none. Throws Error where it is
+// wrong, or the firmware could not be asked.
+std::uint32_t SecurityKeyOf(Session& session, const Key& key);
+
 // Throws the error of the last operation's first call that the firmware did not answer, if there is
 // one: what the operation found out then is not the firmware's word.
 void CheckAnswered(Session& session, const std::string& target);

@@ -65,7 +65,7 @@ std::string Kept(Session& session, const Kind& kind, std::string text) {
 // can have, and can have no more.
 Error AlreadyCut(const Kind& kind) {
   const std::string target = TagTarget(kind);
-  return Error(kInvalidValue, "text-too-long",
+  return Error(kInvalidValue, kAlreadyCut,
                target + ": The text is too long. The tag has its first " +
                    std::to_string(kind.longest) + " characters already, and holds no more.",
                target);

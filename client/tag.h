@@ -18,6 +18,9 @@ namespace mira::client {
 // The kinds by name: "asset", "service", "ownership", "extended".
 const std::vector<std::string>& TagKinds();
 
+// The name of the error of a text that is too long for a tag that has what it can hold of it.
+inline constexpr char kAlreadyCut[] = "text-too-long";
+
 struct Tag {
   std::string kind;
   std::uint32_t command = 0;  // of an extended tag

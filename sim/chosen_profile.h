@@ -4,7 +4,7 @@
 // A machine as people name it: one that comes along, or a file that describes one.
 //
 //   Machine machine(ChooseProfile("kiosk.json"));
-//   KeptMachine kept(machine, "machines" / KeptName("kiosk.json"));
+//   KeptMachine kept(machine, KeptName("kiosk.json"));
 
 #include <filesystem>
 #include <string>

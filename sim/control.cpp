@@ -1,13 +1,10 @@
 #include "sim/control.h"
 
-#include <algorithm>
-#include <iterator>
 #include <map>
 #include <mutex>
 #include <thread>
 
-#include "sim/chosen_profile.h"
-#include "sim/firmware/fields.h"
+#include "sim/control_commands.h"
 #include "sim/mira_sim.h"
 
 namespace mira::sim {
@@ -15,258 +12,12 @@ namespace {
 
 constexpr std::uint32_t kLargestRequest = 16 * 1024 * 1024;
 
-ChoiceError BadRequest(const std::string& why) {
-  return ChoiceError(MIRA_SIM_USAGE, "bad-request", "The request cannot be read: " + why + ".");
-}
-
-// A request being served: its arguments, and what is answered.
-class Request {
- public:
-  Request(Node arguments, ControlHost& of) : host(of), arguments_(std::move(arguments)) {
-    answer.Become(Node::Kind::kObject);
-    answer.Add("schemaVersion").SetNumber(1);
-    answer.Add("simulated").SetFlag(true);
+const ControlCommand& FindCommand(const Node& name) {
+  for (const ControlCommand& command : ControlCommands()) {
+    if (command.name == name.Text()) return command;
   }
-
-  // Reads what `declare` names; what else there is, is a mistake. Throws StateError.
-  template <typename Declare>
-  void Parse(Declare declare) {
-    Fields fields(Fields::Pass::kLoadSome, arguments_);
-    fields.Whole([&] { declare(fields); });
-  }
-  // The same for those who have nothing of their own to say about a mistake.
-  template <typename Declare>
-  void Read(Declare declare) {
-    try {
-      Parse(declare);
-    } catch (const StateError& error) {
-      throw BadRequest(error.what());
-    }
-  }
-  // An argument of any kind; null when it is missing.
-  Node Take(std::string_view name) {
-    const Node* const found = arguments_.Find(name);
-    Node taken = found != nullptr ? *found : Node();
-    std::erase_if(arguments_.Items(), [name](const Node& member) { return member.Name() == name; });
-    return taken;
-  }
-  MachinePtr Machine() {
-    if (MachinePtr machine = host.Machine()) return machine;
-    throw ChoiceError(MIRA_SIM_NOT_FOUND, "no-machine", "The process works on this PC.");
-  }
-
-  ControlHost& host;
-  Node answer;
-
- private:
-  Node arguments_;
-};
-
-ChoiceError WrongArgument(const char* argument, const std::string& why) {
-  return ChoiceError(MIRA_SIM_USAGE, "bad-argument", why, argument);
-}
-
-void PutLive(Node& node, const Live& live) {
-  node.Become(Node::Kind::kObject);
-  node.Add("references").SetNumber(live.references);
-  node.Add("outlived").SetNumber(live.outlived);
-  node.Add("strings").SetNumber(live.strings);
-  node.Add("arrays").SetNumber(live.arrays);
-  node.Add("variants").SetNumber(live.variants);
-  node.Add("comInitialisations").SetNumber(live.com_scopes);
-}
-
-// What was handed out, and what COM was used for as no real system takes it.
-void PutUse(Node& answer, Machine& machine) {
-  PutLive(answer.Add("live"), machine.GetLive());
-  Node& objections = answer.Add("objections");
-  objections.Become(Node::Kind::kList);
-  for (const std::string& text : machine.GetObjections().Texts()) {
-    objections.AddItem().SetText(text);
-  }
-}
-
-// Ends the process's work with its machine, and tells what was left then.
-void LeaveMachine(Request& request, const MachinePtr& machine, bool force) {
-  request.host.LetGo(force);
-  if (machine) PutUse(request.answer, machine->GetMachine());
-}
-
-void ChooseMachine(Request& request) {
-  const Node machine = request.Take("machine");
-  std::string state;
-  bool force = false;
-  request.Read([&](Fields& fields) { fields("state", state)("force", force); });
-  const std::filesystem::path file = FilePath(state);
-  std::function<MachinePtr()> make;
-  if (machine.GetKind() == Node::Kind::kText) {
-    make = [name = machine.Text(), file] { return MakeNamed(name, file); };
-  } else if (machine.GetKind() == Node::Kind::kObject) {
-    make = [json = WriteJson(machine).str(), file] { return MakeDescribed(json, file); };
-  } else if (machine.GetKind() != Node::Kind::kNull) {
-    throw WrongArgument("machine",
-                        "'machine' is a machine's name, a file, its description or null.");
-  }
-  const MachinePtr made = make ? make() : nullptr;
-  request.host.LetGo(force);
-  ProcessMachine::Get().Choose(std::move(make), made);
-  Node& name = request.answer.Add("machine");
-  if (made) name.SetText(made->Name());
-}
-
-void ShowMachine(Request& request) {
-  request.Read([](Fields&) {});
-  const MachinePtr machine = request.Machine();
-  Machine& shown = machine->GetMachine();
-  request.answer.Add("machine").SetText(machine->Name());
-  request.answer.Add("description").SetText(shown.GetProfile().description);
-  request.answer.Add("boots").SetNumber(shown.GetFirmware().BootCount());
-  request.answer.Add("off").SetFlag(shown.GetFirmware().IsOff());
-  const std::u8string file = machine->File().u8string();
-  Node& kept = request.answer.Add("keptIn");
-  if (!file.empty()) kept.SetText(std::string(file.begin(), file.end()));
-}
-
-void ForgetMachine(Request& request) {
-  bool force = false;
-  request.Read([&](Fields& fields) { fields("force", force); });
-  const MachinePtr machine = request.Machine();
-  LeaveMachine(request, machine, force);
-  request.answer.Add("machine").SetText(machine->Name());
-  ProcessMachine::Get().Forget();
-}
-
-void RebootMachine(Request& request) {
-  bool loses_power = false;
-  request.Read([&](Fields& fields) { fields("powerLoss", loses_power); });
-  Machine& machine = request.Machine()->GetMachine();
-  if (loses_power) {
-    machine.LosePower();
-  } else {
-    machine.Reboot();
-  }
-  request.answer.Add("boots").SetNumber(machine.GetFirmware().BootCount());
-}
-
-void PutFault(Node& node, SharedFault fault) {
-  Fields fields(Fields::Pass::kSave, node);
-  fields.Whole([&] { Describe(fields, fault); });
-}
-
-void AddFault(Request& request) {
-  SharedFault wanted;
-  const Node operation = request.Take("operation");
-  if (operation.GetKind() != Node::Kind::kText) {
-    throw WrongArgument("operation", "'operation' is missing.");
-  }
-  wanted.fault.operation = Faults::NameOf(operation.Text());
-  try {
-    request.Parse([&](Fields& fields) { Describe(fields, wanted); });
-    if (!Faults::DoesSomething(wanted.fault)) throw StateError("it does nothing");
-  } catch (const StateError& error) {
-    throw ChoiceError(MIRA_SIM_INVALID_VALUE, "bad-fault",
-                      "The fault cannot be: " + std::string(error.what()) + ".",
-                      wanted.fault.operation);
-  }
-  PutFault(request.answer.Add("fault"), request.Machine()->AddFault(wanted.fault));
-}
-
-std::optional<std::uint32_t> FaultNumber(Request& request) {
-  std::optional<std::uint32_t> number;
-  request.Read([&](Fields& fields) { fields("number", number); });
-  return number;
-}
-
-void ListFaults(Request& request) {
-  const auto number = FaultNumber(request);
-  Node& list = request.answer.Add("faults");
-  list.Become(Node::Kind::kList);
-  for (const SharedFault& fault : request.Machine()->ListFaults()) {
-    if (!number || *number == fault.number) PutFault(list.AddItem(), fault);
-  }
-}
-
-void ClearFaults(Request& request) {
-  const auto number = FaultNumber(request);
-  const std::size_t cleared = request.Machine()->ClearFaults(number);
-  if (number && cleared == 0) {
-    throw ChoiceError(MIRA_SIM_NOT_FOUND, "no-such-fault",
-                      "There is no fault with the number " + std::to_string(*number) + ".",
-                      "number");
-  }
-  request.answer.Add("cleared").SetNumber(static_cast<std::int64_t>(cleared));
-}
-
-void ReadJournal(Request& request) {
-  std::optional<std::uint32_t> cls;
-  std::optional<std::uint32_t> select;
-  std::optional<std::string> operation;
-  bool clears = false;
-  request.Read([&](Fields& fields) {
-    fields("class", cls)("select", select)("operation", operation)("clear", clears);
-  });
-  const auto is_number = [](const Node& entry, const char* name, const auto& wanted) {
-    const Node* const found = entry.Find(name);
-    return !wanted || (found != nullptr && found->Number() == *wanted);
-  };
-  const auto is_wanted = [&](const Node& entry) {
-    const Node* const found = entry.Find("operation");
-    return is_number(entry, "class", cls) && is_number(entry, "select", select) &&
-           (!operation || (found != nullptr && found->Text() == *operation));
-  };
-  const MachinePtr machine = request.Machine();
-  std::vector<Node> entries = machine->Journal();
-  std::erase_if(entries, [&](const Node& entry) { return !is_wanted(entry); });
-  request.answer.Add("count").SetNumber(static_cast<std::int64_t>(entries.size()));
-  Node& list = request.answer.Add("entries");
-  list.Become(Node::Kind::kList);
-  list.Items() = std::move(entries);
-  if (clears) machine->ClearJournal();
-}
-
-void ClearJournal(Request& request) {
-  request.Read([](Fields&) {});
-  request.Machine()->ClearJournal();
-}
-
-void ShowLive(Request& request) {
-  request.Read([](Fields&) {});
-  PutUse(request.answer, request.Machine()->GetMachine());
-}
-
-void ListOperations(Request& request) {
-  request.Read([](Fields&) {});
-  Node& list = request.answer.Add("operations");
-  list.Become(Node::Kind::kList);
-  for (const auto& [name, calls] : request.Machine()->GetMachine().GetFaults().AllCalls()) {
-    Node& operation = list.AddItem();
-    operation.Become(Node::Kind::kObject);
-    operation.Add("operation").SetText(name);
-    operation.Add("calls").SetNumber(calls);
-  }
-}
-
-struct Command {
-  std::string_view name;
-  void (*run)(Request& request);
-};
-
-constexpr Command kCommands[] = {
-    {"fault.add", AddFault},           {"fault.clear", ClearFaults},
-    {"fault.list", ListFaults},        {"journal.clear", ClearJournal},
-    {"journal.read", ReadJournal},     {"live", ShowLive},
-    {"machine.choose", ChooseMachine}, {"machine.forget", ForgetMachine},
-    {"machine.reboot", RebootMachine}, {"machine.show", ShowMachine},
-    {"operations", ListOperations},
-};
-
-const Command& FindCommand(const Node& name) {
-  const auto* const found =
-      std::find_if(std::begin(kCommands), std::end(kCommands),
-                   [&name](const Command& command) { return command.name == name.Text(); });
-  if (found != std::end(kCommands)) return *found;
   std::string known;
-  for (const Command& command : kCommands) {
+  for (const ControlCommand& command : ControlCommands()) {
     known += (known.empty() ? "" : ", ") + std::string(command.name);
   }
   throw ChoiceError(MIRA_SIM_USAGE, "unknown-command", "'command' is one of: " + known + ".",
@@ -281,7 +32,7 @@ std::string Serve(std::string_view text, ControlHost& host) {
     throw BadRequest(error.what());
   }
   if (root.GetKind() != Node::Kind::kObject) throw BadRequest("it is no JSON object");
-  Request request(std::move(root), host);
+  ControlRequest request(std::move(root), host);
   FindCommand(request.Take("command")).run(request);
   return WriteJson(request.answer).str();
 }

@@ -3,9 +3,7 @@
 
 // The requests of mira_sim_control(), for the DLLs that have it.
 //
-//   const auto live = [](ControlHost& process) {
-//     return Control(R"({"command": "live"})", process);
-//   };
+//   const auto live = [](ControlHost& dll) { return Control(R"({"command": "live"})", dll); };
 
 #include <cstdint>
 #include <functional>

@@ -3,6 +3,7 @@
 
 // What a host has done about COM by itself, which is the system's and no simulated one.
 //
+//   Machine machine;
 //   if (const auto kind = HostApartment()) machine.HostEnters(*kind);
 
 #include <optional>

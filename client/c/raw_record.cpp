@@ -35,9 +35,7 @@ std::uint32_t ObtainKeyWord(Session& session, const mira_record& record, GivenSe
   if (record.key_arg == 0 && !secret.IsGiven("")) return 0;
   const Key key = ObtainKey(session, secret, secret.IsClass10(), Check::kNo);
   if (key.text.empty()) return 0;
-  const std::uint32_t word = session.Ready().ValidatePwd(key.text.str(), key.type);
-  if (word == CPwdContext::kNoKey) throw KeyError();
-  return word;
+  return SecurityKeyOf(session, key);
 }
 
 transport::RecordPtr MakeRecord(const mira_record& record, std::span<const std::uint8_t> data,

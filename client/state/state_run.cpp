@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "client/tag.h"
+
 namespace mira::client {
 namespace {
 
@@ -46,6 +48,11 @@ bool StateRun::HasWrites() const {
 void StateRun::Prepare() {
   for (StateEntry& entry : plan_.entries) {
     for (Change& change : entry.step.changes) {
+      // A state is reached where the machine has as much of a text as it can hold.
+      if (change.problem && change.problem->name == kAlreadyCut) {
+        change.problem.reset();
+        change.kept = change.before;
+      }
       if (change.problem && !entry.is_locked) {
         change.outcome = Outcome::kFailed;
       } else if (change.outcome == Outcome::kPlanned && !change.secret) {

