@@ -90,7 +90,7 @@ def main():
 
 
 # Schemas of what is no command's document.
-OTHERS = {"common", "profile"}
+OTHERS = {"common", "profile", "state"}
 
 if __name__ == "__main__":
     sys.exit(main())
