@@ -145,7 +145,10 @@ function(mira_host_test name machine)
 endfunction()
 foreach(name example_host sta_host)
   mira_host_test(${name} laptop)
-  mira_host_test(${name} lapdog PASS_REGULAR_EXPRESSION "There is no simulated machine called 'lapdog'")
+  # Without Windows, a host's own COM comes from the machine, too.
+  if(WIN32 OR NOT name STREQUAL sta_host)
+    mira_host_test(${name} lapdog PASS_REGULAR_EXPRESSION "There is no simulated machine called 'lapdog'")
+  endif()
   if(TARGET miraintf_sim)
     add_custom_command(TARGET ${name} POST_BUILD
       COMMAND ${CMAKE_COMMAND} -E copy $<TARGET_FILE:${name}> ${CMAKE_BINARY_DIR}/bin/sim/ VERBATIM)
