@@ -118,16 +118,27 @@ if(NOT MSVC)
   endforeach()
 endif()
 
-foreach(test mira_unit_tests mira_api_tests mira_c_tests mira_sim_tests configuration_test)
-  add_test(NAME ${test}
-    COMMAND ${test} --gtest_output=json:results/${test}.json
-    WORKING_DIRECTORY ${CMAKE_BINARY_DIR})
+# Each runs in a folder of its own, so that several can run at a time; the results of all lie in one.
+file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/results)
+function(mira_test_run name target)
+  set(folder ${CMAKE_BINARY_DIR}/run/${name})
+  file(MAKE_DIRECTORY ${folder})
+  add_test(NAME ${name} COMMAND ${target} --gtest_output=json:../../results/${name}.json
+    WORKING_DIRECTORY ${folder})
+  set_tests_properties(${name} PROPERTIES ENVIRONMENT "MIRA_RESULTS=../../results;${ARGN}")
+endfunction()
+foreach(test mira_unit_tests mira_c_tests mira_sim_tests configuration_test)
+  mira_test_run(${test} ${test})
+endforeach()
+# The longest first, and in two halves.
+foreach(half 0 1)
+  mira_test_run(mira_api_tests_${half} mira_api_tests GTEST_TOTAL_SHARDS=2 GTEST_SHARD_INDEX=${half})
+  set_tests_properties(mira_api_tests_${half} PROPERTIES FIXTURES_SETUP documents COST 1000)
 endforeach()
 # The API tests write the documents of all commands; their schemas are checked here.
 add_test(NAME schemas
   COMMAND Python3::Interpreter ${CMAKE_SOURCE_DIR}/tools/check_schemas.py results/documents.jsonl
   WORKING_DIRECTORY ${CMAKE_BINARY_DIR})
-set_tests_properties(mira_api_tests PROPERTIES FIXTURES_SETUP documents)
 set_tests_properties(schemas PROPERTIES FIXTURES_REQUIRED documents)
 # The examples of hosts run as they are: on the simulator's build, which reaches a machine once MIRA_SIM names
 # one, and where there is a DLL of the product, on that.
