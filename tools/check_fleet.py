@@ -53,7 +53,7 @@ COMMON_STATE = {
 }
 
 # Kinds of machines in turn: the profile, what its variables add, and the failure that is expected.
-PLAIN = ["laptop", "desktop", "workstation", "pending-attributes", "unannounced-fix", "scan-codes"]
+PLAIN = ["laptop", "desktop", "workstation", "pending-attributes", "unannounced-fix"]
 SPECIAL = {
     2: {"machine": "locked", "named_secrets": {"password": "bios_password"}},
     5: {"machine": "locked", "named_secrets": {"password": "wrong_password"},
@@ -193,7 +193,8 @@ def check_run(fleet, what, run, changes):
             fleet.check(False, f"{what}: {name} did not answer")
             continue
         message = line["result"].get("msg", "")
-        expected = host.get("fails")
+        # A fault of a write does not show where nothing is written.
+        expected = None if host.get("fault") and what == "check mode" else host.get("fails")
         if expected:
             is_told = line["outcome"] == "failed" and name in message and expected in message
             fleet.check(is_told, f"{what}: {name} ({host['machine']}) should fail at {expected}: {message}")
@@ -207,7 +208,7 @@ def check_run(fleet, what, run, changes):
 
 def check_states(fleet):
     planned, _ = fleet.states("--check", "--diff")
-    check_run(fleet, "check mode", planned, lambda host: None if host.get("fault") else True)
+    check_run(fleet, "check mode", planned, lambda host: True)
     first, _ = fleet.states("-vvv")
     check_run(fleet, "first run", first, lambda host: True)
     for name, line in first.items():
@@ -294,7 +295,8 @@ def main():
         fleet.server.stop()
     if fleet.failures:
         sys.exit(1)
-    print(f"fleet: {options.machines} machines are in their states, and a third run changes none")
+    if not options.measure:
+        print(f"fleet: {options.machines} machines are in their states, and a third run changes none")
 
 
 if __name__ == "__main__":
