@@ -56,6 +56,8 @@ Json ValueOf(Context& context, const Bound& bound) {
     case client::Type::kTexts:
       return bound.texts;
     case client::Type::kContent: {
+      const auto& words = bound.argument->choices;
+      if (std::find(words.begin(), words.end(), bound.text) != words.end()) return bound.text;
       const std::vector<std::uint8_t> content = LoadFileOrInput(context, bound.text);
       return std::string(content.begin(), content.end());
     }
