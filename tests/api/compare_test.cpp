@@ -179,5 +179,64 @@ TEST(StateFrom, GivesWhatTheMachineIsAndNobodyElse) {
   EXPECT_EQ(same.status, 0) << same.out;
 }
 
+// The machine of a snapshot as a simulated one: what was read of one is read of the other.
+TEST(ProfileFromSnapshot, MakesAMachineLikeTheOneThatWasKept) {
+  for (const std::string machine : {"--sim", "--sim=workstation", "--sim=pending-attributes"}) {
+    const TemporaryFile kept(Taken(machine));
+    const std::string file = kept.path() + ".json";
+    ASSERT_EQ(
+        Mira({"sim", "profile", "from-snapshot", kept.path(), file, "--keep-identity"}).status, 0);
+    const TemporaryFile again(Taken("--sim=" + file));
+    EXPECT_EQ(Paths(Differences(Json::parse(kept.Content()), Json::parse(again.Content()))),
+              Words())
+        << machine;
+    ASSERT_EQ(Mira({"sim", "profile", "from-snapshot", kept.path(), file}).status, 0);
+    const TemporaryFile other(Taken("--sim=" + file));
+    std::filesystem::remove(file);
+    const auto differences =
+        Differences(Json::parse(kept.Content()), Json::parse(other.Content()), {"--all"});
+    EXPECT_TRUE(differences.contains("inventory.system.serialNumber")) << machine;
+    EXPECT_TRUE(differences.contains("inventory.system.uuid")) << machine;
+    EXPECT_TRUE(differences.contains("tags.service.value")) << machine;
+    const Json inventory = Json::parse(other.Content()).at("subjects").at("inventory").at("value");
+    EXPECT_EQ(inventory["system"]["serialNumber"],
+              Json::parse(other.Content())["subjects"]["tags"]["value"]["tags"][1]["value"])
+        << "equal ones stay equal";
+  }
+}
+
+TEST(ProfileFromSnapshot, TakesTheTablesOfRealMachines) {
+  const char* const folder = std::getenv("MIRA_TEST_DATA");
+  if (folder == nullptr) GTEST_SKIP() << "MIRA_TEST_DATA is not set";
+  Json snapshot = Json::parse(Taken("--sim"));
+  std::size_t count = 0;
+  for (const auto& entry :
+       std::filesystem::recursive_directory_iterator(std::filesystem::path(folder) / "smbios")) {
+    if (!entry.is_regular_file()) continue;
+    SCOPED_TRACE(entry.path().string());
+    const ProgramResult table =
+        Mira({"smbios", "--file", entry.path().string(), "--form", "rsmb", "--json"});
+    const ProgramResult inventory = Mira({"inventory", "--file", entry.path().string(), "--json"});
+    if (table.status != 0 || inventory.status != 0) continue;
+    ++count;
+    ValueOf(snapshot, "table")["table"] = Json::parse(table.out).at("table");
+    ValueOf(snapshot, "inventory") = Json::parse(inventory.out);
+    const TemporaryFile kept(snapshot.dump());
+    const ProgramResult made = Mira({"sim", "profile", "from-snapshot", kept.path()});
+    EXPECT_EQ(made.status, 0) << made.err;
+    const Json system = Json::parse(inventory.out).value("system", Json::object());
+    for (const char* const key : {"serialNumber", "uuid"}) {
+      const std::string text = system.value(key, "");
+      const bool is_told = text.size() > 6 && made.out.find(text) != std::string::npos;
+      EXPECT_FALSE(is_told) << text;
+    }
+    const ProgramResult redacted = Mira({"snapshot", "--redact", "--from", kept.path()});
+    const TemporaryFile shown(redacted.out);
+    EXPECT_EQ(Mira({"smbios", "--from", shown.path(), "--attributes"}).status, 0);
+    EXPECT_EQ(Mira({"inventory", "--from", shown.path()}).status, 0);
+  }
+  EXPECT_GT(count, 0U);
+}
+
 }  // namespace
 }  // namespace mira

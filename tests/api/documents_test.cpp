@@ -132,6 +132,8 @@ const std::vector<Row>& Rows() {
       {"sim.save", {"sim save saved.tmp", "sim save saved.tmp --what-if"}},
       {"sim.load", {"sim load saved.tmp --yes", "sim load none.tmp --what-if"}},
       {"sim.diff", {"sim diff saved.tmp", "sim diff none.tmp", "sim diff saved.tmp --check"}},
+      {"sim.profile.from-snapshot",
+       {"sim profile from-snapshot machine.snapshot", "sim profile from-snapshot none.tmp"}},
       {"sim.profile.list", {"sim profile list"}},
       {"sim.profile.show", {"sim profile show", "sim profile show nothing"}},
       {"sim.profile.check", {"sim profile check machine.tmp", "sim profile check none.tmp"}},
