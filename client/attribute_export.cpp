@@ -1,5 +1,4 @@
 #include "client/attribute_file.h"
-#include "client/inventory.h"
 #include "client/smbios.h"
 
 namespace mira::client {
@@ -21,12 +20,14 @@ Json UnreadAttributes::Finish(Json document, bool is_any_read) const {
 }
 
 Json MachineJson(Session& session) {
-  Inventory inventory;
   try {
-    inventory = ReadInventory(ReadTable(session));
+    return MachineJson(ReadInventory(ReadTable(session)));
   } catch (const Error&) {
-    // Then it does not state anything.
+    return Json::object();
   }
+}
+
+Json MachineJson(const Inventory& inventory) {
   Json json = Json::object();
   const auto add = [&json](const char* name, const OptionalText& text) {
     if (text) json[name] = TextJson(*text);

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "client/attribute_plan.h"
+#include "client/inventory.h"
 
 namespace mira::client {
 
@@ -25,6 +26,7 @@ class UnreadAttributes {
 
 // {"manufacturer", "product", "serialNumber", "biosVersion"}: of this machine what it states.
 Json MachineJson(Session& session);
+Json MachineJson(const Inventory& inventory);
 
 // {"createdAt", "machine", "attributes"}, without passwords: no value of theirs is ever shown.
 Json ExportAttributes(Session& session);

@@ -86,7 +86,9 @@ BootLists KeptBootLists(const Snapshot& kept, const std::string& kind) {
 
 BootOptions KeptBootOptions(const Snapshot& kept, const BootList& list) {
   for (const Json& json : kept.Value(kBootSubject).at("lists")) {
-    if (json.at("list") != list.number) continue;
+    // A firmware may give two lists one number.
+    const BootList kept_list = BootListFromJson(json);
+    if (kept_list.number != list.number || kept_list.name != list.name) continue;
     if (json.contains("error")) throw ErrorFromJson(json["error"]);
     return BootOptionsFromJson(json);
   }

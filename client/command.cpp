@@ -74,7 +74,7 @@ Json CheckValue(const Argument& argument, const Json& value) {
       if (text.is_null()) {
         throw BadArgument(argument, std::string("'") + argument.name + "' takes a text.");
       }
-      CheckChoice(argument, text.get_ref<const std::string&>());
+      if (argument.type == Type::kText) CheckChoice(argument, text.get_ref<const std::string&>());
       return text;
     }
     case Type::kValue:

@@ -39,6 +39,7 @@ struct Argument {
   const char* help = "";
   bool required = false;
   bool positional = false;  // on a command line; others are options
+  // Of a content, the words that are no file's name.
   std::vector<std::string> choices = {};
   std::uint64_t min = 0;
   std::uint64_t max = std::numeric_limits<std::uint32_t>::max();

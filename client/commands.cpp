@@ -6,9 +6,14 @@
 namespace mira::client {
 namespace {
 
-// What is asked of the firmware, and not read from it, no snapshot can answer.
+// What is asked of the firmware, and not read from it, no snapshot can answer; and some commands
+// take snapshots anyway.
 void TakeSnapshots(Command& command) {
   if (command.effect != Effect::kReads || !command.secrets.empty()) return;
+  const bool takes_files =
+      std::any_of(command.arguments.begin(), command.arguments.end(),
+                  [](const Argument& a) { return a.type == Type::kContent && a.required; });
+  if (takes_files) return;
   command.arguments.push_back(kSnapshotArgument);
   command.works_offline = true;
 }

@@ -57,6 +57,8 @@ Json ValueOf(Context& context, const Bound& bound) {
     case client::Type::kTexts:
       return bound.texts;
     case client::Type::kContent: {
+      const auto& words = bound.argument->choices;
+      if (std::find(words.begin(), words.end(), bound.text) != words.end()) return bound.text;
       std::vector<std::uint8_t> content = LoadFileOrInput(context, bound.text);
       Json text = std::string(content.begin(), content.end());
       // It may hold secrets beside what it is.

@@ -85,6 +85,7 @@ std::vector<std::uint8_t> Snapshot::Table() const {
 
 const Json& Snapshot::Field(const char* subject, const char* field) const {
   const Json& value = Value(subject);
+  if (!value.is_object()) throw MalformedSnapshot("A subject's value is not an object.");
   const auto found = value.find(field);
   if (found != value.end() && found->is_array()) return *found;
   const auto problems = value.find("problems");

@@ -120,6 +120,13 @@ void RenderProfile(const Json& document, std::ostream& out) {
   WriteJson(out, document.at("profile"));
 }
 
+void RenderDescribed(const Json& document, std::ostream& out) {
+  const bool is_dry = document.at("whatIf").get<bool>();
+  out << (is_dry ? "Would describe" : "Described") << " the machine, with "
+      << document.at("exported") << " attributes, in "
+      << Escaped(client::Readable(document.at("file"))) << ".\n";
+}
+
 void RenderChecked(const Json& document, std::ostream& out) {
   out << "'" << Escaped(client::Readable(document.at("file"))) << "' describes '"
       << Escaped(client::Readable(document.at("name")))
@@ -166,6 +173,12 @@ std::vector<Face> SimControlFaces() {
        "  mira sim profile show kiosk.json",
        RenderProfile},
       {"sim.profile.check", "  mira sim profile check kiosk.json", RenderChecked},
+      {.command = "sim.profile.from-snapshot",
+       .examples = "  mira sim profile from-snapshot pc.snapshot twin.json\n"
+                   "  mira sim profile from-snapshot pc.snapshot --keep-identity --value name",
+       .render = RenderDescribed,
+       .saves = "attributes",
+       .is_private = true},
   };
 }
 

@@ -121,11 +121,16 @@ const std::vector<Row>& Rows() {
         "battery set --mode express --what-if", "battery set --start 90 --yes",
         "battery set --day weekdays=08:00-17:30 --yes"}},
       {"snapshot",
-       {"snapshot", "snapshot saved.tmp", "snapshot --from machine.snapshot",
+       {"snapshot", "snapshot saved.tmp", "snapshot --from machine.snapshot", "snapshot --redact",
         "snapshot --from none.tmp"}},
       {"report",
        {"report", "report --html saved.tmp", "report --from machine.snapshot",
         "report --html saved.tmp --from none.tmp"}},
+      {"compare",
+       {"compare machine.snapshot live", "compare live live --all", "compare none.tmp live",
+        "compare machine.snapshot live --check --only attributes",
+        "compare wanted.tmp machine.snapshot"}},
+      {"state.from", {"state from machine.snapshot", "state from none.tmp"}},
       {"sim.show", {"sim show"}},
       {"sim.reboot", {"sim reboot --yes", "sim reboot --what-if", "sim reboot"}},
       {"sim.reset", {"sim reset --yes", "sim reset --what-if"}},
@@ -138,6 +143,8 @@ const std::vector<Row>& Rows() {
       {"sim.save", {"sim save saved.tmp", "sim save saved.tmp --what-if"}},
       {"sim.load", {"sim load saved.tmp --yes", "sim load none.tmp --what-if"}},
       {"sim.diff", {"sim diff saved.tmp", "sim diff none.tmp", "sim diff saved.tmp --check"}},
+      {"sim.profile.from-snapshot",
+       {"sim profile from-snapshot machine.snapshot", "sim profile from-snapshot none.tmp"}},
       {"sim.profile.list", {"sim profile list"}},
       {"sim.profile.show", {"sim profile show", "sim profile show nothing"}},
       {"sim.profile.check", {"sim profile check machine.tmp", "sim profile check none.tmp"}},
@@ -174,6 +181,8 @@ class Files {
     // Attributes, the paths' length, a description, PciRoot(0x0), the path's end.
     Write("option.tmp", "01000000 1000 4400690073006b000000 02010c00d041030a00000000 7fff0400");
     Write("machine.snapshot", Mira({"--sim=workstation", "snapshot"}).out);
+    Write("wanted.tmp", R"({"kind": "state", "attributes": {"FanFloor": 30, "Usb*": "Enabled"},
+                            "tags": {"asset": "N-1"}, "boot": {"UEFI Boot": {"first": ["X"]}}})");
     names_.emplace_back("saved.tmp");
   }
   ~Files() {

@@ -85,6 +85,8 @@ class Place {
     Mira({"--sim", "attr", "export", "pc.json"});
     Mira({"--sim", "sim", "save", "before.state"});
     Mira({"--sim", "snapshot", "pc.snapshot"});
+    Mira({"--sim=desktop", "snapshot", "other.snapshot"});
+    Mira({"state", "from", "pc.snapshot", "wanted.state"});
     Write("battery.json", Mira({"--sim", "battery", "show", "--json"}).out);
     Write("option.hex", kOption);
     Write("Boot0001.bin", kOption);

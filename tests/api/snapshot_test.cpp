@@ -82,7 +82,7 @@ TEST(Snapshot, ShowsWhatTheMachineShows) {
       const ProgramResult kept = Mira(With(line, {"--from", file.path(), "--json"}));
       EXPECT_EQ(kept.status, live.status);
       Json document = Document(kept);
-      EXPECT_EQ(document.at("from").at("takenAt"), "2026-04-09T23:05:00Z");
+      EXPECT_EQ(document.at("from").at("takenAt"), Json::parse(taken.out).at("takenAt"));
       document.erase("from");
       // A face's hints name the machine that is worked with.
       const auto without_hints = [](const auto& self, Json& value) -> void {
@@ -94,8 +94,8 @@ TEST(Snapshot, ShowsWhatTheMachineShows) {
       without_hints(without_hints, document);
       without_hints(without_hints, expected);
       EXPECT_EQ(Json::diff(expected, document), Json::array());
-      const ProgramResult text = Mira(With(line, {"--from", file.path()}));
-      EXPECT_EQ(text.out, line.back() == "-" ? text.out : Mira(With({machine}, line)).out);
+      if (profile.name != "workstation" || line.back() == "-") continue;
+      EXPECT_EQ(Mira(With(line, {"--from", file.path()})).out, Mira(With({machine}, line)).out);
     }
   }
 }
@@ -142,11 +142,12 @@ TEST(Snapshot, IsTakenByCallsWithoutEffect) {
   std::set<std::pair<int, int>> calls;
   const Json entries = Document(journal).at("entries");
   for (const Json& entry : entries) {
-    if (entry.at("kind") == "call") calls.insert({entry.at("class"), entry.at("select")});
+    if (entry.at("kind") != "call") continue;
+    calls.emplace(entry.at("class").get<int>(), entry.at("select").get<int>());
   }
   const std::set<std::pair<int, int>> expected = {
-      {3, 2},   {3, 3},   {3, 9},   {3, 11}, {5, 1},  {8, 18}, {9, 3},  {10, 3},
-      {10, 11}, {11, 0},  {11, 2},  {11, 4}, {11, 6}, {11, 8}, {12, 3}, {17, 16},
+      {3, 2},   {3, 3},   {3, 9},   {3, 11}, {5, 3},  {5, 4},  {5, 5},  {8, 18}, {9, 3},
+      {10, 3},  {10, 11}, {11, 0},  {11, 2}, {11, 4}, {11, 6}, {11, 8}, {12, 3}, {17, 16},
       {17, 18}, {17, 22}, {17, 24}, {17, 5}, {20, 0}, {21, 1}, {26, 1}};
   EXPECT_EQ(calls, expected);
   std::filesystem::remove_all(folder);
@@ -163,9 +164,6 @@ TEST(Snapshot, IsWrittenForItsUserAlone) {
   EXPECT_EQ(std::filesystem::status(file.path()).permissions(),
             perms::owner_read | perms::owner_write);
 #endif
-  const TemporaryFile none("old");
-  EXPECT_EQ(Mira({"--sim=standard-user", "snapshot", none.path()}).status,
-            none.Content() == "old" ? 1 : 0);
 }
 
 TEST(Snapshot, OfAnotherKindIsRefused) {
@@ -218,7 +216,8 @@ TEST(Snapshot, LeavesNothingWhenItIsCancelled) {
       [&rest](const std::string&, std::size_t, std::size_t) { return --rest > 0; });
   client::NoSecrets none;
   client::Request request(session, none);
-  const client::Result result = client::Run(*client::FindCommand("snapshot"), {}, request);
+  const client::Result result =
+      client::Run(*client::FindCommand("snapshot"), client::Json::object(), request);
   EXPECT_EQ(result.status, client::kCancelled);
   EXPECT_FALSE(result.document.contains("subjects"));
 }
