@@ -124,7 +124,7 @@ const std::vector<Row>& Rows() {
        {"snapshot", "snapshot saved.tmp", "snapshot --from machine.snapshot", "snapshot --redact",
         "snapshot --from none.tmp"}},
       {"report",
-       {"report", "report --html saved.tmp", "report --from machine.snapshot",
+       {"report", "report --html saved.tmp", "report --from machine.snapshot", "report --redact",
         "report --html saved.tmp --from none.tmp"}},
       {"compare",
        {"compare machine.snapshot live", "compare live live --all", "compare none.tmp live",
