@@ -204,6 +204,8 @@ TEST(CInterface, GivesTheDocumentsThatTheProgramPrints) {
                                      [](const client::Argument& a) { return a.required; });
       const std::string name = command.name;
       if (command.effect != client::Effect::kReads || needs || name == "attr.export") continue;
+      // It tells of a start-up that other requests have made before.
+      if (name == "snapshot") continue;
       Case c{{{"command", name}}, {}};
       std::istringstream words(name);
       for (std::string word; std::getline(words, word, '.');) c.arguments.push_back(word);
