@@ -10,30 +10,17 @@
 #include "buffers/buffer_factory.h"
 #include "bytes/reader.h"
 #include "fuzz/support/discard.h"
+#include "fuzz/support/prompted_commands.h"
 
 namespace {
 
-using Pair = std::pair<std::uint16_t, std::uint16_t>;
-
 constexpr std::uint32_t kTransferSize = 4096;
-
-// Every class and select that has a buffer with prompts.
-std::vector<Pair> PromptedCommands() {
-  std::vector<Pair> pairs;
-  for (std::uint16_t cls = 0; cls < 32; ++cls) {
-    for (std::uint16_t select = 0; select < 32; ++select) {
-      const std::unique_ptr<CBuffer> buffer(CreateBuffer(cls, select, kTransferSize));
-      if (buffer != nullptr && TraitsOf(cls, select).has_prompts) pairs.emplace_back(cls, select);
-    }
-  }
-  return pairs;
-}
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const mira::fuzz::SilentStreams silent;
-  static const std::vector<Pair> kCommands = PromptedCommands();
+  static const auto kCommands = mira::fuzz::PromptedCommands(kTransferSize);
   auto in = mira::bytes::Reader::Lenient({data, size});
   const auto [cls, select] = kCommands[in.U16() % kCommands.size()];
   const std::unique_ptr<CBuffer> buffer(CreateBuffer(cls, select, kTransferSize));

@@ -16,6 +16,7 @@
 #include "buffers/received_data.h"
 #include "buffers/tag_data.h"
 #include "facade/mira_intf.h"
+#include "fuzz/support/rows.h"
 #include "sim/machine.h"
 
 namespace {
@@ -37,38 +38,34 @@ std::unique_ptr<IBIOSData> MakePeakShift() {
   return request;
 }
 
-struct Command {
-  std::uint16_t cls;
-  std::uint16_t select;
-  std::unique_ptr<IBIOSData> (*make)();
-};
-constexpr Command kCommands[] = {
-    {0, 0, Make<CSimpleTokenData>},
-    {10, 11, MakeDrive},
-    {10, 28, MakeDrive},
-    {10, 13, MakeDrive},
-    {10, 14, MakeDrive},
-    {11, 0, Make<CTagData>},
-    {11, 6, Make<CMACAddr>},
-    {11, 8, Make<CTagData>},
-    {20, 0, Make<CTagData>},
-    {21, 1, Make<CEPPID>},
-    {26, 1, Make<CThinClientInfo>},
-    {8, 18, Make<ADV_BATT_CONFIG>},
-    {8, 18, MakePeakShift},
-    {17, 5, Make<CExtBatteryLife>},
-    {17, 16, Make<CFirmwareMessages>},
-    {17, 18, Make<CTabletScanCodes>},
-    {17, 22, Make<CThermalSensors>},
-    {17, 24, Make<CLogEntries>},
-};
+// In the order of kReplyCommands.
+constexpr std::unique_ptr<IBIOSData> (*kMakers[])() = {Make<CSimpleTokenData>,
+                                                       MakeDrive,
+                                                       MakeDrive,
+                                                       MakeDrive,
+                                                       MakeDrive,
+                                                       Make<CTagData>,
+                                                       Make<CMACAddr>,
+                                                       Make<CTagData>,
+                                                       Make<CTagData>,
+                                                       Make<CEPPID>,
+                                                       Make<CThinClientInfo>,
+                                                       Make<ADV_BATT_CONFIG>,
+                                                       MakePeakShift,
+                                                       Make<CExtBatteryLife>,
+                                                       Make<CFirmwareMessages>,
+                                                       Make<CTabletScanCodes>,
+                                                       Make<CThermalSensors>,
+                                                       Make<CLogEntries>};
+static_assert(std::size(kMakers) == std::size(mira::fuzz::kReplyCommands));
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   std::cout.setstate(std::ios::failbit);  // diagnostics of types are not looked at
   if (size < 1) return 0;
-  const Command& command = kCommands[data[0] % std::size(kCommands)];
+  const std::size_t row = data[0] % std::size(kMakers);
+  const auto [cls, select] = mira::fuzz::kReplyCommands[row];
   const std::vector<std::uint8_t> bytes(data + 1, data + size);
 
   mira::sim::Machine machine;
@@ -85,8 +82,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   mira.GetAttributeValue(attribute);
   mira.GetAttributeValueAtBoot(attribute);
   mira.SetAttributeValue(attribute, "", PwdInfo::PWD_NONE, 1);
-  const std::unique_ptr<IBIOSData> request = command.make();
-  mira.ExecuteDACI(command.cls, command.select, *request, "", PwdInfo::PWD_NONE);
+  const std::unique_ptr<IBIOSData> request = kMakers[row]();
+  mira.ExecuteDACI(cls, select, *request, "", PwdInfo::PWD_NONE);
   PwdInfo info;
   mira.GetPwdInfo(info);
   mira.ValidatePwd("secret", PwdInfo::PWD_CLASS10);

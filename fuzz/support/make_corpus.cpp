@@ -9,15 +9,18 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "bytes/writer.h"
 #include "client/json.h"
 #include "client/smbios_file.h"
 #include "fuzz/support/discard.h"
+#include "fuzz/support/prompted_commands.h"
 #include "fuzz/support/rows.h"
 #include "fuzz/support/session.h"
 #include "sim/machine.h"
@@ -127,13 +130,18 @@ void AddFiles(Corpus& corpus, mira::sim::Machine& machine) {
   corpus.Add("smbios_table", profile.name, Bytes(table.begin() + kFirmwareHeader, table.end()));
 }
 
+using Replies = std::map<std::pair<std::uint16_t, std::uint16_t>, Bytes>;
+
 // Every reply as it comes, written down in the form that the target reads.
-void AddSessions(Corpus& corpus, const mira::sim::Profile& profile) {
+void AddSessions(Corpus& corpus, const mira::sim::Profile& profile, Replies& replies) {
   for (std::size_t row = 0; row < std::size(mira::fuzz::kSessionRows); ++row) {
     mira::sim::Machine machine(profile);
     Bytes input{static_cast<std::uint8_t>(row)};
     machine.GetFaults().Add({.operation = "firmware", .nth = 0, .corrupt = [&](auto& reply) {
                                const auto heard = mira::bytes::Slice(reply, 0, 512);
+                               auto in = mira::bytes::Reader::Lenient(reply);
+                               const std::uint16_t cls = in.U16();
+                               replies[{cls, in.U16()}] = Bytes(heard.begin(), heard.end());
                                input.push_back(1);
                                AppendWord(input, heard.size());
                                Append(input, heard);
@@ -143,6 +151,33 @@ void AddSessions(Corpus& corpus, const mira::sim::Profile& profile) {
     mira::fuzz::RunCommand(command.command, mira::client::Json::parse(command.arguments), "secret");
     if (input.size() > 16384) input.resize(16384);
     corpus.Add("session", profile.name + "_" + std::to_string(row), input);
+  }
+}
+
+// Each command's own answer, or an empty one where no session asked for it.
+void AddAnswers(Corpus& corpus, const Replies& replies) {
+  constexpr std::size_t kEmptyRecord = 512;
+  const auto answer = [&](std::pair<std::uint16_t, std::uint16_t> command) {
+    const auto found = replies.find(command);
+    return found != replies.end() ? found->second : Bytes(kEmptyRecord);
+  };
+  std::size_t row = 0;
+  std::set<std::uint16_t> classes;
+  for (const auto& command : mira::fuzz::PromptedCommands(4096)) {
+    // Of the commands that nobody asked for, one of each class does.
+    const bool is_first = classes.insert(command.first).second;
+    if (is_first || replies.contains(command)) {
+      Bytes input;
+      AppendWord(input, row);
+      Append(input, answer(command));
+      corpus.Add("buffer_display", std::to_string(row), input);
+    }
+    ++row;
+  }
+  row = 0;
+  for (const auto& command : mira::fuzz::kReplyCommands) {
+    corpus.Add("firmware_reply", std::to_string(row), Behind(row, answer(command)));
+    ++row;
   }
 }
 
@@ -158,6 +193,8 @@ int main(int argc, char** argv) {
     AddPaths(corpus, profile);
     AddFiles(corpus, machine);
   }
-  AddSessions(corpus, mira::sim::Profile());
+  Replies replies;
+  AddSessions(corpus, mira::sim::Profile(), replies);
+  AddAnswers(corpus, replies);
   return 0;
 }

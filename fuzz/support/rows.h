@@ -4,6 +4,9 @@
 // What the targets choose from by a byte of their input. New rows go to the end: the kept inputs
 // count on the numbers of the others.
 
+#include <cstdint>
+#include <utility>
+
 namespace mira::fuzz {
 
 // Commands that read a file.
@@ -62,6 +65,11 @@ inline constexpr SessionRow kSessionRows[] = {
     {"call", R"({"class": 17, "select": 22})"},
     {"call", R"({"class": 3, "select": 11, "arg1": 1})"},
 };
+
+// Commands that are answered anything: class and select.
+inline constexpr std::pair<std::uint16_t, std::uint16_t> kReplyCommands[] = {
+    {0, 0},  {10, 11}, {10, 28}, {10, 13}, {10, 14}, {11, 0},  {11, 6},  {11, 8},  {20, 0},
+    {21, 1}, {26, 1},  {8, 18},  {8, 18},  {17, 5},  {17, 16}, {17, 18}, {17, 22}, {17, 24}};
 
 }  // namespace mira::fuzz
 
