@@ -26,7 +26,13 @@ template <typename List, typename FromJson>
 std::vector<typename List::Entry> Read(Session& session, const ListName& name, FromJson from_json) {
   constexpr std::uint16_t kClass = 17;
   if (const Snapshot* const kept = session.Kept()) {
-    return kept->List(kFirmwareListsSubject, name.field, from_json);
+    try {
+      return kept->List(kFirmwareListsSubject, name.field, from_json);
+    } catch (Error& error) {
+      // Where none could be read, the first one's error stands for all.
+      if (!error.target.empty()) error.target = name.target;
+      throw;
+    }
   }
   List list;
   Execute(session, {kClass, name.select}, list, {.target = name.target});
