@@ -49,8 +49,8 @@ std::string Readable(const Json& value);
 // there twice; `name` names the document in it.
 Json ParseJson(std::string_view text, const std::string& name);
 
-// A JSON document, which may be UTF-16 or have a byte order mark, as plain UTF-8. UTF-16 may lack its
-// mark: JSON begins with an ASCII character, so one of its first two bytes is NUL.
+// A JSON document, which may be UTF-16 or have a byte order mark, as plain UTF-8. UTF-16 may lack
+// its mark: JSON begins with an ASCII character, so one of its first two bytes is NUL.
 std::string PlainUtf8(std::string_view text);
 
 // The document as text, two blanks a level, with a line end.
