@@ -101,8 +101,9 @@ TEST(PublicNames, AreInTheLibrary) {
       &CBuffer::ParseOutputBuffer, &CBuffer::PromptInputBuffer);
   Use(&CreateBuffer, &PLDM::MakeAttribute, &TraitsOf, &ResetProcessState, &StepName,
       &battery::DayText, &battery::PackDay, &battery::TimeText, &battery::UnpackDay,
-      &battery::VersionText, &buffers::InputEnded, &buffers::SetEchoSwitch, &bytes::IsUtf8,
-      &bytes::Latin1OfUtf8, &bytes::Utf16, &bytes::Utf8OfLatin1, &bytes::Wide,
+      &battery::VersionText, &buffers::InputEnded, &buffers::SetEchoSwitch, &bytes::AppendUtf8,
+      &bytes::IsSurrogate, &bytes::IsUtf8, &bytes::Latin1OfUtf8, &bytes::PairOf, &bytes::Utf16,
+      &bytes::Utf8OfLatin1, &bytes::Wide,
       static_cast<std::string (*)(std::u16string_view)>(&bytes::Utf8),
       static_cast<std::string (*)(std::wstring_view)>(&bytes::Utf8), &callif::ToScanCodes,
       &devicepath::DecodeLoadOption, &devicepath::DecodePaths, &devicepath::DevicePathFromText,
