@@ -82,6 +82,7 @@ foreach(folder x86 x64)
   install(FILES ${CMAKE_BINARY_DIR}/pkgconfig/${folder}/miraclient.pc DESTINATION ${folder}/lib/pkgconfig)
 endforeach()
 install(FILES ${MIRA_MANUAL} DESTINATION share/man/man1)
+install(DIRECTORY ${CMAKE_SOURCE_DIR}/integrations DESTINATION . PATTERN tests EXCLUDE PATTERN "__pycache__" EXCLUDE)
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/examples ${CMAKE_SOURCE_DIR}/docs DESTINATION .
   PATTERN Doxyfile EXCLUDE PATTERN speed.md EXCLUDE PATTERN proof.md EXCLUDE PATTERN "__pycache__" EXCLUDE)
 install(FILES ${CMAKE_SOURCE_DIR}/sdk/README.md ${CMAKE_SOURCE_DIR}/sdk/LICENSE ${CMAKE_SOURCE_DIR}/CHANGELOG.md
