@@ -34,10 +34,11 @@ def main():
     profile, *programs = sys.argv[1:]
     objects = [programs[0]] + [word for program in programs[1:] for word in ("-object", program)]
     report = subprocess.run(["llvm-cov", "export", "-summary-only", f"-instr-profile={profile}", *objects],
-                            check=True, capture_output=True, text=True).stdout
+                            check=True, stdout=subprocess.PIPE, text=True).stdout
     files = {}
     for entry in json.loads(report)["data"][0]["files"]:
-        name = entry["filename"].removeprefix(str(ROOT) + "/")
+        # Sources are named from the root on, behind the build folder.
+        name = entry["filename"].removeprefix(str(ROOT) + "/").removeprefix("build/coverage/")
         files[name] = entry["summary"]["lines"]
     failed = False
     for group, places in PARSERS.items():
