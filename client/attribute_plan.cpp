@@ -27,6 +27,17 @@ std::vector<Json> Values(const Attributes& attributes, const Setting& setting,
   return values;
 }
 
+ValueForm FormOf(const AttributeEntry& entry) {
+  switch (PLDM::WritableForm(entry.type)) {
+    case PLDM::BIOSInteger:
+      return ValueForm::kNumber;
+    case PLDM::BIOSString:
+      return ValueForm::kText;
+    default:
+      return ValueForm::kChoice;
+  }
+}
+
 }  // namespace
 
 Json NameOf(Attributes& attributes, const AttributeEntry& entry) {
@@ -79,6 +90,7 @@ Step PlanAttribute(const AttributeWriterPtr& writer, const AttributeWish& wish) 
                             .before = before[i],
                             .after = after[i],
                             .secret = entry.IsPassword(),
+                            .form = i == 0 ? FormOf(entry) : ValueForm::kChoice,
                             .details = NameJson(*wanted)});
     if (at_boot && !entry.IsPassword()) step.changes.back().at_boot = start[i];
     if (i > 0) step.changes.back().details["field"] = modes[i - 1];

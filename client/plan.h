@@ -33,6 +33,13 @@ enum class ChangeOutcome {
 // "planned", "not-tried", "changed", "already-so", "refused", "failed", "unknown", "waiting".
 const char* Name(ChangeOutcome outcome);
 
+// How firmware may keep a value that it takes, where it has a form of its own for it.
+enum class ValueForm {
+  kText,    // in other letters or blanks, or without its end
+  kNumber,  // rounded
+  kChoice,  // in no other: the value is one of those that the firmware names
+};
+
 struct Change {
   std::string target;  // "asset tag"
   Json before;         // values as JSON has them everywhere
@@ -49,6 +56,7 @@ struct Change {
   // The value in force since the machine started, if that is known: while another one is there, a
   // restart is pending.
   std::optional<Json> at_boot = std::nullopt;
+  ValueForm form = ValueForm::kText;
   Json details = Json::object();  // further fields of its document
 };
 

@@ -28,6 +28,13 @@ void CheckStateValue(const AttributeEntry& entry, const Json& value) {
   }
   if (PLDM::WritableForm(entry.type) == PLDM::BIOSInteger) {
     if (value.is_number() || value.is_string()) return;
+    if (value.is_boolean()) {
+      throw Error(kInvalidValue, "quote-it",
+                  entry.Title() + ": '" + value.dump() +
+                      "' is not a number. Quote it: YAML reads words like On and Yes as true or "
+                      "false.",
+                  entry.Title());
+    }
     throw NoSuchType(entry, "'" + value.dump() + "' is not a number.");
   }
   if (!value.is_array()) return RequireText(value, entry.Title());

@@ -50,7 +50,20 @@ Error BadCondition(const std::string& path, const std::string& message) {
   return Error(kInvalidValue, "bad-condition", path + " " + message, path);
 }
 
+// A number may be another one than was typed: 1.10 is read as 1.1, and 010 as 8.
+void RefuseNumber(const Json& wanted, const std::string& path) {
+  if (!wanted.is_number()) return;
+  throw Error(kInvalidValue, "quote-it",
+              path + ": '" + wanted.dump() +
+                  "' is not a text. Quote it: YAML reads 1.10 as 1.1 and 010 as 8.",
+              path);
+}
+
 void CheckCondition(const Json& wanted, const std::string& path) {
+  RefuseNumber(wanted, path);
+  if (wanted.is_array()) {
+    for (const Json& one : wanted) RefuseNumber(one, path);
+  }
   if (IsScalar(wanted)) return;
   if (wanted.is_array() && !wanted.empty() && std::all_of(wanted.begin(), wanted.end(), IsScalar)) {
     return;

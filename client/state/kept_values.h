@@ -12,25 +12,38 @@
 
 namespace mira::client {
 
+// What it tells that an accepted write has left the value as it was.
+enum class Stay {
+  kForm,     // the value is the firmware's form of the wanted one
+  kUntaken,  // the write had no effect
+  kUnclear,  // nobody knows: the new value may still come, at a restart
+};
+
 class KeptValues {
  public:
   explicit KeptValues(Session& session);
 
   // Whether the firmware has made the value of now from the wanted one before.
   bool IsKnown(const Change& change) const;
-  // Whether the value of now, which a write has not moved, is the firmware's form of the wanted
-  // one: known so, shown since the start, or alike but for case, blanks and a cut end.
-  bool IsForm(const Change& change) const;
+  // Of a value that an accepted write has not moved.
+  Stay Judge(const Change& change) const;
 
   // What a write has led to.
   void NoteKept(const Change& change);
   void NoteWaiting(const Change& change);
+  // The value is the wanted one, or a later write has made another of it: no write is awaited any
+  // more.
+  void NoteSettled(const Change& change);
+  // A write of the attribute has shown at once.
+  void NoteShown(const Change& change);
   // Gives what was noted to the session's memory.
   void Save();
 
  private:
+  const Json* FindMachine() const;
   const Json* Find(const Change& change) const;
-  Json& NoteOf(const Change& change);
+  Json& Machine();
+  bool HasShown(const Change& change) const;
 
   Session& session_;
   Json memory_;

@@ -29,6 +29,7 @@ struct StateEntry {
   bool needs_key = true;
   // Read-only now. What it depends on may change.
   bool is_locked = false;
+  bool is_written = false;
   // The plan again, with the tables as they are then; of what can be locked.
   std::function<Step(const AttributeWriterPtr& writer)> replan = nullptr;
 

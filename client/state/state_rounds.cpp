@@ -10,8 +10,25 @@ namespace {
 
 using Outcome = ChangeOutcome;
 
+constexpr char kNote[] = "note";
+
 bool IsTransportError(const Error& error) {
   return error.status == kTransportFailed || error.status == kUnexpected;
+}
+
+// Null where nobody knows, whatever was read before.
+Json ValueAfter(const Change& change) {
+  if (change.outcome == Outcome::kUnknown) return nullptr;
+  if (change.kept) return *change.kept;
+  if (change.outcome == Outcome::kAlreadySo) return change.before;
+  return change.outcome == Outcome::kChanged && !change.secret ? change.after : Json();
+}
+
+std::string WaitingNote(const Change& change) {
+  const std::string now = "'" + Readable(change.before) + "'";
+  const std::string wanted = "'" + Readable(change.after) + "'";
+  return "shows " + now + " now: either the firmware keeps " + now + " for " + wanted +
+         ", or it takes " + wanted + " at a restart";
 }
 
 Json LoggedChanges(const Step& step, bool is_after) {
@@ -22,8 +39,7 @@ Json LoggedChanges(const Step& step, bool is_after) {
       json["before"] = change.before;
       json["wanted"] = change.after;
     } else {
-      const bool is_new = change.outcome == Outcome::kChanged && !change.secret;
-      json["after"] = change.kept.value_or(is_new ? change.after : change.before);
+      json["after"] = ValueAfter(change);
       json["outcome"] = Name(change.outcome);
     }
     list.push_back(std::move(json));
@@ -64,6 +80,7 @@ void StateRun::Write(StateEntry& entry) {
   Plan plan;
   plan.steps.push_back(std::move(entry.step));
   has_written_ = true;
+  entry.is_written = true;
   Apply(GetSession(), plan, key_);
   entry.step = std::move(plan.steps.front());
   if (const Error* const problem = entry.Problem();
@@ -83,17 +100,32 @@ void StateRun::Settle(StateEntry& entry) {
       if (change.outcome == Outcome::kChanged) change.outcome = Outcome::kUnknown;
       continue;
     }
-    if (change.outcome == Outcome::kChanged && change.kept) kept_.NoteKept(change);
+    if (change.outcome == Outcome::kChanged) {
+      if (change.kept) {
+        kept_.NoteKept(change);
+      } else {
+        kept_.NoteSettled(change);
+      }
+      if (change.form == ValueForm::kNumber) kept_.NoteShown(change);
+    }
     const bool is_waiting = change.outcome == Outcome::kUnknown && change.restart_pending;
     const bool is_untaken = change.problem && change.problem->name == "not-taken";
     if (!is_waiting && !is_untaken) continue;
-    if (kept_.IsForm(change)) {
+    const Stay stay = kept_.Judge(change);
+    if (stay == Stay::kForm) {
       change.outcome = Outcome::kAlreadySo;
       change.restart_pending = false;
       change.problem.reset();
       kept_.NoteKept(change);
+    } else if (is_waiting && stay == Stay::kUntaken) {
+      change.outcome = Outcome::kFailed;
+      change.restart_pending = false;
+      change.problem =
+          Error(kRefused, "not-taken", "The firmware accepted the new value and keeps the old one.",
+                change.target);
     } else if (is_waiting) {
       change.outcome = Outcome::kWaiting;
+      change.details[kNote] = WaitingNote(change);
       kept_.NoteWaiting(change);
     }
   }
@@ -218,13 +250,23 @@ void StateRun::ReadAgain(StateEntry& entry) {
   }
   for (std::size_t i = 0; i < entry.step.changes.size() && i < now.size(); ++i) {
     Change& change = entry.step.changes[i];
-    const bool was_left =
-        change.outcome == Outcome::kChanged || change.outcome == Outcome::kAlreadySo;
-    if (change.outcome == Outcome::kWaiting && now[i] == change.after) {
+    const bool was_waiting = change.outcome == Outcome::kWaiting;
+    const bool was_left = (was_waiting && entry.is_written) ||
+                          change.outcome == Outcome::kChanged ||
+                          change.outcome == Outcome::kAlreadySo;
+    if (was_waiting && now[i] == change.after) {
       change.outcome = Outcome::kChanged;
       change.kept.reset();
+      change.restart_pending = false;
+      change.details.erase(kNote);
+      kept_.NoteSettled(change);
+    } else if (was_waiting && !entry.is_written) {
+      change.kept = now[i];
     } else if (was_left && now[i] != change.kept.value_or(change.after)) {
+      if (was_waiting) kept_.NoteSettled(change);
       change.outcome = Outcome::kFailed;
+      change.restart_pending = false;
+      change.details.erase(kNote);
       change.kept = now[i];
       change.problem = Error(kRefused, "undone",
                              change.target + ": A later write made it '" + Readable(now[i]) + "'.",

@@ -58,6 +58,7 @@ void StateRun::Prepare() {
       } else if (change.outcome == Outcome::kPlanned && !change.secret) {
         const bool is_kept = change.before != change.after && kept_.IsKnown(change);
         if (is_kept) change.kept = change.before;
+        if (change.before == change.after) kept_.NoteSettled(change);
         if (is_kept || change.before == change.after) change.outcome = Outcome::kAlreadySo;
       }
     }
@@ -158,6 +159,7 @@ Json StateRun::Run() {
   };
   try {
     Prepare();
+    kept_.Save();
     StopAtProblems();
     ObtainPassword();
   } catch (const Error& error) {

@@ -31,6 +31,7 @@ std::string FateOf(const Json& change) {
   const std::string outcome = change.at("outcome");
   const bool has_other = change.contains("wanted");
   if (outcome == "waiting") {
+    if (change.contains("note")) return " " + Escaped(Readable(change["note"]));
     return " stays " + QuotedValue(change.at("before")) + " until a restart; " +
            QuotedValue(change.at(has_other ? "wanted" : "after")) + " is wanted";
   }

@@ -146,6 +146,8 @@ TEST(Apply, RefusesWhatIsNoStateByItsPath) {
       {R"({"when": {"bois.version": "1"}})", "unknown-key", "/when/bois.version"},
       {R"({"when": {"bios.version": {"atLeast": 1.10}}})", "bad-condition",
        "/when/bios.version/atLeast"},
+      {R"({"when": {"bios.version": 1.8}})", "quote-it", "/when/bios.version"},
+      {R"({"when": {"bios.version": ["1.8", 1.8]}})", "quote-it", "/when/bios.version"},
       {R"({"when": {"bios.version": {"newer": "1"}}})", "unknown-key", "/when/bios.version/newer"},
       {R"({"state": {}, "secret": {}})", "unknown-key", "/secret"},
       {R"({"state": {}, "secrets": {"password": 7}})", "malformed-secrets", "secrets"},
@@ -178,7 +180,7 @@ TEST(Apply, StopsBeforeAnythingIsWritten) {
       {R"("UsbRear": true)", 6, "quote-it"},
       {R"("UsbRear": 8)", 6, "quote-it"},
       {R"("Site": 1350)", 6, "quote-it"},
-      {R"("Rounded": true)", 6, "invalid-value"},
+      {R"("Rounded": true)", 6, "quote-it"},
       {R"("Rounded": 101)", 6, "invalid-value"},
       {R"("Rounded": 1.5)", 6, "invalid-value"},
       {R"("Inner": 101)", 6, "invalid-value"},
@@ -191,7 +193,7 @@ TEST(Apply, StopsBeforeAnythingIsWritten) {
     const std::string state =
         std::string(R"({"attributes": {"Master": "On", )") + c.attributes + "}}";
     const Json document = bench.Apply(state);
-    EXPECT_EQ(document.at("status"), c.status);
+    EXPECT_EQ(document.at("status"), c.status) << document;
     EXPECT_EQ(document["error"]["name"], c.error);
     EXPECT_EQ(document["changed"], false);
     EXPECT_EQ(Outcomes(document)["Master"], "not-tried");
@@ -333,6 +335,96 @@ TEST(Apply, KnowsTheFirmwaresFormOfAValueAgain) {
   }
   // Another wish is another matter.
   EXPECT_EQ(bench.Apply(R"({"attributes": {"Rounded": 47}})")["changes"][0]["after"], 40);
+}
+
+// Attributes whose writes have no effect on the value, or show none.
+constexpr char kStubborn[] = R"({
+  "name": "bench", "base": "laptop", "attributes": [
+    {"kind": "enumeration", "name": "Late", "choices": ["A", "B"], "value": "A", "default": "A",
+     "lower": 1, "upper": 1, "valueAfterRestart": true},
+    {"kind": "enumeration", "name": "Mode", "choices": ["X", "LAN"], "value": "X", "default": "X",
+     "lower": 1, "upper": 1},
+    {"kind": "integer", "name": "Volume", "value": "40", "default": "0", "upper": 100,
+     "normalizes": {"step": 10}},
+    {"kind": "enumeration", "name": "Reset", "choices": ["A", "B"], "value": "A", "default": "A",
+     "lower": 1, "upper": 1, "resets": ["Volume"]}]})";
+
+TEST(Apply, WritesAgainWhatWasSetBackBetweenRestarts) {
+  const Bench bench(kStubborn);
+  const std::string state = R"({"attributes": {"Late": "B"}})";
+  EXPECT_EQ(Outcomes(bench.Apply(state))["Late"], "waiting");
+  for (const bool is_seen : {true, false}) {
+    SCOPED_TRACE(is_seen);
+    bench.Restart();
+    EXPECT_EQ(bench.Value("Late"), "B\n");
+    if (is_seen) {
+      EXPECT_EQ(Outcomes(bench.Apply(state))["Late"], "already-so");
+    }
+    bench.Run({"attr", "set", "Late", "A", "--yes"});
+    bench.Restart();
+    EXPECT_EQ(bench.Value("Late"), "A\n");
+    EXPECT_EQ(bench.Apply(state, {"--check"})["status"], 12);
+    const Json again = bench.Apply(state);
+    EXPECT_EQ(again["status"], 10) << again;
+    EXPECT_EQ(Outcomes(again)["Late"], "waiting");
+    EXPECT_EQ(bench.Apply(state, {"--check"})["status"], 12);
+  }
+  bench.Restart();
+  EXPECT_EQ(bench.Apply(state)["status"], 0);
+}
+
+TEST(Apply, TakesNoSwallowedWriteForAValueThatIsSo) {
+  const Bench bench(kStubborn);
+  const std::string state = R"({"attributes": {"Mode": "X"}})";
+  EXPECT_EQ(bench.Apply(R"({"attributes": {"Mode": "LAN"}})")["status"], 0);
+  bench.Fault({"5/6", "--completion=0"});
+  const Json swallowed = bench.Apply(state);
+  EXPECT_EQ(Outcomes(swallowed)["Mode"], "failed") << swallowed;
+  EXPECT_EQ(swallowed["changes"][0]["after"], "LAN");
+  EXPECT_EQ(bench.Apply(state, {"--check"})["status"], 12);
+  bench.Run({"sim", "fault", "clear"});
+  EXPECT_EQ(Outcomes(bench.Apply(state))["Mode"], "changed");
+}
+
+TEST(Apply, SaysThatAnUnmovedNumberMayBeKept) {
+  const Bench bench(kStubborn);
+  const std::string state = R"({"attributes": {"Volume": 44}})";
+  const Json first = bench.Apply(state);
+  EXPECT_EQ(first["status"], 10);
+  EXPECT_EQ(first["changes"][0]["outcome"], "waiting");
+  EXPECT_EQ(first["changes"][0]["note"],
+            "shows '40' now: either the firmware keeps '40' for '44', or it takes '44' at a "
+            "restart");
+  EXPECT_EQ(Outcomes(bench.Apply(state))["Volume"], "waiting") << "no restart since";
+  bench.Restart();
+  const Json second = bench.Apply(state);
+  EXPECT_EQ(second["status"], 0) << second;
+  EXPECT_EQ(second["changed"], false);
+  EXPECT_EQ(second["changes"][0]["after"], 40);
+  EXPECT_EQ(second["changes"][0]["wanted"], 44);
+  EXPECT_EQ(bench.Apply(state, {"--check"})["status"], 0);
+
+  // Where writes have shown at once, the value of now is the firmware's.
+  const Bench shown(kStubborn);
+  EXPECT_EQ(shown.Apply(R"({"attributes": {"Volume": 50}})")["status"], 0);
+  for (const bool has_restarted : {false, true}) {
+    if (has_restarted) shown.Restart();
+    const Json kept = shown.Apply(has_restarted ? R"({"attributes": {"Volume": 57}})"
+                                                : R"({"attributes": {"Volume": 53}})");
+    EXPECT_EQ(kept["status"], 0) << kept;
+    EXPECT_EQ(kept["changed"], false);
+    EXPECT_EQ(kept["changes"][0]["after"], 50);
+  }
+}
+
+TEST(Apply, ReportsWhatALaterWriteMadeOfAWaitingEntry) {
+  const Bench bench(kStubborn);
+  const Json document = bench.Apply(R"({"attributes": {"Volume": 44, "Reset": "B"}})");
+  EXPECT_EQ(document["status"], 10) << document;
+  EXPECT_EQ(Outcomes(document), (Expected{{"Volume", "failed"}, {"Reset", "changed"}}));
+  EXPECT_EQ(document["changes"][0]["error"]["name"], "undone");
+  EXPECT_EQ(document["changes"][0]["after"], 0);
+  EXPECT_EQ(document["changes"][0].contains("note"), false);
 }
 
 TEST(Apply, KeepsNumbersExact) {
@@ -479,6 +571,14 @@ TEST(Apply, ReportsWhatIsTrueAfterFaults) {
     const Json document = bench.Apply(state, {"--yes", "--log", log});
     EXPECT_EQ(document["status"], c.status) << document;
     EXPECT_EQ(Outcomes(document), c.outcomes);
+    std::ifstream in(log, std::ios::binary);
+    for (std::string line; std::getline(in, line);) {
+      const Json json = Json::parse(line);
+      if (json["event"] != "written") continue;
+      for (const Json& change : json["changes"]) {
+        EXPECT_EQ(change["after"].is_null(), change["outcome"] == "unknown") << change;
+      }
+    }
     // Whatever happened: once the machine runs again, running it again finishes.
     bench.Run({"sim", "fault", "clear"});
     bench.Restart();
