@@ -78,13 +78,17 @@ std::vector<Fault> HitOf(std::vector<SharedFault>& faults, std::string_view oper
 
 bool FaultFile::IsThere() const {
   std::error_code error;
-  return std::filesystem::exists(file_, error);
+  // Where nobody can tell, reading it says what is wrong.
+  return std::filesystem::exists(file_, error) || error;
 }
 
 std::vector<SharedFault> FaultFile::Read() const {
   std::vector<SharedFault> faults;
   const bytes::SecureString text = ReadKeptFile(file_, kLargestFaultFile);
-  if (text.empty()) return faults;
+  if (text.empty()) {
+    if (IsThere()) throw StateError("the file is empty");
+    return faults;
+  }
   Node root = ParseJson(text.str());
   Fields fields(Fields::Pass::kLoad, root);
   DescribeFile(fields, faults);
@@ -143,17 +147,20 @@ std::size_t FaultFile::Clear(std::optional<std::uint32_t> number) {
 std::vector<Fault> FaultFile::Hit(std::string_view operation) {
   if (!IsFrequent(operation)) was_there_ = IsThere();
   if (!was_there_) return {};
-  std::vector<Fault> hit;
   try {
     const FileLock lock(file_);
     std::vector<SharedFault> faults = Read();
     bool is_counted = false;
-    hit = HitOf(faults, operation, is_counted);
+    std::vector<Fault> hit = HitOf(faults, operation, is_counted);
     if (is_counted) Write(faults);
-  } catch (const std::exception&) {
-    hit.clear();
+    return hit;
+  } catch (const std::exception& error) {
+    problem_ = "its faults cannot be used: " + std::string(error.what());
   }
-  return hit;
+  // Nobody knows what would have become of the call.
+  const bool is_firmware = operation.starts_with("firmware");
+  if (!is_firmware && !NeedsConnection(operation)) return {};
+  return {{.operation = std::string(operation), .loss = Loss::kConnection}};
 }
 
 }  // namespace mira::sim

@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <functional>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -45,8 +46,11 @@ class FaultFile : public FaultSource {
   // Removes the fault of this number, or all; gives how many there were.
   std::size_t Clear(std::optional<std::uint32_t> number = std::nullopt);
 
-  // A file that cannot be used has no faults.
+  // While the file cannot be used, the connection is lost in every call that needs one.
   std::vector<Fault> Hit(std::string_view operation) override;
+  // Why the file could not be used, since the last ForgetProblem; empty where it could.
+  const std::string& Problem() const { return problem_; }
+  void ForgetProblem() { problem_.clear(); }
 
  private:
   bool IsThere() const;
@@ -55,6 +59,7 @@ class FaultFile : public FaultSource {
 
   std::filesystem::path file_;
   bool was_there_ = false;
+  std::string problem_;
 };
 
 }  // namespace mira::sim

@@ -21,7 +21,8 @@ struct JournalEntry {
   std::uint32_t args[4] = {};       // 0 where `masked` says so
   bool masked[4] = {};              // the word held a security key that the firmware had handed out
   std::uint32_t record_length = 0;  // bytes of the record
-  std::int32_t completion = 0;      // cbRES1 of the answer
+  bool answered = true;             // else completion and results say nothing
+  std::int32_t completion = 0;      // cbRES1 of the answer, as the caller got it
   std::uint32_t results[3] = {};    // cbRES2 to cbRES4; 0 where the call handed out a security key
   bool hands_out_key = false;
   bool injected = false;  // a fault had a part in it

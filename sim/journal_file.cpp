@@ -40,8 +40,11 @@ Node ToNode(const JournalEntry& entry) {
   node.Add("select").SetNumber(entry.select);
   AddWords(node, "arguments", entry.args, entry.masked);
   node.Add("recordLength").SetNumber(entry.record_length);
-  node.Add("completion").SetNumber(entry.completion);
-  AddWords(node, "results", entry.results, {entry.hands_out_key, false, false});
+  Node& completion = node.Add("completion");
+  if (entry.answered) completion.SetNumber(entry.completion);
+  const bool is_silent = !entry.answered;
+  AddWords(node, "results", entry.results,
+           {is_silent || entry.hands_out_key, is_silent, is_silent});
   node.Add("injected").SetFlag(entry.injected);
   return node;
 }

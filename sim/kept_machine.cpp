@@ -90,6 +90,8 @@ void KeptMachine::ClearJournal() {
 void KeptMachine::Refresh() {
   const bytes::SecureString head = ReadKeptFile(file_, kHeadSize);
   if (head.empty()) {
+    std::error_code error;
+    if (std::filesystem::exists(file_, error)) throw StateError("it is empty");
     // There is no file, or no longer.
     if (!stamp_.empty()) machine_.TakeState(first_);
     last_ = first_;
@@ -123,6 +125,7 @@ void KeptMachine::Write(const Node& state) {
 
 void KeptMachine::Transact(const std::function<void()>& work) {
   problem_.clear();
+  faults_.ForgetProblem();
   try {
     const FileLock lock(file_);
     const Flushed flushed{journal_};

@@ -33,9 +33,10 @@ class KeptMachine : private Storage {
   // Does the work on the machine as one transaction. Throws StateError, and what `work` throws;
   // the machine is then as before.
   void Transact(const std::function<void()>& work) override;
-  // The last transaction's failure in a sentence; empty after one that succeeded. A call that
-  // could not be kept has failed for its caller, too, as a call that never came through.
-  const std::string& Problem() const { return problem_; }
+  // The last transaction's failure in a sentence, also that of the faults' file; empty after one
+  // that succeeded. A call that could not be kept has failed for its caller, too, as a call that
+  // never came through.
+  const std::string& Problem() const { return problem_.empty() ? faults_.Problem() : problem_; }
 
   // The faults that are kept beside the machine, and what went by on it, in all programs.
   FaultFile& GetFaults() { return faults_; }

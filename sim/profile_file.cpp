@@ -17,7 +17,7 @@ struct StructureField {
   std::optional<std::uint8_t> byte;
   std::optional<std::uint16_t> word;
   std::optional<std::uint32_t> dword;
-  std::optional<std::int64_t> qword;
+  std::optional<std::uint64_t> qword;
   std::optional<std::string> string;
   std::vector<std::uint8_t> bytes;
 };
@@ -52,7 +52,7 @@ Structure Build(const StructureText& text) {
     if (field.byte) structure.Byte(*field.byte);
     if (field.word) structure.Word(*field.word);
     if (field.dword) structure.DWord(*field.dword);
-    if (field.qword) structure.QWord(static_cast<std::uint64_t>(*field.qword));
+    if (field.qword) structure.QWord(*field.qword);
     if (field.string) structure.Str(*field.string);
     structure.Bytes(field.bytes);
   }
@@ -189,10 +189,11 @@ Profile ReadProfile(std::string_view json, const ProfileBases& bases) {
     if (!profile.firmware_table.empty() && !has_own_table) FollowProfile(inherited, profile);
     std::vector<StructureText> structures;
     std::vector<std::uint8_t> dropped;
-    std::vector<std::uint16_t> dropped_types;
+    std::vector<std::optional<std::uint8_t>> dropped_types;  // bytes alone would be read as a text
     fields("structures", structures)("dropStructures", dropped_types);
-    for (const std::uint16_t type : dropped_types) {
-      dropped.push_back(static_cast<std::uint8_t>(type));
+    for (const std::optional<std::uint8_t> type : dropped_types) {
+      fields.Require(type.has_value(), "a type in 'dropStructures' is no number");
+      dropped.push_back(*type);
     }
     if (!structures.empty() || !dropped.empty()) ReplaceStructures(profile, structures, dropped);
     try {

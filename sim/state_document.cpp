@@ -138,10 +138,16 @@ class Parser {
     const char* const begin = text_.data() + at_;
     const char* const end = text_.data() + text_.size();
     const auto [stop, error] = std::from_chars(begin, end, number);
-    if (error != std::errc() || (stop != end && (*stop == '.' || *stop == 'e' || *stop == 'E'))) {
+    // What is wider stands in the tree as its digits.
+    std::uint64_t wide = 0;
+    const bool is_wide = error == std::errc::result_out_of_range && *begin != '-' &&
+                         std::from_chars(begin, end, wide).ec == std::errc();
+    if ((error != std::errc() && !is_wide) ||
+        (stop != end && (*stop == '.' || *stop == 'e' || *stop == 'E'))) {
       Fail("a value is missing or is no whole number");
     }
     at_ += static_cast<std::size_t>(stop - begin);
+    if (is_wide) return node.SetText(std::to_string(wide));
     node.SetNumber(number);
   }
 

@@ -29,6 +29,14 @@ std::error_code WriteAndClose(int descriptor, std::string_view bytes, bool to_di
   return error;
 }
 
+// A new name outlasts a loss of power, on the file systems that can see to it.
+void FolderToDisk(const std::filesystem::path& folder) {
+  const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (descriptor < 0) return;
+  static_cast<void>(::fsync(descriptor));
+  ::close(descriptor);
+}
+
 }  // namespace
 
 std::error_code WriteNewFile(const std::filesystem::path& file, std::string_view bytes,
@@ -64,6 +72,7 @@ std::error_code AppendToDisk(const std::filesystem::path& file, std::string_view
 std::error_code MoveOver(const std::filesystem::path& from, const std::filesystem::path& to) {
   std::error_code error;
   std::filesystem::rename(from, to, error);
+  if (!error) FolderToDisk(to.has_parent_path() ? to.parent_path() : ".");
   return error;
 }
 

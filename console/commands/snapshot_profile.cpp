@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "bytes/text.h"
+#include "client/error.h"
 #include "client/firmware_list.h"
 #include "client/snapshot/other_identity.h"
 
@@ -280,6 +281,10 @@ void AddFirmwareLists(const client::Snapshot& snapshot, Json& profile) {
 }  // namespace
 
 Json ProfileOf(const client::Snapshot& snapshot, bool keeps_identity) {
+  if (snapshot.IsRedacted()) {
+    throw client::Error(client::kInvalidValue, "redacted-snapshot",
+                        "A redacted snapshot no longer has the values that a machine is made of.");
+  }
   const client::Snapshot source = keeps_identity ? snapshot : client::WithOtherIdentity(snapshot);
   Json profile = {{"schemaVersion", 1},
                   {"name", "from-snapshot"},

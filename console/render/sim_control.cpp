@@ -76,9 +76,13 @@ void RenderJournal(const Json& document, std::ostream& out) {
   for (const Json& entry : document.at("entries")) {
     if (entry.at("kind") == "call") {
       out << "call " << entry.at("class") << '/' << entry.at("select") << " ("
-          << WordsText(entry.at("arguments")) << "), " << entry.at("recordLength") << " bytes -> "
-          << entry.at("completion") << " (" << WordsText(entry.at("results")) << ')'
-          << (entry.at("injected") == true ? ", a fault" : "") << '\n';
+          << WordsText(entry.at("arguments")) << "), " << entry.at("recordLength") << " bytes -> ";
+      if (entry.at("completion").is_null()) {
+        out << "no answer";
+      } else {
+        out << entry.at("completion") << " (" << WordsText(entry.at("results")) << ')';
+      }
+      out << (entry.at("injected") == true ? ", a fault" : "") << '\n';
       continue;
     }
     out << Escaped(client::Readable(entry.at("operation")));

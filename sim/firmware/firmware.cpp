@@ -32,6 +32,15 @@ void Spoil(const Fault& fault, std::vector<std::uint8_t>& reply) {
   if (fault.corrupt) fault.corrupt(reply);
 }
 
+// The answer as the caller gets it; what is cut off is none.
+void NoteSpoilt(const std::vector<std::uint8_t>& reply, JournalEntry& entry) {
+  constexpr std::size_t kCompletion = 20;
+  bytes::Reader in(reply, kCompletion);
+  const std::uint32_t completion = in.U32();
+  entry.answered = in.Ok();
+  if (entry.answered) entry.completion = static_cast<std::int32_t>(completion);
+}
+
 }  // namespace
 
 Firmware::Firmware(const Profile& profile)
@@ -164,17 +173,29 @@ std::optional<std::int32_t> Firmware::Execute(std::vector<std::uint8_t>& array, 
   entry.injected = !hit.empty();
   const auto loss =
       std::find_if(hit.begin(), hit.end(), [](const Fault& f) { return f.loss != Loss::kNothing; });
+  // What the firmware is not asked, or does not live to answer, went by all the same.
+  const auto note_unanswered = [&] {
+    entry.answered = false;
+    journal_.push_back(entry);
+  };
   const auto lose = [&] {
     if (loss->loss == Loss::kPower) is_off_ = true;
     if (loss->loss == Loss::kConnection) faults.Cut();
     return kConnectionLost;
   };
-  if (loss != hit.end() && loss->moment == Moment::kBefore) return lose();
+  if (loss != hit.end() && loss->moment == Moment::kBefore) {
+    note_unanswered();
+    return lose();
+  }
   const auto failing =
       std::find_if(hit.begin(), hit.end(), [](const Fault& f) { return f.result.has_value(); });
-  if (failing != hit.end()) return failing->result;
+  if (failing != hit.end()) {
+    note_unanswered();
+    return failing->result;
+  }
   if (loss != hit.end() && loss->moment == Moment::kWithin) {
     if (call.WellFormed()) DispatchTorn(call);
+    note_unanswered();
     return lose();
   }
 
@@ -188,9 +209,13 @@ std::optional<std::int32_t> Firmware::Execute(std::vector<std::uint8_t>& array, 
     static_cast<void>(out.Ok());  // what has no place for the answer goes back as it came
     entry.completion = kBadFormat;
   }
+  const bool is_lost = loss != hit.end();
+  if (!is_lost && !hit.empty()) {
+    for (const Fault& fault : hit) Spoil(fault, array);
+    NoteSpoilt(array, entry);
+  }
   journal_.push_back(entry);
-  if (loss != hit.end()) return lose();
-  for (const Fault& fault : hit) Spoil(fault, array);
+  if (is_lost) return lose();
   return std::nullopt;
 }
 
@@ -204,7 +229,12 @@ void Write(std::ostream& out, const std::vector<JournalEntry>& journal) {
         out << " 0x" << entry.args[i];
       }
     }
-    out << std::dec << " length " << entry.record_length << " -> " << entry.completion << std::hex;
+    out << std::dec << " length " << entry.record_length << " -> ";
+    if (!entry.answered) {
+      out << "no answer\n";
+      continue;
+    }
+    out << entry.completion << std::hex;
     for (const std::uint32_t result : entry.results) out << " 0x" << result;
     out << std::dec << '\n';
   }

@@ -205,6 +205,14 @@ TEST(ProfileFromSnapshot, MakesAMachineLikeTheOneThatWasKept) {
   }
 }
 
+TEST(ProfileFromSnapshot, TellsOfARedactedSnapshot) {
+  const TemporaryFile kept(Taken("--sim"));
+  const TemporaryFile redacted(Mira({"snapshot", "--redact", "--from", kept.path()}).out);
+  const ProgramResult made = Mira({"sim", "profile", "from-snapshot", redacted.path()});
+  EXPECT_EQ(made.status, Mira({"state", "from", redacted.path()}).status);
+  EXPECT_NE(made.err.find("redacted"), std::string::npos) << made.err;
+}
+
 TEST(ProfileFromSnapshot, TakesTheTablesOfRealMachines) {
   const char* const folder = std::getenv("MIRA_TEST_DATA");
   if (folder == nullptr) GTEST_SKIP() << "MIRA_TEST_DATA is not set";

@@ -114,6 +114,10 @@ TEST(KeptMachine, TellsWhatIsWrongWithItsFile) {
     EXPECT_THROW(Call(machine, kept, 1, 0, {0x70, 8}), sim::StateError);
     EXPECT_NE(kept.Problem(), "");
     EXPECT_EQ(Content(folder.File()), "{\n\"stamp\": 1\n") << "nobody's file is overwritten";
+    // No file is a new machine, one without content is damaged.
+    std::ofstream(folder.File(), std::ios::binary | std::ios::trunc).close();
+    EXPECT_THROW(Call(machine, kept, 1, 0, {0x70, 8}), sim::StateError);
+    EXPECT_EQ(std::filesystem::file_size(folder.File()), 0u);
   }
   sim::Machine machine;
   EXPECT_THROW(sim::KeptMachine(machine, folder.File()), sim::StateError);
@@ -165,6 +169,69 @@ TEST(KeptMachine, SharesItsFaultsAndItsPowerWithRunningPrograms) {
   EXPECT_FALSE(Arrives(second, kept_second, 0, 0)) << "the fault is gone, and so is the power";
   second.Reboot();
   EXPECT_TRUE(Arrives(first, kept_first, 0, 0));
+}
+
+TEST(KeptMachine, FailsItsCallsWhileItsFaultsCannotBeUsed) {
+  const Folder folder;
+  sim::Machine machine;
+  sim::KeptMachine kept(machine, folder.File());
+  const std::filesystem::path file = folder.path() / "laptop.faults";
+  for (const char* const damage : {"", "{", "{\"schemaVersion\": 1, \"faults\": 3}"}) {
+    SCOPED_TRACE(damage);
+    std::ofstream(file, std::ios::binary) << damage;
+    EXPECT_FALSE(Arrives(machine, kept, 1, 0));
+    EXPECT_TRUE(machine.GetFaults().IsCut());
+    EXPECT_NE(kept.Problem().find("faults cannot be used"), std::string::npos) << kept.Problem();
+    EXPECT_EQ(Content(file), damage) << "nobody's file is overwritten";
+    kept.GetFaults().Clear();
+    EXPECT_TRUE(Arrives(machine, kept, 0, 0));
+    EXPECT_EQ(kept.Problem(), "");
+  }
+  // Counting the call is not possible.
+  kept.GetFaults().Add({.operation = "firmware 0/0", .nth = 2, .completion = -6});
+  const std::filesystem::path lock = folder.path() / "laptop.faults.lock";
+  std::filesystem::remove(lock);
+  std::filesystem::create_directory(lock);
+  EXPECT_FALSE(Arrives(machine, kept, 0, 0));
+  EXPECT_NE(kept.Problem(), "");
+}
+
+TEST(KeptMachine, NotesCallsAsTheyWereAnswered) {
+  using sim::Loss;
+  using sim::Moment;
+  struct Case {
+    sim::Fault fault;
+    std::optional<std::int32_t> completion;  // none: there was no answer
+  };
+  const std::string kRead = "firmware 0/0";
+  const Case cases[] = {
+      {{.operation = kRead, .result = -1}, std::nullopt},
+      {{.operation = kRead, .loss = Loss::kConnection}, std::nullopt},
+      {{.operation = kRead, .loss = Loss::kPower, .moment = Moment::kWithin}, std::nullopt},
+      {{.operation = kRead, .loss = Loss::kPower, .moment = Moment::kAfter}, 0},
+      {{.operation = kRead, .overwrite_at = 20, .overwrite = {0xFA, 0xFF, 0xFF, 0xFF}}, -6},
+      {{.operation = kRead, .truncate = 22}, std::nullopt},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(&c - cases);
+    const Folder folder;
+    sim::Machine machine;
+    machine.GetFaults().Add(c.fault);
+    sim::KeptMachine kept(machine, folder.File());
+    test::ByteBuilder record;
+    record.U16(0).U16(0).U32(0x70);
+    for (int i = 0; i < 8; ++i) record.U32(0);
+    std::vector<std::uint8_t> array = record.U32(44).Done();
+    kept.Transact([&] { machine.GetFirmware().Execute(array, machine.GetFaults()); });
+    ASSERT_EQ(machine.Journal().size(), 1u);
+    const sim::JournalEntry& entry = machine.Journal().back();
+    EXPECT_TRUE(entry.injected);
+    EXPECT_EQ(entry.args[0], 0x70u);
+    EXPECT_EQ(entry.answered, c.completion.has_value());
+    if (c.completion) {
+      EXPECT_EQ(entry.completion, *c.completion);
+    }
+  }
 }
 
 #if !defined(_WIN32)

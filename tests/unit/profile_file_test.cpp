@@ -67,6 +67,11 @@ TEST(ProfileFile, NamesThePlaceOfAnError) {
       {"{\"drives\": [\n{\"handle\": 1, \"description\": \"\"},\n{\"handle\": 256}]}",
        "at '/drives/1/handle' (line 3)"},
       {"{\"drives\": [{\"handle\": 1}]}", "'description' is missing"},
+      {"{\"dropStructures\": [27, 256]}", "at '/dropStructures/1' (line 1): is out of its range"},
+      {"{\"structures\": [{\"type\": 200, \"handle\": 1, \"fields\": [{\"qword\": -1}]}]}",
+       "/structures/0/fields/0/qword"},
+      {"{\"bufferSize\": 18446744073709551616}", "no whole number"},
+      {"{\"dropStructures\": [null]}", "dropStructures"},
       {"{\"schemaVersion\": 2}", "version"},
       {"{\"base\": \"toaster\"}", "no profile 'toaster'"},
       {"{\"smbiosTable\": \"0g\"}", "/smbiosTable"},
@@ -92,6 +97,17 @@ TEST(ProfileFile, NamesThePlaceOfAnError) {
       EXPECT_NE(std::string(error.what()).find(c.complaint), std::string::npos) << error.what();
     }
   }
+}
+
+TEST(ProfileFile, TakesFieldsOfEightBytesInFull) {
+  const sim::Profile profile = sim::ReadProfile(R"json({"structures": [
+    {"type": 200, "handle": 1, "fields": [{"qword": 18446744073709551615},
+      {"qword": "0xFEDCBA9876543210"}, {"qword": 9223372036854775808}, {"qword": 1}]}]})json");
+  const Bytes wanted =
+      Hex("c8 24 01 00 ff ff ff ff ff ff ff ff 10 32 54 76 98 ba dc fe "
+          "00 00 00 00 00 00 00 80 01 00 00 00 00 00 00 00 00 00");
+  const Bytes& table = profile.firmware_table;
+  EXPECT_NE(std::search(table.begin(), table.end(), wanted.begin(), wanted.end()), table.end());
 }
 
 TEST(ProfileFile, GivesDevicePathsByTheStandardsBytes) {
