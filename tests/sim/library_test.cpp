@@ -146,7 +146,7 @@ TEST(SimulatedLibrary, IsControlledByATest) {
     EXPECT_EQ(RunHost().status, STATUS_FAILURE);
     EXPECT_EQ(machine.Hits(refused), 1);
     EXPECT_EQ(machine.Hits(second), 1);
-    EXPECT_EQ(machine.Calls(0, 0), 2) << "the last never reached the firmware";
+    EXPECT_EQ(machine.Calls(0, 0), 3) << "also the one that a fault cut short";
     EXPECT_EQ(RunHost().status, STATUS_SUCCESS);
     machine.Add(Fault("0/0").Nth(0).LosePower());
     EXPECT_NE(RunHost().status, STATUS_SUCCESS);
