@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <iterator>
 
+#include "bytes/text.h"
+
 namespace mira::client {
 namespace {
 
@@ -37,12 +39,7 @@ std::string InThousands(const Json& value, const char* unit, const char* thousan
 
 }  // namespace
 
-std::string Trimmed(const std::string& text) {
-  const std::size_t from = text.find_first_not_of(' ');
-  return from == std::string::npos ? "" : text.substr(from, text.find_last_not_of(' ') + 1 - from);
-}
-
-std::string Plain(const Json& value) { return Trimmed(Readable(value)); }
+std::string Plain(const Json& value) { return std::string(bytes::Trimmed(Readable(value), " ")); }
 
 std::string InBytes(const Json& value) { return InUnits(value, 0); }
 std::string InKiB(const Json& value) { return InUnits(value, 1); }

@@ -13,7 +13,6 @@
 namespace mira::client {
 
 // A text without the blanks around it.
-std::string Trimmed(const std::string& text);
 std::string Plain(const Json& value);
 
 // Numbers of bytes, KiB and MiB, in the largest unit that they reach.

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <functional>
 
+#include "bytes/text.h"
 #include "client/report/quantity.h"
 #include "console/face.h"
 
@@ -8,7 +9,6 @@ namespace mira::console {
 namespace {
 
 using client::Plain;
-using client::Trimmed;
 
 // ---- Sections ----
 
@@ -200,7 +200,7 @@ void ShowInventory(const Json& document, std::ostream& out) {
   const Json system = document.value("system", Json::object());
   const std::string maker = Shown(system, {"", "manufacturer"});
   const std::string product = Shown(system, {"", "productName"});
-  const std::string title = Trimmed(maker + " " + product);
+  const std::string title(bytes::Trimmed(maker + " " + product, " "));
   out << (title.empty() ? "A machine that does not say its name" : Escaped(title)) << '\n';
   WriteFields(out, "System", system,
               {{"Version", "version"},
